@@ -1,0 +1,48 @@
+// The log of the suite, and the developer trace.
+//
+// Every log line of the library goes through PrWin::Output: a text with its own line ends, a
+// category and a style. A sink takes what is put out; a host sets its own with SetSink. Until then
+// the text goes to standard error as UTF-8. Output may be called from any thread; the sink is
+// called by one thread at a time.
+#pragma once
+
+#include <functional>
+#include <string_view>
+
+#include "interfaces/Export.h"
+
+namespace PrWin {
+
+// The categories and styles that this library uses; a sink may meet no others from it.
+enum Category : int {
+  category_text_cut = 1,    // a text was cut to the width of its field
+  category_data_base = 8,   // everything else
+};
+enum Style : int {
+  style_none = 0,      // the form of Output without a style was used
+  style_info = 1,      // dumps and notices
+  style_bad_line = 3,  // a line of input that could not be read
+  style_refusal = 4,   // a data base was refused
+};
+
+using Sink = std::function<void(std::wstring_view text, Category category, Style style)>;
+
+// Sets the sink and returns the one before. An empty sink stands for the default one.
+KESTRIN_API Sink SetSink(Sink sink);
+
+// A finished text; null is an empty text.
+KESTRIN_API void Output(const wchar_t* text, Category category, Style style);
+
+// Format forms with the conventions of printf on wide text, independent of the locale: %s is a wide
+// string (null gives "(null)"), %d an int, %u an unsigned int, %% the sign itself. Other
+// conversions are put out as they stand and take no argument.
+KESTRIN_API void Output(Category category, const wchar_t* format, ...);
+KESTRIN_API void Output(Category category, Style style, const wchar_t* format, ...);
+
+// The developer trace, which is not the log. Silent unless a sink is set or the environment
+// variable KESTRIN_TRACE is set and not empty, which sends it to standard error.
+using TraceSink = std::function<void(std::wstring_view text)>;
+KESTRIN_API TraceSink SetTraceSink(TraceSink sink);
+KESTRIN_API void Trace(const wchar_t* text);
+
+}  // namespace PrWin
