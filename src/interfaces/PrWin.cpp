@@ -1,0 +1,165 @@
+// The log must never be the reason why a load fails. So whatever a sink does is caught here:
+//
+// - A sink that throws loses its turn, not the text: the text goes to standard error instead and
+//   the caller of Output sees nothing of it.
+// - A sink that puts out a text of its own, or changes the sink, finds the lock already its own.
+//   What it puts out goes to standard error and not to the sink again, for a sink that logs every
+//   call would never come back.
+// - SetSink waits until a call under way on another thread has returned: afterwards the sink before
+//   is not called any more and its host may take down what it writes to.
+
+#include "interfaces/PrWin.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+
+#include "interfaces/Number.h"
+#include "interfaces/Text.h"
+
+namespace PrWin {
+namespace {
+
+void WriteToStandardError(std::wstring_view text) {
+  const std::string bytes = Text::ToUtf8(text);
+  std::fwrite(bytes.data(), 1, bytes.size(), stderr);
+}
+
+// One way out of the library: the place of a sink, and the rules of the game around it.
+template <class AnySink>
+class Outlet {
+ public:
+  AnySink Set(AnySink sink) {
+    const std::lock_guard lock(mutex_);
+    // The sink before may be running this very call, so it is shared and not moved from.
+    const std::shared_ptr<AnySink> before = std::exchange(sink_, nullptr);
+    if (sink) sink_ = std::make_shared<AnySink>(std::move(sink));
+    return before ? *before : AnySink();
+  }
+
+  // Calls the sink, or the fallback if there is none or it cannot take the text.
+  template <class Fallback, class... Rest>
+  void Put(const Fallback& fallback, std::wstring_view text, Rest... rest) noexcept {
+    try {
+      const std::lock_guard lock(mutex_);
+      if (!sink_ || busy_ || !Call(text, rest...)) fallback(text);
+    } catch (...) {  // NOLINT(bugprone-empty-catch): out of memory; there is nowhere left to say so
+    }
+  }
+
+ private:
+  template <class... Rest>
+  bool Call(std::wstring_view text, Rest... rest) {
+    const std::shared_ptr<AnySink> running = sink_;
+    bool taken = true;
+    busy_ = true;
+    try {
+      (*running)(text, rest...);
+    } catch (...) {
+      taken = false;
+    }
+    busy_ = false;
+    return taken;
+  }
+
+  std::recursive_mutex mutex_;
+  std::shared_ptr<AnySink> sink_;  // null: none is set
+  bool busy_ = false;              // the sink is running, on the thread that has the lock
+};
+
+// Made on first use and never destroyed: objects that die at process end may still log.
+template <class AnySink>
+Outlet<AnySink>& OutletFor() {
+  static auto* const outlet = new Outlet<AnySink>;
+  return *outlet;
+}
+
+void OutputText(std::wstring_view text, Category category, Style style) noexcept {
+  OutletFor<Sink>().Put(WriteToStandardError, text, category, style);
+}
+
+std::wstring Format(const wchar_t* format, std::va_list arguments) {
+  std::wstring out;
+  for (; *format != L'\0'; ++format) {
+    if (*format != L'%') {
+      out += *format;
+      continue;
+    }
+    switch (format[1]) {
+      case L's': {
+        const wchar_t* const text = va_arg(arguments, const wchar_t*);
+        out += text ? text : L"(null)";
+        break;
+      }
+      case L'd':
+        Number::Append(out, static_cast<long long>(va_arg(arguments, int)));
+        break;
+      case L'u':
+        Number::Append(out, static_cast<long long>(va_arg(arguments, unsigned)));
+        break;
+      case L'%':
+        out += L'%';
+        break;
+      default:
+        out += L'%';
+        continue;  // the character behind it is an ordinary one
+    }
+    ++format;
+  }
+  return out;
+}
+
+void OutputFormat(Category category, Style style, const wchar_t* format,
+                  std::va_list arguments) noexcept {
+  if (!format) return OutputText({}, category, style);
+  try {
+    OutputText(Format(format, arguments), category, style);
+  } catch (...) {
+    OutputText(format, category, style);  // no memory for the arguments
+  }
+}
+
+bool TraceIsWanted() {
+  static const bool wanted = [] {
+    const char* const value = std::getenv("KESTRIN_TRACE");
+    return value && *value;
+  }();
+  return wanted;
+}
+
+}  // namespace
+
+Sink SetSink(Sink sink) { return OutletFor<Sink>().Set(std::move(sink)); }
+
+void Output(const wchar_t* text, Category category, Style style) {
+  OutputText(text ? text : L"", category, style);
+}
+
+void Output(Category category, const wchar_t* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  OutputFormat(category, style_none, format, arguments);
+  va_end(arguments);
+}
+
+void Output(Category category, Style style, const wchar_t* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  OutputFormat(category, style, format, arguments);
+  va_end(arguments);
+}
+
+TraceSink SetTraceSink(TraceSink sink) { return OutletFor<TraceSink>().Set(std::move(sink)); }
+
+void Trace(const wchar_t* text) {
+  const auto quiet_or_error = [](std::wstring_view line) {
+    if (TraceIsWanted()) WriteToStandardError(line);
+  };
+  OutletFor<TraceSink>().Put(quiet_or_error, text ? text : L"");
+}
+
+}  // namespace PrWin
