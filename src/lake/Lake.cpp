@@ -1,0 +1,307 @@
+// The tree over the lines: how it is built, asked, copied and changed.
+//
+// There is one place where indexes are made, `CNode::link`. Whatever brings lines in (reading,
+// copying, merging) brings pure lines, texts without indexes, and then links the root once.
+
+#include "lake/Lake.h"
+
+#include <algorithm>
+#include <cassert>
+#include <iterator>
+#include <utility>
+
+#include "interfaces/Number.h"
+
+// ---------------------------------------------------------------------------------------- CLake
+
+CLake::CLake(const CString& filename) : filename_(filename) {
+  clear();
+  if (!filename_.empty()) read({});
+}
+
+CLake::CLake(const CLake& other) { replace_lines(other.copied_lines()); }
+
+CLake& CLake::operator=(const CLake& other) {
+  if (this != &other) replace_lines(other.copied_lines());
+  return *this;
+}
+
+CLake::~CLake() = default;
+
+bool CLake::empty() const { return begin() == end(); }
+
+void CLake::clear() { replace_lines({}); }
+
+void CLake::merge(const CLake& other) {
+  nodes_.splice(nodes_.end(), other.copied_lines());
+  link_root();
+}
+
+CLake::const_iterator CLake::begin() const { return std::next(nodes_.begin()); }
+
+CLake::const_iterator CLake::end() const { return nodes_.end(); }
+
+CLake::CNodeProxy CLake::operator[](const std::wstring& key) { return root()[key]; }
+
+const CLake::CNodeProxy CLake::operator[](const std::wstring& key) const { return root()[key]; }
+
+CLake::NodeList CLake::copied_lines() const {
+  NodeList lines;
+  for (const CNode& line : *this) lines.push_back(line.pure_line());
+  return lines;
+}
+
+void CLake::replace_lines(NodeList&& lines) {
+  lines.emplace_front();
+  nodes_.swap(lines);
+  link_root();
+}
+
+void CLake::link_root() {
+  root().clear();
+  root().set_collection(nodes_);
+  root().link(std::next(nodes_.begin()));
+}
+
+// ------------------------------------------------------------------------------- CLake::CNode
+
+CLake::CNode::CNode(NodeList& list, std::wstring_view key, std::wstring_view value,
+                    std::wstring_view comment)
+    : collection_(&list), value_(value) {
+  if (!key.empty()) own_extra().key = key;
+  if (!comment.empty()) own_extra().comment = comment;
+}
+
+CLake::CNode::CNode(const CNode& other)
+    : collection_(other.collection_),
+      value_(other.value_),
+      extra_(other.extra_ ? std::make_unique<Extra>(*other.extra_) : nullptr),
+      depth_(other.depth_),
+      is_section_(other.is_section_) {}
+
+CLake::CNode& CLake::CNode::operator=(const CNode& other) {
+  return *this = CNode(other);  // NOLINT(misc-unconventional-assign-operator): it is *this
+}
+
+CLake::CNode::Extra& CLake::CNode::own_extra() {
+  if (!extra_) extra_ = std::make_unique<Extra>();
+  return *extra_;
+}
+
+const CLake::CNode::Extra& CLake::CNode::no_extra() {
+  static const Extra none;
+  return none;
+}
+
+void CLake::CNode::value(const std::wstring& text) {
+  const bool allowed = !is_section_ && text != L"{";
+  assert(allowed);
+  if (allowed) value_ = text;
+}
+
+void CLake::CNode::comment(const std::wstring& text) {
+  assert(!is_section_);
+  if (!is_section_) own_extra().comment = text;
+}
+
+CLake::CNode& CLake::CNode::operator=(const std::wstring& text) {
+  value(text);
+  return *this;
+}
+
+CLake::NodeList::iterator CLake::CNode::find(const std::wstring& key) const {
+  const auto found = extra().named.find(key);
+  return found != extra().named.end() ? found->second : extra().end;
+}
+
+int CLake::CNode::find_value(const std::wstring& value) const {
+  const auto& lines = extra().unnamed;
+  const auto found =
+      std::find_if(lines.begin(), lines.end(), [&](auto line) { return line->value_ == value; });
+  return found == lines.end() ? -1 : static_cast<int>(found - lines.begin());
+}
+
+CLake::CNodeProxy CLake::CNode::look_up(const std::wstring& key, CNode* owner) const {
+  assert(collection_);
+  const auto target = find(key);
+  const bool miss = collection_ && target == extra().end;
+  return {collection_, owner, miss ? collection_->end() : target, key};
+}
+
+CLake::CNodeProxy CLake::CNode::operator[](const std::wstring& key) { return look_up(key, this); }
+
+const CLake::CNodeProxy CLake::CNode::operator[](const std::wstring& key) const {
+  return look_up(key, nullptr);
+}
+
+unsigned int CLake::CNode::push_back(const std::wstring& text) {
+  assert(collection_);
+  if (!collection_) return 0;
+  if (!is_section_) make_section(position());
+  auto& unnamed = own_extra().unnamed;
+  unnamed.reserve(unnamed.size() + 1);
+  const auto line = collection_->emplace(extra_->end, *collection_, L"", text, L"");
+  line->depth_ = depth_ + 1;
+  unnamed.push_back(line);
+  return unnamed_size() - 1;
+}
+
+void CLake::CNode::clear_section() {
+  if (!extra_) return;
+  if (collection_) {
+    for (const auto& [key, line] : extra_->named) collection_->erase(line);
+    for (const auto line : extra_->unnamed) collection_->erase(line);
+  }
+  extra_->named.clear();
+  extra_->unnamed.clear();
+}
+
+// The sections that are open at a line stand on a stack of their own, since a file may nest deeper
+// than a thread's stack. A line belongs to the innermost one.
+CLake::NodeList::iterator CLake::CNode::link(NodeList::iterator first) {
+  assert(collection_);
+  if (!collection_) return first;
+
+  std::vector<CNode*> open{this};
+  begin_section();
+  for (auto line = first; line != collection_->end();) {
+    const auto here = line++;
+    CNode& section = *open.back();
+    Extra& children = *section.extra_;
+    here->collection_ = collection_;
+    here->depth_ = section.depth_ + 1;
+
+    // Of several lines with one key the first stands for all, also as the section that a later
+    // one opens.
+    CNode* target = &*here;
+    if (here->is_named()) {
+      target = &*children.named.try_emplace(here->key(), here).first->second;
+    } else if (here->is_closing()) {
+      here->depth_ = section.depth_;
+      children.end = here;
+      open.pop_back();
+      if (open.empty()) return line;
+      continue;
+    } else {
+      children.unnamed.push_back(here);
+    }
+    if (here->opens_section()) {
+      target->begin_section();
+      open.push_back(target);
+    }
+  }
+  for (CNode* section : open) section->extra_->end = collection_->end();
+  return collection_->end();
+}
+
+void CLake::CNode::clear() {
+  collection_ = nullptr;
+  value_.clear();
+  depth_ = -1;
+  is_section_ = false;
+  if (!extra_) return;
+  extra_->key.clear();
+  extra_->named.clear();
+  extra_->unnamed.clear();
+}
+
+bool CLake::CNode::opens_section() const { return value_.size() == 1 && value_.front() == L'{'; }
+
+// The line as it came from a file: its texts, and that it is a section, but no place in a tree.
+CLake::CNode CLake::CNode::pure_line() const {
+  CNode line;
+  line.value_ = value_;
+  if (!key().empty()) line.own_extra().key = key();
+  if (!comment().empty()) line.own_extra().comment = comment();
+  line.is_section_ = is_section_;
+  return line;
+}
+
+void CLake::CNode::begin_section() {
+  Extra& children = own_extra();
+  children.named.clear();
+  children.unnamed.clear();
+  is_section_ = true;
+}
+
+CLake::NodeList::iterator CLake::CNode::insert(const std::wstring& key) {
+  Extra& children = own_extra();
+  assert(is_section_ && collection_ && children.named.count(key) == 0);
+  if (const auto there = children.named.find(key); there != children.named.end()) {
+    return there->second;
+  }
+  const auto line = collection_->emplace(children.end, *collection_, key, L"", L"");
+  line->depth_ = depth_ + 1;
+  children.named.emplace(key, line);
+  return line;
+}
+
+// The closing line stands directly behind the line itself, which has no lines of its own yet: so
+// what is written nests as the tree does, whatever siblings have been added since.
+void CLake::CNode::make_section(NodeList::iterator self) {
+  if (is_section_) return;
+  Extra& own = own_extra();
+  own.end = collection_->emplace(std::next(self), *collection_, L"", L"}", own.key);
+  own.end->depth_ = depth_;
+  own.comment.clear();  // behind a "{" it would be read back as a part of the value
+  value_ = L"{";
+  is_section_ = true;
+}
+
+// Where this node stands in its list. Searched from the back, where lines made in memory stand.
+CLake::NodeList::iterator CLake::CNode::position() const {
+  auto place = std::prev(collection_->end());
+  while (&*place != this) --place;
+  return place;
+}
+
+// -------------------------------------------------------------------------- CLake::CNodeProxy
+
+CLake::CNodeProxy::CNodeProxy(NodeList* collection, CNode* section, NodeList::iterator target,
+                              const std::wstring& key)
+    : collection_(collection), section_(section), target_(target), key_(key) {}
+
+bool CLake::CNodeProxy::exists() const { return collection_ && target_ != collection_->end(); }
+
+CLake::CNodeProxy::operator std::wstring() const {
+  return exists() ? target_->value() : std::wstring();
+}
+
+int CLake::CNodeProxy::number() const {
+  return exists() ? Number::ScanInt(target_->value()).value : 0;
+}
+
+CLake::CNode& CLake::CNodeProxy::operator*() {
+  assert(exists());
+  return *target_;
+}
+
+const CLake::CNode& CLake::CNodeProxy::operator*() const {
+  assert(exists());
+  return *target_;
+}
+
+// True when there is a line now, found or added.
+bool CLake::CNodeProxy::insert_missing() {
+  if (exists()) return true;
+  const bool allowed = collection_ && section_ && section_->is_section() && !key_.empty();
+  assert(allowed);
+  if (allowed) target_ = section_->insert(key_);
+  return allowed;
+}
+
+CLake::CNodeProxy& CLake::CNodeProxy::operator=(const std::wstring& text) {
+  assert(text != L"{");
+  if (text != L"{" && insert_missing()) target_->value(text);
+  return *this;
+}
+
+void CLake::CNodeProxy::make_section() {
+  if (insert_missing()) target_->make_section(target_);
+}
+
+unsigned int CLake::CNodeProxy::push_back(const std::wstring& text) {
+  if (!insert_missing()) return 0;
+  make_section();
+  return target_->push_back(text);
+}

@@ -1,0 +1,265 @@
+// The lake: a parameter text file in memory.
+//
+// Every line of the file is one node, in file order, in one list. Over that list lies a tree of
+// sections: a section's indexes hold list iterators of its direct children, so no text stands in
+// memory twice and the file can be written back line for line, comments and blank lines included.
+//
+//     list      root  <QType>: "G"  <TMode>: {   1 "Up"   2 "Down"   }
+//     root       named ----^------------^           |        |       |
+//     <TMode>    unnamed ---------------------------^--------^       |
+//                end ------------------------------------------------^
+//
+// There are no paths: `<QType><FBaseName>` is one flat key of one line of the root.
+//
+// A file has hundreds of thousands of lines, and nearly all of them are rows: a value and nothing
+// else. So a node holds its value, and keeps key, comment and indexes aside, for those lines that
+// have them.
+//
+// Threads: a lake has no lock. Constant operations may run on any number of threads as long as no
+// other operation runs beside them.
+#pragma once
+
+#include <concepts>
+#include <iosfwd>
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "interfaces/Export.h"
+#include "interfaces/Text.h"
+
+class KESTRIN_API CLake {
+ public:
+  class CNode;
+  class CNodeProxy;
+  using NodeList = std::list<CNode>;  // its iterators stay valid while other nodes come and go
+  using const_iterator = NodeList::const_iterator;
+
+  // An empty lake, or the lines of a file as `read` gets them.
+  explicit CLake(const CString& filename = {});
+  // The same lines under a root of its own; the file name is empty.
+  CLake(const CLake& other);
+  // The same lines; the file name stays. If memory runs out while copying, nothing has changed.
+  CLake& operator=(const CLake& other);
+  ~CLake();
+
+  // Replaces the lines by those of a file; an empty argument stands for the stored name, another
+  // one is stored. A file that can't be opened (missing, a folder, no right to read) leaves the
+  // lines as they are and gives true. False is given for a file that begins with a broken UTF-8
+  // mark, which leaves the lines too, and when the medium fails: then the lines read until there
+  // are the lake. Bytes that are not UTF-8 in a file with the mark end the text at that place.
+  bool read(const CString& filename);
+
+  // Writes all lines, as UTF-8 behind the mark; without lines, a file of zero bytes. The file name
+  // as in `read`. False if the file can't be opened; a failure while writing ends the writing and
+  // is not reported. A surrogate without its partner and an element above 0xFFFF become U+FFFD.
+  bool write(const CString& filename) const;
+
+  const CString& filename() const { return filename_; }
+
+  // True when there are no lines. A single blank line is a line.
+  bool empty() const;
+  void clear();
+
+  // Appends copies of the other lake's lines, as if its file had been read behind this one: of a
+  // plain key that stands in both this lake's value is kept, a section that stands in both shows
+  // the other lake's children. A lake may be merged with itself.
+  void merge(const CLake& other);
+
+  // The lines in file order, those outside every section too. The root is none of them.
+  const_iterator begin() const;
+  const_iterator end() const;
+
+  // The section that holds the lines of the top level.
+  CNode& root() { return nodes_.front(); }
+  const CNode& root() const { return nodes_.front(); }
+
+  // Looks a key up in the root.
+  CNodeProxy operator[](const std::wstring& key);
+  const CNodeProxy operator[](const std::wstring& key) const;
+
+ private:
+  friend struct LakeReader;
+
+  NodeList copied_lines() const;
+  void replace_lines(NodeList&& lines);
+  void link_root();
+
+  mutable CString filename_;
+  NodeList nodes_;  // the root, then the lines
+};
+
+// A line, or the root. A node belongs to the list of one lake; a copy of a node alone still points
+// into that list, so lines are copied from lake to lake by the lake and never node by node.
+class KESTRIN_API CLake::CNode {
+ public:
+  using NamedChildren = std::map<std::wstring, NodeList::iterator>;
+  using UnnamedChildren = std::vector<NodeList::iterator>;
+
+  CNode() = default;
+  CNode(NodeList& list, std::wstring_view key, std::wstring_view value, std::wstring_view comment);
+  CNode(const CNode& other);
+  CNode(CNode&& other) noexcept = default;
+  CNode& operator=(const CNode& other);
+  CNode& operator=(CNode&& other) noexcept = default;
+  ~CNode() = default;
+
+  // The texts are those of one line of a file: trimmed, without a line feed.
+  const std::wstring& key() const { return extra().key; }
+  const std::wstring& value() const { return value_; }
+  const std::wstring& comment() const { return extra().comment; }
+
+  // Set value or comment. A section's own line is fixed, and "{" makes no section (`push_back`
+  // does): both are faults of the caller, asserted in a debug build and without effect otherwise.
+  // A comment is read back as a comment from lines without key and value, and behind a "}".
+  void value(const std::wstring& text);
+  void comment(const std::wstring& text);
+  CNode& operator=(const std::wstring& text);
+
+  bool is_named() const { return !key().empty(); }
+  bool is_section() const { return is_section_; }
+
+  // The direct children: by key, the first line of a key standing for all; and those without a key
+  // in line order, blank and comment lines included, the closing line excluded. Adding and
+  // clearing children invalidates iterators over the unnamed ones.
+  unsigned int named_size() const { return static_cast<unsigned int>(extra().named.size()); }
+  unsigned int unnamed_size() const { return static_cast<unsigned int>(extra().unnamed.size()); }
+  NamedChildren::const_iterator begin_named() const { return extra().named.begin(); }
+  NamedChildren::const_iterator end_named() const { return extra().named.end(); }
+  UnnamedChildren::const_iterator begin_unnamed() const { return extra().unnamed.begin(); }
+  UnnamedChildren::const_iterator end_unnamed() const { return extra().unnamed.end(); }
+
+  // The named child of that key. On a miss the place behind the section's lines (its closing line,
+  // or the end of the list); for a line that is no section a default-made iterator.
+  NodeList::iterator find(const std::wstring& key) const;
+
+  // Index of the first unnamed child with that value; -1 if there is none or this is no section.
+  int find_value(const std::wstring& value) const;
+
+  // Looks a key up in this section. The node must belong to a list.
+  CNodeProxy operator[](const std::wstring& key);
+  const CNodeProxy operator[](const std::wstring& key) const;
+
+  // Adds an unnamed line at the end of this section and returns its index among the unnamed
+  // children. A plain line becomes a section first: its value becomes "{", its comment goes, and
+  // a closing line directly behind it bears its key as comment. The text is not looked at: one
+  // that reads as a key or a bracket is written as it stands and read back as what it then is.
+  unsigned int push_back(const std::wstring& text);
+
+  // Takes the direct children out of the list. The section's own line, its closing line, and the
+  // lines inside of child sections stay.
+  void clear_section();
+
+  // What the lake is built with. `link` makes this node the section of the lines from `first` on
+  // and returns the place behind its closing line; nesting costs no stack.
+  NodeList::iterator link(NodeList::iterator first);
+  void set_collection(NodeList& list) { collection_ = &list; }
+  // Everything goes but the comment and the place of the closing line.
+  void clear();
+
+  // A stream holds one node a line.
+  friend KESTRIN_API std::wistream& operator>>(std::wistream& in, CNode& node);
+  friend KESTRIN_API std::wostream& operator<<(std::wostream& out, const CNode& node);
+
+ private:
+  friend class CLake;
+  friend struct LakeReader;
+
+  // What only some lines have.
+  struct Extra {
+    std::wstring key;
+    std::wstring comment;  // without its semicolon
+    NamedChildren named;
+    UnnamedChildren unnamed;
+    NodeList::iterator end;  // of a section: the closing line, or the end of the list
+  };
+
+  const Extra& extra() const { return extra_ ? *extra_ : no_extra(); }
+  Extra& own_extra();
+  static const Extra& no_extra();
+
+  bool opens_section() const;
+  bool is_closing() const { return !value_.empty() && value_.front() == L'}' && !is_named(); }
+
+  CNodeProxy look_up(const std::wstring& key, CNode* owner) const;
+  CNode pure_line() const;
+  void begin_section();
+  NodeList::iterator insert(const std::wstring& key);
+  void make_section(NodeList::iterator self);
+  NodeList::iterator position() const;
+
+  void set_line(std::wstring_view line);
+  void append_line(std::wstring& text) const;
+
+  NodeList* collection_ = nullptr;  // the list that holds this node; none outside every section
+  std::wstring value_;              // "{" for a section; a closing line's begins with "}"
+  std::unique_ptr<Extra> extra_;
+  int depth_ = -1;  // 0 for a line of the root; a closing line has that of its section
+  bool is_section_ = false;
+};
+
+KESTRIN_API std::wistream& operator>>(std::wistream& in, CLake::CNode& node);
+KESTRIN_API std::wostream& operator<<(std::wostream& out, const CLake::CNode& node);
+
+// The result of one key lookup. A proxy serves the statement or the few lines that it is made in:
+// it is good as long as the section and the line that it found stand in their lake.
+class KESTRIN_API CLake::CNodeProxy {
+ public:
+  CNodeProxy(const CNodeProxy& other) = default;
+  CNodeProxy& operator=(const CNodeProxy& other) = delete;  // whether text or proxy is left unsaid
+  ~CNodeProxy() = default;
+
+  bool exists() const;
+
+  // The value; empty on a miss.
+  operator std::wstring() const;  // NOLINT(google-explicit-constructor): reads like a text
+
+  // The decimal number at the start of the value, behind white space; 0 if there is none and on a
+  // miss, the nearest bound if it is out of range. Exactly int: a proxy is no bool and no wchar_t.
+  template <std::same_as<int> Integer>
+  operator Integer() const {  // NOLINT(google-explicit-constructor): reads like a number
+    return number();
+  }
+
+  // The node found; only if it exists.
+  CNode& operator*();
+  CNode* operator->() { return &**this; }
+  const CNode& operator*() const;
+  const CNode* operator->() const { return &**this; }
+
+  // Sets the value of the line found, or on a miss adds a line of that key at the end of the
+  // section. Faults of the caller, asserted in a debug build and without effect otherwise: a
+  // section found, the text "{", an empty key, and a miss where the lookup was made on a constant
+  // node or in a line that is no section.
+  CNodeProxy& operator=(const std::wstring& text);
+
+  // Makes the line found a section as `CNode::push_back` does, having added it on a miss; no
+  // effect on a section. `push_back` then adds an unnamed line to it and returns its index. The
+  // same faults of the caller as above but for the first two; the index is then 0.
+  void make_section();
+  unsigned int push_back(const std::wstring& text);
+
+ private:
+  friend class CNode;
+
+  CNodeProxy(NodeList* collection, CNode* section, NodeList::iterator target,
+             const std::wstring& key);
+  int number() const;
+  bool insert_missing();
+
+  NodeList* collection_;       // null only if the node asked belongs to no list
+  CNode* section_;             // where a missing key is added; null if it must not be
+  NodeList::iterator target_;  // the end of the list on a miss
+  std::wstring key_;
+};
+
+// The candidate lake: the one from which the tables are loaded.
+class KESTRIN_API CParameterLake {
+ public:
+  // Made empty on first use, which must not race; lives to the end of the process. The host fills
+  // it; the library only reads it, and only during a load.
+  static CLake& Lake();
+};

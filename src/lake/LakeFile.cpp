@@ -1,0 +1,309 @@
+// The lake on disk: how lines become text and text becomes lines.
+//
+//     <TMode>: {             a named section
+//     <tab>1 "Run up"        an unnamed line, a row
+//     <tab>limit: 3 ; x      a named line; it can't bear a comment, "; x" belongs to the value
+//     <tab>; note            a comment line
+//     }<tab>; <TMode>        a closing line, which can bear one
+//
+// A file that begins with the mark EF BB BF is UTF-8 behind it, any other Latin-1. Written is
+// always UTF-8 with the mark. Nesting comes from the brackets alone; the tabs are for people.
+//
+// Bytes go through in large blocks: one read, one conversion, one search for line ends a block.
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+#include <cstdio>
+#include <cwchar>
+#include <filesystem>
+#include <istream>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <span>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "interfaces/Text.h"
+#include "lake/Lake.h"
+#include "lake/LakeReader.h"
+#include "lake/Utf8ToUcs2.h"
+
+using lake_encoding::utf8toucs2;
+
+namespace {
+
+constexpr std::size_t kBlock = std::size_t{64} * 1024;
+constexpr std::array<char, 3> kMark = {'\xEF', '\xBB', '\xBF'};
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
+// Null if there is no such file or no right to it. A folder is no file, and no file's name holds a
+// NUL, behind which the system would not look.
+File Open(const CString& filename, const char* mode) {
+  const std::string name = Text::ToUtf8(filename);
+  std::error_code ignored;
+  if (name.find('\0') != std::string::npos || std::filesystem::is_directory(name, ignored)) {
+    return nullptr;
+  }
+  return File(std::fopen(name.c_str(), mode));
+}
+
+}  // namespace
+
+// ------------------------------------------------------------------------------------ one line
+
+void CLake::CNode::set_line(std::wstring_view line) {
+  // The first colon or semicolon outside of quotes decides what the line is.
+  std::size_t stop = 0;
+  bool quoted = false;
+  for (; stop < line.size(); ++stop) {
+    const wchar_t c = line[stop];
+    if (c == L'"') quoted = !quoted;
+    if (!quoted && (c == L':' || c == L';')) break;
+  }
+  std::wstring_view key;
+  std::wstring_view value = Text::Trim(line);
+  std::wstring_view comment;
+  if (stop < line.size() && line[stop] == L':') {
+    key = Text::Trim(line.substr(0, stop));
+    value = Text::Trim(line.substr(stop + 1));
+  } else if (stop < line.size() && (value.front() == L';' || value.front() == L'}')) {
+    value = Text::Trim(line.substr(0, stop));
+    comment = Text::Trim(line.substr(stop + 1));
+  }
+
+  value_ = value;
+  is_section_ = opens_section();
+  if (!extra_ && key.empty() && comment.empty()) return;
+  own_extra().key = key;
+  own_extra().comment = comment;
+}
+
+void CLake::CNode::append_line(std::wstring& text) const {
+  if (depth_ > 0) text.append(static_cast<std::size_t>(depth_), L'\t');
+  if (is_named()) text.append(key()).append(L": ");
+  text += value_;
+  if (!comment().empty()) text.append(L"\t; ").append(comment());
+  text += L'\n';
+}
+
+std::wistream& operator>>(std::wistream& in, CLake::CNode& node) {
+  std::wstring line;
+  line.reserve(200);
+  std::getline(in, line, L'\n');
+  node.set_line(line);
+  return in;
+}
+
+std::wostream& operator<<(std::wostream& out, const CLake::CNode& node) {
+  std::wstring line;
+  node.append_line(line);
+  return out.write(line.data(), static_cast<std::streamsize>(line.size())).flush();
+}
+
+// ------------------------------------------------------------------------------------- reading
+
+namespace {
+
+// Turns blocks of bytes into blocks of wide text.
+class Decoder {
+ public:
+  explicit Decoder(bool utf8) : utf8_(utf8), text_(kBlock) {}
+
+  // Takes what it can off the front of the bytes, of which there are at most kBlock, and leaves
+  // there a sequence that they cut. The text is good until the next call.
+  std::wstring_view decode(std::span<const char>& bytes) {
+    wchar_t* end = text_.data();
+    if (utf8_) {
+      const char* next = nullptr;
+      const auto outcome = facet_.in(state_, bytes.data(), bytes.data() + bytes.size(), next,
+                                     text_.data(), text_.data() + text_.size(), end);
+      broken_ = outcome == utf8toucs2::error;
+      bytes = bytes.subspan(static_cast<std::size_t>(next - bytes.data()));
+    } else {
+      for (const char byte : bytes) *end++ = static_cast<unsigned char>(byte);
+      bytes = {};
+    }
+    return {text_.data(), static_cast<std::size_t>(end - text_.data())};
+  }
+
+  // True once the bytes have shown to be no text.
+  bool broken() const { return broken_; }
+
+ private:
+  const utf8toucs2 facet_{1};
+  std::mbstate_t state_{};
+  bool utf8_;
+  bool broken_ = false;
+  std::vector<wchar_t> text_;  // no byte gives more than one unit, so a block always has room
+};
+
+// Cuts text into lines, of which most stand whole in one piece.
+template <class Take>
+class LineCutter {
+ public:
+  explicit LineCutter(Take take) : take_(take) {}
+
+  void add(std::wstring_view text) {
+    for (;;) {
+      const std::size_t feed = text.find(L'\n');
+      if (feed == std::wstring_view::npos) break;
+      if (begun_.empty()) {
+        take_(text.substr(0, feed));
+      } else {
+        begun_ += text.substr(0, feed);
+        take_(begun_);
+        begun_.clear();
+      }
+      text.remove_prefix(feed + 1);
+    }
+    begun_ += text;
+  }
+
+  void finish() {
+    if (!begun_.empty()) take_(begun_);
+  }
+
+ private:
+  Take take_;
+  std::wstring begun_;
+};
+
+// Fills the block from `have` on until it holds `want` bytes or the source ends.
+bool FillTo(const LakeReader::Source& source, std::span<char> block, std::size_t& have,
+            std::size_t want) {
+  while (have < want) {
+    const auto count = source(block.subspan(have));
+    if (!count) return false;
+    if (*count == 0) break;
+    have += *count;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool LakeReader::read(CLake& lake, const Source& source) {
+  std::vector<char> block(kBlock);
+  std::size_t have = 0;
+  bool sound = FillTo(source, block, have, 1);
+  bool marked = false;
+  if (have > 0 && block[0] == kMark[0]) {
+    sound = FillTo(source, block, have, kMark.size());
+    marked = have >= kMark.size() && std::equal(kMark.begin(), kMark.end(), block.begin());
+    if (!marked) return false;
+  }
+
+  CLake::NodeList lines;
+  LineCutter cutter([&](std::wstring_view line) { lines.emplace_back().set_line(line); });
+  Decoder decoder(marked);
+  std::span<const char> bytes(block.data(), have);
+  if (marked) bytes = bytes.subspan(kMark.size());
+  for (;;) {
+    cutter.add(decoder.decode(bytes));
+    if (decoder.broken() || !sound) break;
+    std::copy(bytes.begin(), bytes.end(), block.begin());
+    have = bytes.size();
+    const std::size_t kept = have;
+    sound = FillTo(source, block, have, kept + 1);
+    if (have == kept) break;
+    bytes = std::span<const char>(block.data(), have);
+  }
+  cutter.finish();
+  lake.replace_lines(std::move(lines));
+  return sound;
+}
+
+bool CLake::read(const CString& filename) {
+  if (!filename.empty()) filename_ = filename;
+  const File file = Open(filename_, "rb");
+  if (!file) {
+    link_root();
+    return true;
+  }
+  return LakeReader::read(*this, [&](std::span<char> block) -> std::optional<std::size_t> {
+    const std::size_t count = std::fread(block.data(), 1, block.size(), file.get());
+    if (count == 0 && std::ferror(file.get()) != 0) return std::nullopt;
+    return count;
+  });
+}
+
+// ------------------------------------------------------------------------------------- writing
+
+namespace {
+
+// Replaces what the facet would refuse: one bad character must not cost the rest of a file.
+void Repair(std::wstring& text) {
+  const auto unit = [&](std::size_t i) {
+    return i < text.size() ? static_cast<char32_t>(text[i]) : 0;
+  };
+  char32_t highest = 0;
+  for (const wchar_t c : text) highest = std::max(highest, static_cast<char32_t>(c));
+  if (highest < 0xD800) return;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool high = (unit(i) & ~char32_t{0x3FF}) == 0xD800;
+    const bool partner = (unit(i + 1) & ~char32_t{0x3FF}) == 0xDC00;
+    if (unit(i) > 0xFFFF || (high && !partner)) text[i] = L'\xFFFD';
+  }
+}
+
+class Encoder {
+ public:
+  explicit Encoder(std::FILE* file) : file_(file), bytes_(kBlock) {}
+
+  // Writes whole lines; false when the medium takes no more.
+  bool write(std::wstring& text) {
+    Repair(text);
+    const wchar_t* from = text.data();
+    const wchar_t* const end = from + text.size();
+    while (from != end) {
+      char* to = nullptr;
+      const auto outcome =
+          facet_.out(state_, from, end, from, bytes_.data(), bytes_.data() + bytes_.size(), to);
+      assert(outcome != utf8toucs2::error);
+      const auto count = static_cast<std::size_t>(to - bytes_.data());
+      if (outcome == utf8toucs2::error || std::fwrite(bytes_.data(), 1, count, file_) != count) {
+        return false;
+      }
+    }
+    return true;
+  }
+
+ private:
+  const utf8toucs2 facet_{1};
+  std::mbstate_t state_{};
+  std::FILE* file_;
+  std::vector<char> bytes_;
+};
+
+}  // namespace
+
+bool CLake::write(const CString& filename) const {
+  if (!filename.empty()) filename_ = filename;
+  const File file = Open(filename_, "wb");
+  if (!file) return false;
+
+  Encoder encoder(file.get());
+  std::wstring text;
+  for (const CNode& line : *this) {
+    line.append_line(text);
+    if (text.size() < kBlock) continue;
+    if (!encoder.write(text)) return true;
+    text.clear();
+  }
+  encoder.write(text);
+  return true;
+}
+
+CLake& CParameterLake::Lake() {
+  static CLake lake;
+  return lake;
+}

@@ -1,0 +1,197 @@
+// Both directions go unit by unit, with a short cut for runs of ASCII, which most of a parameter
+// file is.
+
+#include "lake/Utf8ToUcs2.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+namespace lake_encoding {
+namespace {
+
+// What lasts from one call to the next, kept in the stream's own state object, zero at its start.
+struct Memory {
+  std::uint16_t pending;  // the surrogate that waits for its place or partner; 0 if there is none
+  std::uint16_t begun;    // 1 once the mark is written
+};
+static_assert(sizeof(Memory) <= sizeof(std::mbstate_t));
+
+Memory Recall(const std::mbstate_t& state) {
+  Memory memory;
+  std::memcpy(&memory, &state, sizeof memory);
+  return memory;
+}
+
+void Store(std::mbstate_t& state, Memory memory) { std::memcpy(&state, &memory, sizeof memory); }
+
+constexpr char32_t kHighest = 0x10FFFF;
+
+bool IsHigh(char32_t c) { return c >= 0xD800 && c <= 0xDBFF; }
+bool IsLow(char32_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
+
+constexpr std::ptrdiff_t kRun = 16;
+
+// Both copy whole runs of ASCII as long as there is input and room, and leave the rest to the
+// caller.
+void WidenAscii(const char*& from, const char* from_end, wchar_t*& to, const wchar_t* to_end) {
+  while (from_end - from >= kRun && to_end - to >= kRun) {
+    std::uint64_t words[2];
+    std::memcpy(words, from, sizeof words);
+    if (((words[0] | words[1]) & 0x8080808080808080U) != 0) return;
+    for (int i = 0; i < kRun; ++i) to[i] = static_cast<unsigned char>(from[i]);
+    from += kRun;
+    to += kRun;
+  }
+}
+
+void NarrowAscii(const wchar_t*& from, const wchar_t* from_end, char*& to, const char* to_end) {
+  while (from_end - from >= kRun && to_end - to >= kRun) {
+    char32_t all = 0;
+    for (int i = 0; i < kRun; ++i) all |= static_cast<char32_t>(from[i]);
+    if (all >= 0x80) return;
+    for (int i = 0; i < kRun; ++i) to[i] = static_cast<char>(from[i]);
+    from += kRun;
+    to += kRun;
+  }
+}
+
+enum class Sequence { whole, cut, invalid };
+
+// One UTF-8 sequence from an input that is not empty: its length and code point.
+Sequence Decode(const char* from, const char* from_end, std::ptrdiff_t& length, char32_t& code) {
+  const char32_t lead = static_cast<unsigned char>(*from);
+  if (lead < 0x80) {
+    length = 1;
+    code = lead;
+    return Sequence::whole;
+  }
+  if (lead < 0xC0) return Sequence::invalid;
+  length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF8 ? 4 : lead < 0xFC ? 5 : 6;
+  code = lead & (length == 6 ? 0x03U : (0x7FU >> length));
+  const std::ptrdiff_t here = std::min(length, from_end - from);
+  for (std::ptrdiff_t i = 1; i < here; ++i) {
+    const char32_t next = static_cast<unsigned char>(from[i]);
+    if ((next & 0xC0) != 0x80) return Sequence::invalid;
+    code = (code << 6) | (next & 0x3F);
+  }
+  if (here < length) return Sequence::cut;
+  return code > kHighest ? Sequence::invalid : Sequence::whole;
+}
+
+std::ptrdiff_t EncodedLength(char32_t code) {
+  return code < 0x80 ? 1 : code < 0x800 ? 2 : code < 0x10000 ? 3 : 4;
+}
+
+void Encode(char32_t code, char*& to) {
+  const std::ptrdiff_t length = EncodedLength(code);
+  const char32_t lead = length == 1 ? 0 : (0xF00U >> length) & 0xFF;
+  *to++ = static_cast<char>(lead | (code >> (6 * (length - 1))));
+  for (auto shift = 6 * (length - 2); shift >= 0; shift -= 6) {
+    *to++ = static_cast<char>(0x80 | ((code >> shift) & 0x3F));
+  }
+}
+
+}  // namespace
+
+// The last byte of a sequence that gives two units is taken only together with the second one: a
+// stream asks for more only while bytes are left, and would never fetch a unit that waits alone.
+utf8toucs2::result utf8toucs2::do_in(state_type& state, const char* from, const char* from_end,
+                                     const char*& from_next, wchar_t* to, wchar_t* to_end,
+                                     wchar_t*& to_next) const {
+  Memory memory = Recall(state);
+  result outcome = ok;
+  while (from != from_end) {
+    if (memory.pending == 0) WidenAscii(from, from_end, to, to_end);
+    if (from == from_end) break;
+    if (to == to_end) {
+      outcome = partial;
+      break;
+    }
+    if (memory.pending != 0) {
+      *to++ = memory.pending;
+      memory.pending = 0;
+      ++from;
+      continue;
+    }
+    std::ptrdiff_t length = 0;
+    char32_t code = 0;
+    const Sequence sequence = Decode(from, from_end, length, code);
+    if (sequence != Sequence::whole) {
+      outcome = sequence == Sequence::cut ? partial : error;
+      break;
+    }
+    if (code < 0x10000) {
+      *to++ = static_cast<wchar_t>(code);
+      from += length;
+    } else {
+      *to++ = static_cast<wchar_t>(0xD800 + ((code - 0x10000) >> 10));
+      memory.pending = static_cast<std::uint16_t>(0xDC00 + ((code - 0x10000) & 0x3FF));
+      from += length - 1;
+    }
+  }
+  Store(state, memory);
+  from_next = from;
+  to_next = to;
+  return outcome;
+}
+
+utf8toucs2::result utf8toucs2::do_out(state_type& state, const wchar_t* from,
+                                      const wchar_t* from_end, const wchar_t*& from_next, char* to,
+                                      char* to_end, char*& to_next) const {
+  Memory memory = Recall(state);
+  result outcome = ok;
+  while (from != from_end) {
+    if (memory.begun != 0 && memory.pending == 0) NarrowAscii(from, from_end, to, to_end);
+    if (from == from_end) break;
+    char32_t code = static_cast<char32_t>(*from);
+    if (memory.pending != 0 ? !IsLow(code) : code > 0xFFFF) {
+      outcome = error;
+      break;
+    }
+    if (IsHigh(code)) {
+      memory.pending = static_cast<std::uint16_t>(code);
+      ++from;
+      continue;
+    }
+    if (memory.pending != 0) {
+      code = 0x10000 + ((memory.pending - 0xD800U) << 10) + (code - 0xDC00);
+    }
+    if (to_end - to < EncodedLength(code) + (memory.begun != 0 ? 0 : 3)) {
+      outcome = partial;
+      break;
+    }
+    if (memory.begun == 0) Encode(0xFEFF, to);
+    Encode(code, to);
+    memory = {.pending = 0, .begun = 1};
+    ++from;
+  }
+  Store(state, memory);
+  from_next = from;
+  to_next = to;
+  return outcome;
+}
+
+utf8toucs2::result utf8toucs2::do_unshift(state_type& state, char* to, char* /*to_end*/,
+                                          char*& to_next) const {
+  to_next = to;
+  return Recall(state).pending != 0 ? error : ok;
+}
+
+int utf8toucs2::do_length(state_type& state, const char* from, const char* from_end,
+                          std::size_t max) const {
+  std::array<wchar_t, 256> scratch;
+  const char* next = from;
+  while (max > 0) {
+    wchar_t* to_next = nullptr;
+    const std::size_t room = std::min(max, scratch.size());
+    const result outcome =
+        do_in(state, next, from_end, next, scratch.data(), scratch.data() + room, to_next);
+    max -= static_cast<std::size_t>(to_next - scratch.data());
+    if (outcome == error || to_next == scratch.data()) break;
+  }
+  return static_cast<int>(next - from);
+}
+
+}  // namespace lake_encoding

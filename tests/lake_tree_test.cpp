@@ -1,0 +1,181 @@
+// What stands in which section: if this breaks, tables load wrong rows or none.
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lake/Lake.h"
+#include "lake_bytes.h"
+
+namespace {
+
+// A section as one text: named children with their values in key order, then the unnamed ones;
+// children of sections in brackets.
+std::wstring Shape(const CLake::CNode& node) {
+  std::wstring text;
+  const auto add = [&](const CLake::CNode& child) {
+    if (child.is_named()) text += child.key() + L"=";
+    text += child.value() == L"{" ? L"" : child.value();
+    text += child.is_section() ? L"[" + Shape(child) + L"]," : L",";
+  };
+  for (auto it = node.begin_named(); it != node.end_named(); ++it) add(*it->second);
+  for (auto it = node.begin_unnamed(); it != node.end_unnamed(); ++it) add(**it);
+  return text;
+}
+
+TEST(LakeTree, LinesNestAndDuplicatesResolve) {
+  const struct {
+    std::string_view file;
+    std::wstring_view shape;
+  } cases[] = {
+      {"", L""},
+      {"\n", L","},
+      {"a: 1\na: 2\n", L"a=1,"},
+      {"b: 1\n5 x\na: 2\n; c\n", L"a=2,b=1,5 x,,"},
+      {"s: {\n1\n}\ns: {\n2\n}\n3\n", L"s=[2,],3,"},
+      {"s: {\n1\nt: {\n9\n}\n}\ns: {\n}\n", L"s=[],"},
+      {"s: x\ns: {\n1\n}\n2\n", L"s=x[1,],2,"},
+      {"s: {\n1\n}\ns: x\n2\n", L"s=[1,],2,"},
+      {"{\n1\n{\n2\n}\n}\n3\n", L"[1,[2,],],3,"},
+      {": {\n1\n: }\n2\n", L"[1,],2,"},
+      {"k: } x\n1\n", L"k=} x,1,"},
+      {"s: {\n1\n} x\n2\n", L"s=[1,],2,"},
+      {"1\n}\n2\nk: 3\n", L"1,"},
+      {"s: {\n1\nt: {\n2\n", L"s=[t=[2,],1,],"},
+      {"s: {\n\n; c\n1\n}\n", L"s=[,,1,],"},
+      {"s: {\n}: x\n}\n", L"s=[}=x,],"},
+  };
+  for (const auto& c : cases) {
+    const CLake lake = FromBytes(c.file);
+    EXPECT_EQ(Shape(lake.root()), c.shape) << c.file;
+    EXPECT_EQ(lake.empty(), c.file.empty());
+    EXPECT_EQ(Shape(CLake(lake).root()), c.shape) << c.file;
+  }
+}
+
+TEST(LakeTree, LookupsHitAndMiss) {
+  CLake lake = FromBytes(
+      "n: \t-12abc\nbig: 99999999999\nsmall: -99999999999\ntext: x1\nv\ns: {\nk: v\nv\n}\n");
+  const CLake& constant = lake;
+  const struct {
+    const wchar_t* key;
+    bool exists;
+    const wchar_t* text;
+    int number;
+  } cases[] = {{L"n", true, L"-12abc", -12}, {L"big", true, L"99999999999", 2147483647},
+               {L"text", true, L"x1", 0},    {L"small", true, L"-99999999999", -2147483647 - 1},
+               {L"none", false, L"", 0},     {L"", false, L"", 0},
+               {L"s", true, L"{", 0}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(lake[c.key].exists(), c.exists) << c.key;
+    EXPECT_EQ(std::wstring(constant[c.key]), c.text) << c.key;
+    EXPECT_EQ(int(constant[c.key]), c.number) << c.key;
+  }
+  const CLake::CNode& section = *constant[L"s"];
+  EXPECT_FALSE(section[L"n"].exists());
+  EXPECT_EQ(std::wstring(section[L"k"]), L"v");
+  EXPECT_EQ(section.find(L"none")->value(), L"}");
+  EXPECT_EQ(section.find_value(L"v"), 0);
+  EXPECT_EQ(section.find_value(L"none"), -1);
+  EXPECT_EQ(constant.root().find_value(L"-12abc"), -1) << "a named child";
+  EXPECT_EQ(constant[L"n"]->find_value(L"v"), -1) << "no section";
+  EXPECT_FALSE((*constant[L"n"])[L"k"].exists());
+}
+
+TEST(LakeTree, MergeReadsAsOneFileBehindTheOther) {
+  const struct {
+    std::string_view first, second;
+  } cases[] = {{"a: 1\ns: {\n1\n}\n", "a: 2\nb: 3\ns: {\n2\n}\n"},
+               {"s: {\n1\n", "2\n}\n3\n"},
+               {"1\n}\n2\n", "3\n"},
+               {"s: x\n", "s: {\n1\n}\n"},
+               {"", "1\n"},
+               {"1\n", ""}};
+  for (const auto& c : cases) {
+    const std::wstring shape = Shape(FromBytes(std::string(c.first).append(c.second)).root());
+    CLake lake = FromBytes(c.first);
+    {
+      CLake other = FromBytes(c.second);
+      lake.merge(other);
+      EXPECT_EQ(ToBytes(other), ToBytes(FromBytes(c.second)));
+      other.root().clear_section();  // and nothing of it is used any more
+    }
+    EXPECT_EQ(Shape(lake.root()), shape) << c.first << "+" << c.second;
+  }
+  CLake twice = FromBytes("s: {\n1\n}\n2\n");
+  twice.merge(twice);
+  EXPECT_EQ(Shape(twice.root()), L"s=[1,],2,2,");
+  CLake assigned = FromBytes("x: 1\n");
+  assigned = twice;
+  twice.clear();
+  EXPECT_TRUE(twice.empty());
+  EXPECT_EQ(Shape(assigned.root()), L"s=[1,],2,2,");
+  assigned = *&assigned;
+  EXPECT_EQ(assigned.root().unnamed_size(), 2U);
+}
+
+TEST(LakeTree, WhatIsMadeInMemoryIsReadBackTheSame) {
+  CLake lake = FromBytes("old: {\n1\n}\nplain: 1\nrow\n");
+  EXPECT_EQ(lake[L"old"].push_back(L"2"), 1U);
+  lake[L"new"] = L"5";
+  lake[L"plain"] = L"6";
+  auto made = lake[L"made"];
+  made = L"later a section";
+  lake[L"sibling"] = L"7";
+  EXPECT_EQ(made.push_back(L"a"), 0U);  // behind it stands a sibling already
+  EXPECT_EQ(made->push_back(L"b"), 1U);
+  (*made)[L"k"] = L"v";
+  (*made)[L"inner"].make_section();
+  CLake::CNode& row = **lake.root().begin_unnamed();
+  row.comment(L"would spoil the bracket");
+  EXPECT_EQ(row.push_back(L"below a row"), 0U);
+  EXPECT_EQ(lake.root().push_back(L"last"), 1U);
+  EXPECT_EQ(
+      ToBytes(lake),
+      "\xEF\xBB\xBFold: {\n\t1\n\t2\n}\nplain: 6\n{\n\tbelow a row\n}\nnew: 5\nmade: {\n\ta\n\tb\n"
+      "\tk: v\n\tinner: {\n\t}\t; inner\n}\t; made\nsibling: 7\nlast\n");
+  EXPECT_EQ(Shape(FromBytes(ToBytes(lake)).root()), Shape(lake.root()));
+
+  made->clear_section();
+  EXPECT_EQ(made->named_size() + made->unnamed_size(), 0U);
+  EXPECT_EQ(made.push_back(L"c"), 0U);
+  EXPECT_EQ((*lake[L"made"])[L"k"].exists(), false);
+}
+
+TEST(LakeTree, FaultsOfTheCallerChangeNothing) {
+  CLake lake = FromBytes("s: {\n1\n}\np: 1\n");
+  const CLake& constant = lake;
+  const std::string before = ToBytes(lake);
+  EXPECT_DEBUG_DEATH(lake[L"s"] = L"x", "");
+  EXPECT_DEBUG_DEATH(lake[L"p"] = L"{", "");
+  EXPECT_DEBUG_DEATH(lake[L"q"] = L"{", "");
+  EXPECT_DEBUG_DEATH(lake[L""] = L"x", "");
+  EXPECT_DEBUG_DEATH((*lake[L"p"])[L"k"] = L"x", "");
+  EXPECT_DEBUG_DEATH(CLake::CNodeProxy(constant[L"q"]).push_back(L"x"), "");
+  EXPECT_DEBUG_DEATH(lake[L"s"]->comment(L"x"), "");
+  EXPECT_DEBUG_DEATH(CLake::CNode().push_back(L"x"), "");
+  EXPECT_DEBUG_DEATH(EXPECT_FALSE(CLake::CNode()[L"x"].exists()), "");
+  EXPECT_EQ(ToBytes(lake), before);
+}
+
+TEST(LakeTree, AMillionLevelsNeedNoStack) {
+  std::string file;
+  for (int i = 0; i < 1000000; ++i) file += "{\n";
+  CLake lake = FromBytes(file);
+  CLake copy(lake);
+  copy.merge(FromBytes("{\n"));
+  const auto depth = [](const CLake& deep) {
+    int levels = 0;
+    for (const CLake::CNode* at = &deep.root(); at->unnamed_size() == 1; ++levels) {
+      at = &**at->begin_unnamed();
+    }
+    return levels;
+  };
+  EXPECT_EQ(depth(lake), 1000000);
+  EXPECT_EQ(depth(copy), 1000001);
+  EXPECT_TRUE(lake.write(L"/dev/full"));
+}
+
+}  // namespace
