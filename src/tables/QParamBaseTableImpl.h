@@ -1,0 +1,172 @@
+// The bodies of the table templates (QParamBaseTable.h). Included where tables are instantiated,
+// nowhere else.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "interfaces/Number.h"
+#include "interfaces/PrWin.h"
+#include "interfaces/ResourceSea.h"
+#include "lake/Lake.h"
+#include "tables/QParamBaseTable.h"
+#include "tables/RowCollector.h"
+#include "tables/RowText.h"
+
+namespace tables {
+
+// The map that a table's row collector is chosen by: the container itself, not its typed table.
+template <class K, class V, class Less, class Alloc>
+CUniqueVectorMap<K, V, Less, Alloc>& Container(CUniqueVectorMap<K, V, Less, Alloc>& map) {
+  return map;
+}
+template <class K, class V, class Less, class Alloc>
+CUniqueTreeMap<K, V, Less, Alloc>& Container(CUniqueTreeMap<K, V, Less, Alloc>& map) {
+  return map;
+}
+template <class K, class V, class Less>
+CDbMultiMap<K, V, Less>& Container(CDbMultiMap<K, V, Less>& map) {
+  return map;
+}
+
+inline void LogInfo(const std::wstring& text) {
+  PrWin::Output(text.c_str(), PrWin::category_data_base, PrWin::style_info);
+}
+
+// The start of a row's line in a dump: the running number, at least 4 characters wide.
+inline std::wstring DumpLineHead(long long number) {
+  std::wstring digits;
+  Number::Append(digits, number);
+  constexpr std::size_t width = 4;
+  std::wstring line(digits.size() < width ? width - digits.size() : 0, L' ');
+  return line.append(digits).append(L":\t");
+}
+
+}  // namespace tables
+
+template <class Map>
+CQParamTypedTable<Map>::CQParamTypedTable(const wchar_t* section_name)
+    : CQParamBaseTable(section_name) {}
+
+template <class Map>
+void CQParamTypedTable<Map>::Clear() {
+  this->clear();
+}
+
+template <class Map>
+void CQParamTypedTable<Map>::Purge() {
+  this->clear();
+}
+
+template <class Map>
+void CQParamTypedTable<Map>::Dump(int limit) const {
+  tables::LogInfo(std::wstring(L"<-\t").append(name).append(L"\n"));
+  long long number = 0;
+  for (const auto& row : *this) {
+    std::wstring line = tables::DumpLineHead(++number);
+    RowText::AppendRecord(line, row.first);
+    line.append(L" | ");
+    RowText::AppendRecord(line, row.second);
+    tables::LogInfo(line.append(L"\n"));
+    if (limit != 0 && number > limit) {
+      tables::LogInfo(L"... more ...\n");
+      break;
+    }
+  }
+  tables::LogInfo(std::wstring(L"->\t").append(name).append(L"\n"));
+}
+
+template <class Map>
+CQParamSeaTypedTable<Map>::CQParamSeaTypedTable(const wchar_t* section_name,
+                                                CResourceSea* local_sea)
+    : CQParamTypedTable<Map>(section_name) {
+  this->sea = local_sea;
+}
+
+template <class Map>
+void CQParamSeaTypedTable<Map>::Clear() {
+  CQParamTypedTable<Map>::Clear();
+  this->sea = nullptr;
+}
+
+template <class Map>
+template <class NextLine>
+bool CQParamSeaTypedTable<Map>::ReadLines(NextLine next_line, bool log_whole_line) {
+  typename Map::key_type key;
+  typename Map::mapped_type value;
+  const auto key_fields = TableType::Refs(key.tuple());
+  const auto value_fields = TableType::Refs(value.tuple());
+  auto& rows = tables::Container(*this);
+  RowCollector<std::remove_reference_t<decltype(rows)>> collector(rows);
+  bool all_well = true;
+  while (const std::optional<std::wstring_view> line = next_line()) {
+    std::wstring_view rest = *line;
+    if (!RowText::Read(key_fields, rest) || !RowText::Read(value_fields, rest)) {
+      DynTables::log_error(L"CQParamSeaTypedTable< T >::ReadTable()", this->name,
+                           std::wstring(log_whole_line ? *line : rest));
+      all_well = false;
+    }
+    collector.Add({key, value});
+  }
+  collector.Finish();
+  return all_well;
+}
+
+template <class Map>
+bool CQParamSeaTypedTable<Map>::ReadTable(const CResourceSea* source) {
+  this->clear();
+  const auto has_list = [this](const CResourceSea* candidate) {
+    return candidate != nullptr && candidate->IsListEntry(this->name);
+  };
+  if (!has_list(source)) source = this->sea;
+  if (!has_list(source)) return false;
+
+  CResourceList list(source, this->name);
+  CString line;
+  bool started = false;
+  return ReadLines(
+      [&]() -> std::optional<std::wstring_view> {
+        started ? list.GotoNext() : list.GotoHead();
+        started = true;
+        if (!list.IsValid()) return std::nullopt;
+        list.GetCurrentLine()->GetLine(line);
+        return line;
+      },
+      false);
+}
+
+template <class Map>
+bool CQParamSeaTypedTable<Map>::ReadTable(CLake& lake) {
+  this->clear();
+  const auto found = lake[this->name];
+  if (!found.exists()) return this->ReadTable(static_cast<const CResourceSea*>(nullptr));
+  const CLake::CNode& section = *found;
+  if (!section.is_section()) return false;
+  if constexpr (requires(Map & map) { map.reserve(1); }) {
+    if (this->capacity() < section.unnamed_size()) this->reserve(section.unnamed_size());
+  }
+  auto child = section.begin_unnamed();
+  return ReadLines(
+      [&]() -> std::optional<std::wstring_view> {
+        if (child == section.end_unnamed()) return std::nullopt;
+        return (*child++)->value();
+      },
+      true);
+}
+
+template <class Map>
+bool CQParamSeaTypedTable<Map>::WriteTable(CResourceSea* target) {
+  if (target == nullptr) target = this->sea;
+  if (target == nullptr) return false;
+  CResourceList list(target, this->name);
+  list.RemoveAll();
+  for (const auto& row : *this) {
+    std::wstring line;
+    RowText::AppendRecord(line, row.first);
+    line.push_back(L' ');
+    RowText::AppendRecord(line, row.second);
+    list.AddLineTail()->SetSeaLine(line.c_str());
+  }
+  return true;
+}

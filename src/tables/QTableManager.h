@@ -1,0 +1,64 @@
+// The list of all sea tables of a store, and the loop over them. Every bulk operation on the data
+// base is one call here that walks the tables in the order of their registration. The manager also
+// accepts or refuses a data base by its version:
+//
+//   <DbDesign.CacheVersion>         exactly 215
+//   <DbDesign.CacheMinorVersion>    1 or above
+//
+// The manager knows a table only through two interfaces. Tables are owned by the store. Nothing
+// here is synchronised: loads, purges and clears don't run beside anything else.
+#pragma once
+
+#include <vector>
+
+#include "interfaces/Export.h"
+
+class CLake;
+class CResourceSea;
+
+class CQParamBaseTableInterface {
+ public:
+  virtual ~CQParamBaseTableInterface() = default;
+  virtual void Clear() = 0;
+  virtual void Purge() = 0;
+  virtual void Dump(int limit) const = 0;
+};
+
+class CQParamSeaTable : public virtual CQParamBaseTableInterface {
+ public:
+  // Both read operations replace the rows; false if a line was bad or there was nothing to read.
+  virtual bool ReadTable(const CResourceSea* sea) = 0;
+  virtual bool ReadTable(CLake& lake) = 0;
+  virtual bool WriteTable(CResourceSea* sea) = 0;
+
+ protected:
+  CResourceSea* sea = nullptr;  // the table's local sea, null for none; not owned
+};
+
+class KESTRIN_API CQTableManager {
+ public:
+  CQTableManager();
+
+  // The number of tables now registered: the table's index in Table() plus 1.
+  unsigned int RegisterTable(CQParamSeaTable& table);
+
+  // Null if the index is not below the number of tables.
+  const CQParamSeaTable* Table(unsigned int index) const;
+
+  void Clear();
+  void PurgeTables();
+
+  // Reads every table from the candidate lake. False, with no table touched, if the lake is empty
+  // or its version is refused; the refusal is one log line. What a table reports doesn't count: a
+  // missing section is normal and a bad line is in the log.
+  bool ReadTablesFromCandidateLake();
+
+  // Each table writes to its own local sea, if it has one.
+  void WriteTablesToLocalSeas() const;
+
+  // All rows with limit 0.
+  void DumpTables(int limit) const;
+
+ private:
+  std::vector<CQParamSeaTable*> tables_;
+};

@@ -1,0 +1,131 @@
+// How a record tells its fields, and what is derived from that.
+//
+// A row record lists its fields once, each with its name and its member, in the order of the row's
+// text:
+//
+//   struct QVTrigger : QValueBase, TableType::Fields<QVTrigger> {
+//     wchar_t name[TableType::text_width] = {};
+//     int second = 0;
+//     static constexpr auto fields() {
+//       return TableType::List(TableType::Field("name", &QVTrigger::name),
+//                              TableType::Field("second", &QVTrigger::second));
+//     }
+//   };
+//
+// The mixin makes tuple() from it: a std::tuple of references to the fields, a text as a pointer to
+// its buffer. Key records give a tuple() of their own. Reading, writing, dumping and describing a
+// record (RowText.h, TableCatalogue.h) go through its tuple() alone; they see a field as a kind and
+// a place, so that one piece of code serves every record.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <tuple>
+#include <type_traits>
+
+#include "keys/IndexRecords.h"
+
+namespace TableType {
+
+// Width of a text field in wide characters, the terminator included.
+inline constexpr int text_width = 200;
+
+// The integer of field kind long: 32 bits on every platform.
+struct Long {
+  std::int32_t value = 0;
+
+  constexpr Long() = default;
+  constexpr Long(std::int32_t number) : value(number) {}
+  constexpr operator std::int32_t() const { return value; }
+};
+
+enum class FieldKind { integer, unsigned_int, long_int, long_long, real, text, key };
+
+// One field of a record at hand: its kind and where it stands.
+template <class Place>
+struct BasicFieldRef {
+  FieldKind kind;
+  Place place;
+};
+using FieldRef = BasicFieldRef<void*>;         // for reading a row's text into the record
+using FieldView = BasicFieldRef<const void*>;  // for writing the record as text
+
+template <class T>
+constexpr FieldKind KindOf() {
+  using Plain = std::remove_cv_t<T>;
+  if constexpr (std::is_same_v<Plain, int>) return FieldKind::integer;
+  if constexpr (std::is_same_v<Plain, unsigned>) return FieldKind::unsigned_int;
+  if constexpr (std::is_same_v<Plain, Long>) return FieldKind::long_int;
+  if constexpr (std::is_same_v<Plain, long long>) return FieldKind::long_long;
+  if constexpr (std::is_same_v<Plain, float>) return FieldKind::real;
+  if constexpr (std::is_same_v<Plain, QClavis>) return FieldKind::key;
+  if constexpr (std::is_same_v<Plain, wchar_t*> || std::is_same_v<Plain, const wchar_t*>) {
+    return FieldKind::text;
+  }
+}
+
+// The fields of a tuple() in order.
+template <class... T>
+auto Refs(const std::tuple<T...>& tuple) {
+  constexpr bool writable =
+      !(std::is_const_v<std::remove_pointer_t<std::remove_reference_t<T>>> || ...);
+  using Ref = std::conditional_t<writable, FieldRef, FieldView>;
+  const auto ref = []<class U>(U& field) {
+    if constexpr (std::is_pointer_v<U>) {
+      return Ref{KindOf<U>(), field};
+    } else {
+      return Ref{KindOf<U>(), &field};
+    }
+  };
+  return std::apply([&](auto&... field) { return std::array<Ref, sizeof...(T)>{ref(field)...}; },
+                    tuple);
+}
+
+// A field as a record declares it. The note, if there is one, tells people of a default that isn't
+// a fixed value.
+template <class Record, class T>
+struct Field {
+  const char* name;
+  T Record::*member;
+  const char* default_note;
+
+  constexpr Field(const char* field_name, T Record::*field_member, const char* note = nullptr)
+      : name(field_name), member(field_member), default_note(note) {}
+};
+
+template <class... F>
+constexpr std::tuple<F...> List(F... field) {
+  return {field...};
+}
+
+// Gives a record its tuple() from its fields().
+template <class Record>
+class Fields {
+ public:
+  auto tuple() { return Tie(static_cast<Record&>(*this)); }
+  auto tuple() const { return Tie(static_cast<const Record&>(*this)); }
+
+ private:
+  friend Record;
+  Fields() = default;
+
+  template <class T>
+  static constexpr T& Reach(T& field) {
+    return field;
+  }
+  template <class T, std::size_t n>
+  static constexpr T* Reach(T (&text)[n]) {
+    return text;
+  }
+  template <class Self>
+  static auto Tie(Self& self) {
+    return std::apply(
+        [&self](auto... field) {
+          return std::tuple<decltype(Reach(self.*field.member))...>(Reach(self.*field.member)...);
+        },
+        Record::fields());
+  }
+};
+
+}  // namespace TableType

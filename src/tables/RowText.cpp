@@ -1,0 +1,192 @@
+#include "tables/RowText.h"
+
+#include <algorithm>
+#include <cwchar>
+
+#include "interfaces/Number.h"
+#include "interfaces/PrWin.h"
+#include "interfaces/Support.h"
+#include "interfaces/Text.h"
+
+namespace TableType {
+
+bool strcopy(wchar_t* dst, const wchar_t* src, unsigned int dst_size) {
+  if (dst_size == 0) return false;
+  if (src == nullptr) src = L"";
+  const std::size_t length = std::wcslen(src);
+  if (length < dst_size) {
+    std::wmemmove(dst, src, length + 1);
+    return true;
+  }
+  PrWin::Output(PrWin::category_text_cut, PrWin::style_info,
+                L"TableType::strcopy(): copy truncated because destination string with length %d "
+                L"can't take '%s'\n",
+                static_cast<int>(dst_size), src);
+  std::wmemmove(dst, src, dst_size - 1);
+  dst[dst_size - 1] = L'\0';
+  return false;
+}
+
+}  // namespace TableType
+
+namespace DynTables {
+
+void log_error(const wchar_t* where, const wchar_t* table, const std::wstring& line) {
+  std::wstring text(where);
+  text.append(L": Error reading line '").append(line);
+  text.append(L"' of table '").append(table).append(L"'\n");
+  PrWin::Output(text.c_str(), PrWin::category_data_base, PrWin::style_bad_line);
+}
+
+}  // namespace DynTables
+
+namespace RowText {
+namespace {
+
+using TableType::FieldKind;
+using TableType::FieldRef;
+using TableType::FieldView;
+
+constexpr const char* no_error = nullptr;
+
+// What the conversion of each number kind says when it fails.
+struct FailureTexts {
+  const char* no_digits;
+  const char* out_of_range;
+};
+constexpr FailureTexts stoi_texts{"invalid stoi argument", "stoi argument out of range"};
+constexpr FailureTexts stoul_texts{"invalid stoul argument", "stoul argument out of range"};
+constexpr FailureTexts stol_texts{"invalid stol argument", "stol argument out of range"};
+constexpr FailureTexts stoll_texts{"invalid stoll argument", "stoll argument out of range"};
+constexpr FailureTexts stof_texts{"invalid stof argument", "stof argument out of range"};
+
+// Stores a scanned number and takes it off the line, or tells why not.
+template <class T, class Scanned>
+const char* Take(T& field, const Scanned& number, const FailureTexts& texts,
+                 std::wstring_view& line) {
+  if (number.state == Number::State::no_digits) return texts.no_digits;
+  if (number.state == Number::State::out_of_range) return texts.out_of_range;
+  field = static_cast<T>(number.value);
+  line.remove_prefix(number.used);
+  return no_error;
+}
+
+const char* ReadInt(int& field, std::wstring_view& line) {
+  if (line.empty()) return no_error;
+  return Take(field, Number::ScanInt(line), stoi_texts, line);
+}
+
+const char* ReadKey(QClavis& key, std::wstring_view& line) {
+  for (int& element : key.id) {
+    if (const char* failure = ReadInt(element, line)) return failure;
+  }
+  return no_error;
+}
+
+const char* ReadNumber(const FieldRef& field, std::wstring_view& line) {
+  if (line.empty()) return no_error;
+  switch (field.kind) {
+    case FieldKind::integer:
+      return ReadInt(*static_cast<int*>(field.place), line);
+    case FieldKind::unsigned_int:
+      return Take(*static_cast<unsigned*>(field.place), Number::ScanUnsigned(line), stoul_texts,
+                  line);
+    case FieldKind::long_int:
+      return Take(*static_cast<TableType::Long*>(field.place), Number::ScanInt(line), stol_texts,
+                  line);
+    case FieldKind::long_long:
+      return Take(*static_cast<long long*>(field.place), Number::ScanLongLong(line), stoll_texts,
+                  line);
+    case FieldKind::real: {
+      const auto number = Number::ScanDouble(line);
+      float& real = *static_cast<float*>(field.place);
+      const char* failure = Take(real, number, stof_texts, line);
+      if (failure == no_error) real = Number::ToFloat(number.value);
+      return failure;
+    }
+    case FieldKind::key:
+      return ReadKey(*static_cast<QClavis*>(field.place), line);
+    case FieldKind::text:
+      break;
+  }
+  return no_error;
+}
+
+// False if the rest of the line is too long.
+bool ReadText(wchar_t* text, std::wstring_view& line) {
+  if (line.size() > max_text_rest) return false;
+  const auto first = std::find_if_not(line.begin(), line.end(), Text::IsSpace);
+  auto begin = first;
+  auto end = first;
+  auto rest = first;
+  if (first != line.end() && *first == L'"') {
+    begin = first + 1;
+    end = std::find(begin, line.end(), L'"');
+    rest = end == line.end() ? end : end + 1;
+  } else {
+    end = std::find_if(begin, line.end(), Text::IsSpace);
+    rest = end;
+  }
+  *std::copy(begin, end, text) = L'\0';
+  line.remove_prefix(static_cast<std::size_t>(rest - line.begin()));
+  return true;
+}
+
+void AppendField(std::wstring& text, const FieldView& field) {
+  switch (field.kind) {
+    case FieldKind::integer:
+      return Number::Append(text, static_cast<long long>(*static_cast<const int*>(field.place)));
+    case FieldKind::unsigned_int:
+      return Number::Append(text,
+                            static_cast<long long>(*static_cast<const unsigned*>(field.place)));
+    case FieldKind::long_int:
+      return Number::Append(
+          text, static_cast<long long>(static_cast<const TableType::Long*>(field.place)->value));
+    case FieldKind::long_long:
+      return Number::Append(text, *static_cast<const long long*>(field.place));
+    case FieldKind::real:
+      return Number::Append(text, *static_cast<const float*>(field.place));
+    case FieldKind::text:
+      text.append(static_cast<const wchar_t*>(field.place));
+      return;
+    case FieldKind::key:
+      AppendRecord(text, *static_cast<const QClavis*>(field.place));
+      return;
+  }
+}
+
+}  // namespace
+
+Result ReadFields(std::span<const FieldRef> fields, std::wstring_view& line) {
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (fields[i].kind == FieldKind::text) {
+      if (!ReadText(static_cast<wchar_t*>(fields[i].place), line)) return {false, i, nullptr};
+    } else if (const char* failure = ReadNumber(fields[i], line)) {
+      return {false, i, failure};
+    }
+  }
+  return {true, fields.size(), nullptr};
+}
+
+bool Read(std::span<const FieldRef> fields, std::wstring_view& line) {
+  const Result result = ReadFields(fields, line);
+  if (result.reason != nullptr) {
+    constexpr unsigned latin_code_page = 1252;
+    PrWin::Output(PrWin::category_data_base,
+                  L"Error converting parameter sea to parameter tables: '%s' for substring '%s'\n",
+                  Formatting::ansi2unicode(result.reason, latin_code_page).c_str(),
+                  std::wstring(line).c_str());
+  }
+  return result.ok;
+}
+
+void Append(std::wstring& text, std::span<const FieldView> fields) {
+  bool first = true;
+  for (const FieldView& field : fields) {
+    if (!first) text.push_back(L' ');
+    first = false;
+    AppendField(text, field);
+  }
+}
+
+}  // namespace RowText
