@@ -1,0 +1,93 @@
+// Rows of the tables that name things and that describe the structure of a test: parameters of
+// instruments, properties of test steps, channels, objects and instruments. (Names themselves are
+// rows of CDynNameIdTable.)
+//
+// In all rows of the catalogue, fields that are named after their position (third, fourth, ...) are
+// carried for the programs that load the library; their meaning belongs to those programs.
+#pragma once
+
+#include "tables/RowRecords.h"
+
+// A parameter: one result of an instrument. Its id is unique over all instruments.
+struct QVInstrumentParam : QValueBase, TableType::Fields<QVInstrumentParam> {
+  int instrument = -1;
+  wchar_t name[TableType::text_width] = {};
+  int third = 0;
+  unsigned fourth = 0;
+  unsigned fifth = 0;
+
+  static constexpr auto fields() {
+    return TableType::List(TableType::Field("instrument", &QVInstrumentParam::instrument),
+                           TableType::Field("name", &QVInstrumentParam::name),
+                           TableType::Field("third", &QVInstrumentParam::third),
+                           TableType::Field("fourth", &QVInstrumentParam::fourth),
+                           TableType::Field("fifth", &QVInstrumentParam::fifth));
+  }
+};
+
+// The properties of a test step.
+struct QVModeProps : QValueBase, TableType::Fields<QVModeProps> {
+  enum modeFlag : unsigned {
+    mode_hidden = 0x400,  // the test step isn't offered in selections
+  };
+
+  int phys_mode = -1;
+  unsigned flags = 0;
+  int third = -1;
+  int fourth = 0;
+
+  static constexpr auto fields() {
+    return TableType::List(TableType::Field("phys_mode", &QVModeProps::phys_mode),
+                           TableType::Field("flags", &QVModeProps::flags),
+                           TableType::Field("third", &QVModeProps::third),
+                           TableType::Field("fourth", &QVModeProps::fourth));
+  }
+};
+
+// The properties of a channel.
+struct QVChannelProperty : QValueBase, TableType::Fields<QVChannelProperty> {
+  unsigned resampling_type = 0;  // bits: 1 sync, 2 mix, 4 fix
+  int second = -1;
+
+  static constexpr auto fields() {
+    return TableType::List(TableType::Field("resampling_type", &QVChannelProperty::resampling_type),
+                           TableType::Field("second", &QVChannelProperty::second));
+  }
+};
+
+// The one-id row that many tables share.
+struct QVRefIdx : QValueBase, TableType::Fields<QVRefIdx> {
+  int ref = -1;
+
+  QVRefIdx() = default;
+  QVRefIdx(int id) : ref(id) {}
+
+  static constexpr auto fields() {
+    return TableType::List(TableType::Field("ref", &QVRefIdx::ref));
+  }
+};
+
+// The properties of an object.
+struct QVLocationProperty : QValueBase, TableType::Fields<QVLocationProperty> {
+  int flags = 0;
+  int second = 0;
+  int third = 0;
+
+  static constexpr auto fields() {
+    return TableType::List(TableType::Field("flags", &QVLocationProperty::flags),
+                           TableType::Field("second", &QVLocationProperty::second),
+                           TableType::Field("third", &QVLocationProperty::third));
+  }
+};
+
+struct QVInstrumentProperty : QValueBase, TableType::Fields<QVInstrumentProperty> {
+  int first = -1;
+  int second = 0;
+  int third = 0;
+
+  static constexpr auto fields() {
+    return TableType::List(TableType::Field("first", &QVInstrumentProperty::first),
+                           TableType::Field("second", &QVInstrumentProperty::second),
+                           TableType::Field("third", &QVInstrumentProperty::third));
+  }
+};
