@@ -1,0 +1,47 @@
+#include "frame/DataSource.h"
+
+#include <type_traits>
+
+#include "frame/QtParamStore.h"
+#include "interfaces/Number.h"
+
+namespace DataSource {
+
+template <class T>
+bool CCandidateSeaDataSource<T>::Read(T& value, int id) {
+  if (!this->loaded && !Load()) return false;
+  const auto found = values.find(id);
+  if (found == values.end()) return false;
+  value = found->second;
+  return true;
+}
+
+template <class T>
+bool CCandidateSeaDataSource<T>::Load() {
+  const auto& parameters = store->Table<L"<TInstrumentParam>">();
+  bool all_known = true;
+  for (const auto& [key, row] : store->Table<L"<TIpCalcParameter>">()) {
+    if (key[1] != number) continue;
+    const auto parameter = parameters.find(key[0]);
+    if (parameter == parameters.end()) {
+      all_known = false;
+      continue;
+    }
+    if (instrument_filter != no_filter && parameter->second.instrument != instrument_filter) {
+      continue;
+    }
+    if constexpr (std::is_same_v<T, int>) {
+      const auto scanned = Number::ScanInt(row.ValueText());
+      values.emplace(key[0], scanned.state == Number::State::ok ? scanned.value : 0);
+    } else {
+      values.emplace(key[0], row.ValueText());
+    }
+  }
+  this->loaded = true;
+  return all_known;
+}
+
+template class CCandidateSeaDataSource<int>;
+template class CCandidateSeaDataSource<const wchar_t*>;
+
+}  // namespace DataSource

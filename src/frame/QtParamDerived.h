@@ -1,0 +1,34 @@
+// What a load computes from the tables and the tables don't hold directly. Made once with the store
+// and built anew by each load; clearing or purging the tables leaves it as the last load made it.
+#pragma once
+
+#include "frame/DataSource.h"
+
+class CQtParamStore;
+
+class CQtParamDerived {
+ public:
+  explicit CQtParamDerived(CQtParamStore& param_store);
+  CQtParamDerived(const CQtParamDerived&) = delete;
+  CQtParamDerived& operator=(const CQtParamDerived&) = delete;
+
+  // Runs inside a load, behind the reading of the tables.
+  void Build();
+
+  // Writes into each key of <TGrex15> the instrument of its parameter. False at the first row whose
+  // parameter is not in <TInstrumentParam>: the rows before it are done, those behind it untouched.
+  bool CompleteRelativeLimitKeys();
+
+  // Logs the derived tables; all rows with limit 0.
+  void Dump(int limit) const;
+
+  // The trigger of an instrument parameter, or -1.
+  int TriggerId(int instrument_param) const;
+
+ private:
+  void ExpandResampling();
+
+  CQtParamStore* store;
+  // Filled by Build, so that reading it from a query changes nothing.
+  mutable DataSource::CCandidateSeaDataSource<int> trigger_ids;
+};

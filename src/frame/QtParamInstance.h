@@ -1,0 +1,189 @@
+// The handle through which every module reaches the parameter data. It is one pointer: copy it
+// freely, make it on the stack for a single query.
+//
+// A query never fails loudly. An unknown id gives an empty text (never null) or -1, an unknown name
+// -1; each family below says so where it differs. Before any load all queries answer as for unknown
+// ids. Ids are 32-bit signed integers chosen by the data base; -1 is no value.
+//
+// Threads: after a load, constant queries may run on any number of threads. Loading, purging,
+// clearing, AddVModeName and changes through the non-constant tables must not run beside them.
+//
+// The operations are defined in queries/, a file a topic, and in frame/QtParamInstance.cpp.
+#pragma once
+
+#include "frame/TableList.h"
+#include "interfaces/Export.h"
+#include "interfaces/Text.h"
+
+class CComboBox;
+class CQtParamDistillery;
+
+class KESTRIN_API CQtParamInstance {
+ public:
+  // Null stands for the server's store, which is made if this is its first use.
+  explicit CQtParamInstance(CQtParamDistillery* store);
+  CQtParamInstance() : CQtParamInstance(nullptr) {}
+
+  // --- Load and life ------------------------------------------------------------------------
+
+  // True after a load that succeeded, until the server is cleared. A purge doesn't change it.
+  bool Initialized() const;
+
+  // Loads the candidate lake, CParameterLake::Lake(), which the host has filled; the lake isn't
+  // changed and not read again. False if it is empty, if its version is refused (one log line), or
+  // if a relative limit names an unknown parameter: then the tables are nevertheless replaced. Bad
+  // lines are logged and don't count. Purge before loading another data base: the index of a name
+  // table keeps what it had.
+  bool ReadTablesFromCandidateLake();
+
+  // Writes the tables that are bound to a sea, which is <TAutoModeParam> alone, back to it.
+  void WriteTablesToLocalSeas() const;
+
+  // Erases the rows of all tables and the four names. What the last load derived stays.
+  void PurgeTables();
+
+  // Logs all tables and what is derived from them; of each all rows with limit 0.
+  void DumpTables(int limit) const;
+
+  // --- The documents that belong to the data base -------------------------------------------
+
+  CString BaseType() const;
+  CString AliasType() const;
+  CString CalibFileName() const;
+  CString LearnFileName() const;
+
+  // --- Tables -------------------------------------------------------------------------------
+  // Containers of rows in the order of their keys, to search and to walk. A reference shows every
+  // later load; rows and positions are good until the next one.
+
+  template <tables::Word Section>
+  using Table = tables::TableOf<Section>;
+
+  const Table<L"<TAliasType>">& TypeNames() const;
+  const Table<L"<TAliasBench>">& BenchNames() const;
+  const Table<L"<TMode>">& Mode() const;
+  const Table<L"<TChannel>">& Channel() const;
+  const Table<L"<TLocation>">& Location() const;
+  const Table<L"<TInstrument>">& Instrument() const;
+  const Table<L"<TInstrumentParam>">& InstrumentParam() const;
+  const Table<L"<TPhysMode>">& PhysMode() const;
+  const Table<L"<TResamplingGroup>">& ResamplingJob() const;
+  const Table<L"<TProcessingUnit>">& ResamplingSet() const;
+  const Table<L"<TSensorGroup>">& SensorGroup() const;
+  const Table<L"<TTrigger>">& Trigger() const;
+  const Table<L"<TApplicationSignal>">& ApplicationSignal() const;
+  const Table<L"<TSignalUnit>">& SignalUnit() const;
+  const Table<L"<TModeProperty>">& ModeProperty() const;
+  const Table<L"<TModeTranslate>">& ModeTranslate() const;
+  const Table<L"<TChannelProperty>">& ChannelProperty() const;
+  const Table<L"<TLocationProperty>">& LocationProperty() const;
+  const Table<L"<TSensorGroupList>">& SensorGroupList() const;
+  const Table<L"<TResamplingM>">& ResamplingParams() const;
+  const Table<L"<TAppSignalProperty>">& AppSignalProperty() const;
+  Table<L"<TAppSignalProperty>">& AppSignalProperty();
+  const Table<L"<TTpSensorConfig>">& SensorConfigName() const;
+  const Table<L"<TTpSensorConfigProperty>">& SensorConfiguration() const;
+  const Table<L"<TSignalDispatch>">& SignalDispatch() const;
+  Table<L"<TSignalDispatch>">& SignalDispatch();
+  const Table<L"<TTriggerParam>">& TriggerParam() const;
+  Table<L"<TTriggerParam>">& TriggerParam();
+  const Table<L"<TAutoModeParam>">& AutoModeParams() const;
+  Table<L"<TAutoModeParam>">& AutoModeParams();
+  const Table<L"<TAutoMode>">& AutoMode() const;
+  const Table<L"<TAutoModeSelector>">& AutoModeSelector() const;
+  const Table<L"<TIpParamAndStore>">& IpParamAndStore() const;
+  const Table<L"<TInstrumentProperty>">& InstrumentProperty() const;
+  const Table<L"<TIpCalcParameter>">& IpCalcParameter() const;
+  const Table<L"<TIpLearnParams>">& IpLearnParameter() const;
+  const Table<L"<TGrex11>">& IpRunTest() const;
+  const Table<L"<TLimSValue>">& LimSValue() const;
+  const Table<L"<TLimCValue>">& LimCValue() const;
+  const Table<L"<TIpPolygon>">& IpPolygon() const;
+  const Table<L"<TIpPolygonProperty>">& IpPolygonProperty() const;
+  const Table<L"<TLimArea>">& LimArea() const;
+  const Table<L"<TGrex15>">& RelativeLimit() const;
+  const Table<L"<TErrorCode>">& ErrorCode() const;
+  Table<L"<TErrorCode>">& ErrorCode();
+  const Table<L"<TExternalError>">& ExternalError() const;
+  const Table<L"<TErrorGroup>">& SeverityProperty() const;
+  Table<L"<TErrorGroup>">& SeverityProperty();
+  const Table<L"<TShadowGroupProperty>">& ShadowGroupProperty() const;
+  const Table<L"<TRetype>">& RetypeDefinition() const;
+  const Table<L"<TClavisUserNames>">& ClavisUserNames() const;
+  const Table<L"<TLearnProcedures>">& LearnProcedures() const;
+
+  // The store itself, for those who describe or count all tables (TableCatalogue.h).
+  const CQtParamDistillery& Store() const { return *store_; }
+
+  // --- Names and ids (queries/Names.cpp) ----------------------------------------------------
+  // ...Name(id): the name, good until the table is purged; empty for an unknown id.
+  // ...Id(name): the id of the row with exactly this name, -1 for an unknown one. A name is cut to
+  //              199 characters first.
+  // IsValid...(id): whether the table holds the id.
+
+  int ModeId(const wchar_t* name) const;
+  bool IsValidMode(int id) const;
+  const wchar_t* PhysModeName(int id) const;
+  int PhysModeId(const wchar_t* name) const;
+  bool IsValidPhysMode(int id) const;
+  const wchar_t* ChannelName(int id) const;
+  int ChannelId(const wchar_t* name) const;
+  bool IsValidChannel(int id) const;
+  const wchar_t* LocationName(int id) const;
+  int LocationId(const wchar_t* name) const;
+  bool IsValidLocation(int id) const;
+  const wchar_t* InstrumentName(int id) const;
+  int InstrumentId(const wchar_t* name) const;
+  bool IsValidInstrument(int id) const;
+  const wchar_t* ApplicationSignalName(int id) const;
+  int ApplicationSignalId(const wchar_t* name) const;
+  bool IsValidApplicationSignal(int id) const;
+  const wchar_t* SensorGroupName(int id) const;
+  int SensorGroupId(const wchar_t* name) const;
+  const wchar_t* ResamplingJobName(int id) const;
+  int ResamplingJobId(const wchar_t* name) const;
+  const wchar_t* ResamplingSetName(int id) const;
+  int ResamplingSetId(const wchar_t* name) const;
+  const wchar_t* TypeAliasName(int id) const;
+  int TypeAliasId(const wchar_t* name) const;
+  const wchar_t* BenchAliasName(int id) const;
+  int BenchAliasId(const wchar_t* name) const;
+
+  const wchar_t* InstrumentParamName(int id) const;
+  // Names are unique only within an instrument; the first such parameter in id order.
+  int InstrumentParamId(const wchar_t* name, int instrument) const;
+
+  const wchar_t* TriggerName(int id) const;
+  // The first trigger of that name in id order.
+  int TriggerId(const wchar_t* name) const;
+  // The trigger of an instrument parameter, -1 if it has none.
+  int TriggerId(int instrument_param) const;
+
+  // By the element's number in a key, Clavis::qOrder: the name of an id. Any other number is a
+  // fault of the caller; the text is then empty.
+  const wchar_t* ClavisElementName(int element, int id) const;
+
+  // The ids and names of an element, Clavis::Parameter excepted. Any other number is a fault of the
+  // caller; the map of the test steps then comes back.
+  const Table<L"<TMode>">& IdNameMap(int element) const;
+
+  // The flags of an object, 0 for an unknown one.
+  unsigned LocationPropertyFlag(int location) const;
+
+  // The application signal that carries time, -1 if there is none: set by each load, for the whole
+  // process.
+  static int TimeSignalId();
+
+  // Whether dialogs show ids beside names: a setting of the messages sea, the same for all handles.
+  // False if the sea doesn't hold it.
+  static bool ShowIdsInDialogs();
+  static void ShowIdsInDialogs(bool show);
+
+  // Fills a combo with the type aliases and returns their number. `selection`, or else the text
+  // that the combo showed, is selected again if it is among them; in a combo that would stay empty
+  // it becomes the one entry.
+  int FillTypeNameCombo(CComboBox& combo, const wchar_t* selection) const;
+
+ private:
+  CQtParamDistillery* store_;
+};

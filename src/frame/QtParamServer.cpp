@@ -1,0 +1,15 @@
+#include "frame/QtParamServer.h"
+
+CQtParamServer::CQtParamServer() = default;
+
+CQtParamServer& CQtParamServer::Object() {
+  static CQtParamServer server;
+  return server;
+}
+
+void CQtParamServer::Create() {}
+
+void CQtParamServer::Clear() {
+  distillery.Clear();
+  distillery.initialized = false;
+}

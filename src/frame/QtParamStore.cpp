@@ -1,0 +1,78 @@
+#include "frame/QtParamStore.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "interfaces/ResourceSea.h"
+#include "lake/Lake.h"
+#include "tables/QParamBaseTableImpl.h"
+
+namespace {
+
+// The word that a document's line names: the text between the first two quotes if the value begins
+// with one, or else the value up to the blank behind its first word.
+CString CutName(std::wstring_view value) {
+  const auto word = std::find_if_not(value.begin(), value.end(), Text::IsSpace);
+  if (word == value.end()) return CString(value);
+  if (*word == L'"') return CString(word + 1, std::find(word + 1, value.end(), L'"'));
+  return CString(value.begin(), std::find_if(word, value.end(), Text::IsSpace));
+}
+
+CString ReadName(CLake& lake, const wchar_t* key) { return CutName(std::wstring(lake[key])); }
+
+}  // namespace
+
+namespace tables {
+
+template <class Entry>
+Slot<Entry>::Slot(CResourceSea* application_sea)
+    : table([&] {
+        if constexpr (Entry::section == sea_table) {
+          return typename Entry::Table(Entry::section.text, application_sea);
+        } else {
+          return typename Entry::Table(Entry::section.text);
+        }
+      }()) {}
+
+}  // namespace tables
+
+CQtParamStore::CQtParamStore()
+    : tables_(CSeaBase::ApplicationSea()), manager_(std::make_unique<CQTableManager>()) {
+  RegisterTables();
+}
+
+CQtParamStore::~CQtParamStore() = default;
+
+void CQtParamStore::RegisterTables() {
+  std::array<CQParamSeaTable*, tables::All::size> in_order{};
+  tables::All::ForEach([&](auto entry) {
+    using Entry = decltype(entry);
+    in_order[Entry::registered - 1] = &static_cast<tables::Slot<Entry>&>(tables_).table;
+  });
+  for (CQParamSeaTable* table : in_order) manager_->RegisterTable(*table);
+}
+
+void CQtParamStore::Clear() { manager_->Clear(); }
+
+void CQtParamStore::PurgeTables() {
+  manager_->PurgeTables();
+  for (CString* name :
+       {&learn_archive_name_, &calibration_file_name_, &type_base_name_, &type_alias_name_}) {
+    name->clear();
+  }
+}
+
+bool CQtParamStore::ReadTablesFromCandidateLake() {
+  if (!manager_->ReadTablesFromCandidateLake()) return false;
+  CLake& lake = CParameterLake::Lake();
+  learn_archive_name_ = ReadName(lake, L"<QLearn><FLearnArcName>");
+  calibration_file_name_ = ReadName(lake, L"<QCalib><FCalibFileName>");
+  type_base_name_ = ReadName(lake, L"<QType><FBaseName>");
+  type_alias_name_ = ReadName(lake, L"<QType><FAliasName>");
+  return true;
+}
+
+void CQtParamStore::WriteTablesToLocalSeas() const { manager_->WriteTablesToLocalSeas(); }
+
+void CQtParamStore::DumpTables(int limit) const { manager_->DumpTables(limit); }

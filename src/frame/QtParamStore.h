@@ -1,0 +1,64 @@
+// The store owns every table of the data base, the names of the four documents that come with it,
+// and the manager that drives the tables.
+//
+//   Clear         erases the rows, and unbinds the tables from their seas for good
+//   PurgeTables   erases the rows, the indexes of the name tables and the four names
+//
+// Made by the one server of the process (QtParamServer.h). Nothing here takes a lock: loads, purges
+// and clears must not run beside queries.
+#pragma once
+
+#include <memory>
+
+#include "frame/TableList.h"
+#include "interfaces/Export.h"
+#include "interfaces/Text.h"
+
+class KESTRIN_API CQtParamStore {
+ public:
+  // All tables empty. Asks for the application sea once.
+  CQtParamStore();
+  ~CQtParamStore();
+  CQtParamStore(const CQtParamStore&) = delete;
+  CQtParamStore& operator=(const CQtParamStore&) = delete;
+
+  void Clear();
+  void PurgeTables();
+
+  // Reads the tables and then the four names from the candidate lake. False, with nothing changed,
+  // if the lake is empty or its version refused.
+  bool ReadTablesFromCandidateLake();
+
+  // Writes each table that is bound to a sea back to it.
+  void WriteTablesToLocalSeas() const;
+
+  // Logs the rows of every table; all of them with limit 0.
+  void DumpTables(int limit) const;
+
+  // The table of that section: Table<L"<TMode>">().
+  template <tables::Word Section>
+  tables::TableOf<Section>& Table() {
+    return static_cast<tables::Slot<tables::EntryOf<Section>>&>(tables_).table;
+  }
+  template <tables::Word Section>
+  const tables::TableOf<Section>& Table() const {
+    return static_cast<const tables::Slot<tables::EntryOf<Section>>&>(tables_).table;
+  }
+
+  const CQTableManager& Manager() const { return *manager_; }
+
+  const CString& LearnFileName() const { return learn_archive_name_; }
+  const CString& CalibFileName() const { return calibration_file_name_; }
+  const CString& BaseType() const { return type_base_name_; }
+  const CString& AliasType() const { return type_alias_name_; }
+
+ private:
+  void RegisterTables();
+
+  tables::Members<tables::All> tables_;
+  CString learn_archive_name_;
+  CString calibration_file_name_;
+  CString type_base_name_;
+  CString type_alias_name_;
+  std::unique_ptr<CQTableManager> manager_;
+};

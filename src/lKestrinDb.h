@@ -1,0 +1,22 @@
+// lKestrinDb, the parameter data base of a test-bench analysis suite for rotating machinery. This
+// header brings the whole public surface; hosts include nothing else.
+//
+//   CParameterLake::Lake().read(L"gearbox.par");   // the file
+//   CQtParamInstance params;                       // the handle
+//   if (params.ReadTablesFromCandidateLake()) {
+//     params.ChannelName(3);                       // and the answers
+//   }
+#pragma once
+
+#include "frame/QtParamInstance.h"
+#include "frame/QtParamServer.h"
+#include "frame/TableCatalogue.h"
+#include "interfaces/Clavis.h"
+#include "interfaces/PrWin.h"
+#include "interfaces/ResourceSea.h"
+#include "interfaces/Text.h"
+#include "keys/IndexRecords.h"
+#include "lake/Lake.h"
+#include "tables/QParamBaseTable.h"
+#include "tables/QTableManager.h"
+#include "tables/RowText.h"
