@@ -1,0 +1,112 @@
+#include "Command.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <utility>
+
+namespace kestrindb {
+namespace {
+
+// Keeps what is logged while it lives, and passes it on to standard error.
+class LogKeeper {
+ public:
+  explicit LogKeeper(std::vector<LogLine>& lines)
+      : before_(PrWin::SetSink([&lines](std::wstring_view text, auto category, auto style) {
+          lines.push_back({category, style, Utf8(text)});
+          std::cerr << lines.back().text;
+        })) {}
+  LogKeeper(const LogKeeper&) = delete;
+  LogKeeper& operator=(const LogKeeper&) = delete;
+  ~LogKeeper() { PrWin::SetSink(std::move(before_)); }
+
+ private:
+  PrWin::Sink before_;
+};
+
+// The library takes a file that can't be opened for one with nothing in it, so ask first.
+void RequireUsable(const std::string& file_name) {
+  const std::filesystem::path path(file_name);
+  std::error_code error;
+  if (std::filesystem::is_directory(path, error)) {
+    throw Failure(file_unusable, "'" + file_name + "' is a folder, not a parameter file.");
+  }
+  if (!std::ifstream(path)) {
+    throw Failure(file_unusable,
+                  "The file '" + file_name + "' can't be opened: " + std::strerror(errno) + ".");
+  }
+}
+
+bool LooksLikeNumber(const std::string& cell) {
+  const auto first = cell.find_first_not_of('-');
+  return first != std::string::npos && std::isdigit(static_cast<unsigned char>(cell[first])) != 0;
+}
+
+// Places on a terminal: one a character, without combining marks and wide characters being told
+// apart.
+std::size_t Width(const std::string& utf8) {
+  return static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), [](char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
+  }));
+}
+
+}  // namespace
+
+std::string Utf8(std::wstring_view text) { return Text::ToUtf8(text); }
+std::wstring Wide(std::string_view text) { return Text::FromUtf8(text); }
+
+DataBase::DataBase(const std::string& file_name) : file_name_(file_name) {
+  RequireUsable(file_name);
+  const LogKeeper keeper(log);
+  if (!CParameterLake::Lake().read(Wide(file_name))) {
+    throw Failure(file_unusable,
+                  "The file '" + file_name +
+                      "' can't be read: it begins with a broken UTF-8 mark, or reading failed.");
+  }
+  accepted = params.ReadTablesFromCandidateLake();
+}
+
+void DataBase::RequireAccepted() const {
+  if (accepted) return;
+  throw Failure(data_bad, "The file '" + file_name_ + "' was not accepted as a data base" +
+                              (log.empty() ? ": it is empty, or a relative limit names an unknown "
+                                             "parameter."
+                                           : "; the log says why."));
+}
+
+CLI::App* CommandLine::Add(const std::string& name, const std::string& description,
+                           std::function<Status()> run) {
+  CLI::App* command = app.add_subcommand(name, description);
+  command->add_flag("--json", json, "Give the answer as JSON");
+  command->callback([this, run = std::move(run)] { status = run(); });
+  return command;
+}
+
+void Print(const Json& json) { std::cout << json.dump(2) << '\n'; }
+
+void PrintTable(const std::vector<std::string>& headings,
+                const std::vector<std::vector<std::string>>& rows) {
+  std::vector<std::size_t> widths;
+  for (const std::string& heading : headings) widths.push_back(Width(heading));
+  for (const auto& row : rows) {
+    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], Width(row[i]));
+  }
+  const auto print = [&widths](const std::vector<std::string>& row) {
+    std::string line;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      const std::string gap(widths[i] - Width(row[i]), ' ');
+      if (i != 0) line += "  ";
+      line += LooksLikeNumber(row[i]) ? gap + row[i] : row[i] + gap;
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    std::cout << line << '\n';
+  };
+  print(headings);
+  for (const auto& row : rows) print(row);
+}
+
+}  // namespace kestrindb

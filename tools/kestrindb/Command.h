@@ -1,0 +1,86 @@
+// What the commands of kestrindb share: exit statuses, the data base at hand, output as text or as
+// JSON. A command stands in a file of its own, adds itself to the command line in Add...() and
+// gives its exit status through CommandLine::status.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lKestrinDb.h"
+
+namespace kestrindb {
+
+using Json = nlohmann::ordered_json;
+
+enum Status : int {
+  fine = 0,
+  data_bad = 1,       // the data base was refused, or lines of it were bad
+  file_unusable = 2,  // the file is missing, a folder or unreadable
+};
+
+// Ends a command: one clear sentence for standard error, and the exit status.
+class Failure : public std::runtime_error {
+ public:
+  Failure(Status exit_status, const std::string& sentence)
+      : std::runtime_error(sentence), status(exit_status) {}
+  Status status;
+};
+
+// A line of the log as a load put it out.
+struct LogLine {
+  int category;
+  int style;
+  std::string text;
+};
+
+// A loaded data base: the file read into the candidate lake, the lake loaded.
+class DataBase {
+ public:
+  // Throws Failure if the file can't be used. A data base that was refused is no failure here.
+  explicit DataBase(const std::string& file_name);
+
+  CQtParamInstance params;
+  bool accepted = false;
+  std::vector<LogLine> log;  // what the load logged; it also went to standard error
+
+  Status LoadStatus() const { return accepted && log.empty() ? fine : data_bad; }
+
+  // Throws Failure if the data base was refused.
+  void RequireAccepted() const;
+
+ private:
+  std::string file_name_;
+};
+
+// The options and the state of one run.
+struct CommandLine {
+  CLI::App app{"Loads and asks lKestrinDb parameter files.", "kestrindb"};
+  int status = fine;
+
+  // Adds a command with the option --json that all of them have; `run` is called if it is chosen.
+  CLI::App* Add(const std::string& name, const std::string& description,
+                std::function<Status()> run);
+  bool json = false;
+};
+
+std::string Utf8(std::wstring_view text);
+std::wstring Wide(std::string_view text);
+
+void Print(const Json& json);
+
+// A table for a terminal: columns aligned, numbers (cells that look like one) to the right.
+void PrintTable(const std::vector<std::string>& headings,
+                const std::vector<std::vector<std::string>>& rows);
+
+// The commands, each in the file of its name.
+void AddLoad(CommandLine& line);
+void AddNames(CommandLine& line);
+void AddDump(CommandLine& line);
+void AddTables(CommandLine& line);
+
+}  // namespace kestrindb
