@@ -101,7 +101,9 @@ TEST(LakeFile, BytesBecomeLines) {
   };
   for (const auto& c : cases) {
     // All at once, byte by byte, and with a medium that fails behind the last byte.
-    for (const auto& [step, failing] : {std::pair(9999U, false), {1U, false}, {1U, true}}) {
+    for (const auto& way : {std::pair(9999U, false), {1U, false}, {1U, true}}) {
+      const std::size_t step = way.first;
+      const bool failing = way.second;
       CLake lake = FromBytes("old");
       std::string_view rest = c.bytes;
       const bool result =

@@ -1,0 +1,264 @@
+// What the lines of each section hold. A wrong field order, kind or default misreads a whole table
+// without a word, so the catalogue is held against a table that was typed by hand.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <type_traits>
+
+#include "frame/QtParamInstance.h"
+#include "frame/TableCatalogue.h"
+#include "test_store.h"
+
+namespace {
+
+using TableType::FieldKind;
+
+struct Expected {
+  int made;
+  const wchar_t* section;
+  const char* accessor;
+  char container;   // v sorted vector, t tree, m multi map
+  const char* key;  // i integer, u unsigned, l long, L long long, f float, t text, k key
+  const char* row;  // the same, each kind with its default; now: the time of the load
+};
+
+// In the order of registration.
+constexpr Expected expected[] = {
+    {3, L"<TMode>", "Mode", 't', "i", "t"},
+    {4, L"<TChannel>", "Channel", 't', "i", "t"},
+    {5, L"<TLocation>", "Location", 't', "i", "t"},
+    {6, L"<TInstrument>", "Instrument", 't', "i", "t"},
+    {7, L"<TInstrumentParam>", "InstrumentParam", 'v', "i", "i-1 t i0 u0 u0"},
+    {8, L"<TPhysMode>", "PhysMode", 't', "i", "t"},
+    {9, L"<TResamplingGroup>", "ResamplingJob", 't', "i", "t"},
+    {10, L"<TProcessingUnit>", "ResamplingSet", 't', "i", "t"},
+    {11, L"<TSensorGroup>", "SensorGroup", 't', "i", "t"},
+    {12, L"<TTrigger>", "Trigger", 'v', "i", "t i0"},
+    {13, L"<TApplicationSignal>", "ApplicationSignal", 't', "i", "t"},
+    {14, L"<TSignalUnit>", "SignalUnit", 't', "i", "t"},
+    {1, L"<TAliasType>", "TypeNames", 't', "i", "t"},
+    {2, L"<TAliasBench>", "BenchNames", 't', "i", "t"},
+    {15, L"<TModeProperty>", "ModeProperty", 'v', "i", "i-1 u0 i-1 i0"},
+    {16, L"<TModeTranslate>", "ModeTranslate", 'v', "t", "i-1"},
+    {17, L"<TChannelProperty>", "ChannelProperty", 'v', "i", "u0 i-1"},
+    {18, L"<TChannelInheritance>", "", 'v', "ii", "i-1"},
+    {19, L"<TLocationProperty>", "LocationProperty", 'v', "i", "i0 i0 i0"},
+    {20, L"<TRotorSpeed>", "", 'v', "ii", "f0"},
+    {21, L"<TBaseOrder>", "", 'v', "i", "f0"},
+    {22, L"<TVirtual2PhysGear>", "", 'v', "ii", "i-1"},
+    {23, L"<TSpeedSource>", "", 'v', "i", "i-1"},
+    {24, L"<TRotorSpeedSource>", "", 'v', "ii", "i-1"},
+    {25, L"<TOrderSource2Rotor>", "", 'v', "ii", "i-1"},
+    {26, L"<TSensorGroupList>", "SensorGroupList", 'm', "i", "i-1 i-1"},
+    {27, L"<TResampling>", "", 'v', "ii", "i-1 i-1 i-1 u1024 u1 f1 i1 f50 i-1"},
+    {28, L"<TResamplingM>", "ResamplingParams", 'v', "ii", "i-1 i-1 i-1 u1024 u1 f1 i1 f50 i-1"},
+    {29, L"<TAppSignalProperty>", "AppSignalProperty", 'v', "i", "i0 t f1 i0 i0"},
+    {30, L"<TTpSensorConfig>", "SensorConfigName", 't', "i", "t"},
+    {31, L"<TTpSensorConfigProperty>", "SensorConfiguration", 'v', "iii", "i-1"},
+    {32, L"<TSignalDispatch>", "SignalDispatch", 'v', "i", "i-1"},
+    {33, L"<TTriggerParam>", "TriggerParam", 'v', "iii", "i-1 u0 f0 f0 f0 u0 i0 i0 i-1 i0"},
+    {34, L"<TAutoModeParam>", "AutoModeParams", 't', "i", "f0 f10 f1 i0 i0 f5"},
+    {35, L"<TAutoMode>", "AutoMode", 'v', "i", "i-1"},
+    {36, L"<TAutoModeSelector>", "AutoModeSelector", 'm', "i", "k-1 -1 -1 -1 -1 -1 f0 f0 i-1"},
+    {37, L"<TIpParamAndStore>", "IpParamAndStore", 'v', "iiiiii", "i0 f0 f0 i0 f0"},
+    {38, L"<TInstrumentProperty>", "InstrumentProperty", 'v', "i", "i-1 i0 i0"},
+    {39, L"<TIpCalcParameter>", "IpCalcParameter", 'v', "ii", "t"},
+    {40, L"<TGrex10001>", "", 'v', "iiiiii", "i0 i-1 i-1 i-1 f0 i0 f0 f0 f0 f0"},
+    {42, L"<TGrex11>", "IpRunTest", 'v', "iiiiii", "i1"},
+    {43, L"<TLimSValue>", "LimSValue", 'v', "iiiiii", "i0 f0 f0"},
+    {44, L"<TLimCValue>", "LimCValue", 'v', "iiiiii", "i0 i-1 i-1 i0 i-1"},
+    {45, L"<TIpPolygon>", "IpPolygon", 'v', "i", "i-1 t"},
+    {46, L"<TIpPolygonValue>", "", 'v', "if", "f0"},
+    {47, L"<TIpPolygonProperty>", "IpPolygonProperty", 'v', "i", "i-1 i1"},
+    {48, L"<TLimArea>", "LimArea", 'v', "iiiiii", "i0 f0 f0"},
+    {49, L"<TGrex15>", "RelativeLimit", 'v', "iiiiii", "f0 f0"},
+    {50, L"<TErrorCode>", "ErrorCode", 'v', "i", "i0 t i-1 i-1 l0"},
+    {51, L"<TExternalError>", "ExternalError", 'v', "i", "i-1 i-1 i-1 i-1 i-1 i-1 i-1"},
+    {52, L"<TErrorGroup>", "SeverityProperty", 'v', "i", "l0 l4 t t"},
+    {53, L"<TShadowGroupProperty>", "ShadowGroupProperty", 'v', "i", "l0"},
+    {54, L"<TRetype>", "RetypeDefinition", 'v', "i", "i-1"},
+    {55, L"<TClavisUserNames>", "ClavisUserNames", 'v', "iiiii", "t i0 i1"},
+    {56, L"<TLearnProcedures>", "LearnProcedures", 'v', "i", "i0 u0 f1 t"},
+    {41, L"<TIpLearnParams>", "IpLearnParameter", 'v', "iiiiii", "i-1 Lnow u0 Lnow"},
+};
+
+char Letter(FieldKind kind) {
+  const std::string letters = "iulLftk";
+  return letters[static_cast<std::size_t>(kind)];
+}
+
+std::string Kinds(const std::vector<TableCatalogue::FieldInfo>& fields) {
+  std::string kinds;
+  for (const auto& field : fields) kinds += Letter(field.kind);
+  return kinds;
+}
+
+std::string KindsAndDefaults(const std::vector<TableCatalogue::FieldInfo>& fields) {
+  std::string text;
+  for (const auto& field : fields) {
+    if (!text.empty()) text += ' ';
+    text += Letter(field.kind);
+    text += field.default_text == "the time of the load" ? "now" : field.default_text;
+  }
+  return text;
+}
+
+TEST(Catalogue, EveryTableHoldsTheFieldsThatItsLinesGive) {
+  const auto& tables = TableCatalogue::Tables();
+  ASSERT_EQ(tables.size(), std::size(expected));
+  for (std::size_t i = 0; i < tables.size(); ++i) {
+    const auto& table = tables[i];
+    SCOPED_TRACE(Text::ToUtf8(table.section));
+    EXPECT_EQ(table.registered, static_cast<int>(i) + 1);
+    EXPECT_EQ(table.made, expected[i].made);
+    EXPECT_EQ(table.section, expected[i].section);
+    EXPECT_EQ(table.accessor, expected[i].accessor);
+    const std::string container = expected[i].container == 'v'   ? "sorted vector"
+                                  : expected[i].container == 't' ? "tree"
+                                                                 : "multi map";
+    EXPECT_EQ(table.container, container);
+    EXPECT_EQ(table.unique_keys, expected[i].container != 'm');
+    EXPECT_EQ(Kinds(table.key), expected[i].key);
+    EXPECT_EQ(KindsAndDefaults(table.row), expected[i].row);
+    EXPECT_EQ(TableCatalogue::Find(expected[i].section), &table);
+  }
+  EXPECT_EQ(TableCatalogue::Find(L"<TNothing>"), nullptr);
+}
+
+TEST(Catalogue, TheManagerHasTheTablesInTheirOrder) {
+  const testing_support::TestStore data;
+  const CQTableManager& manager = data.store.Manager();
+  for (unsigned i = 0; i < std::size(expected); ++i) {
+    const auto* table = dynamic_cast<const CQParamBaseTable*>(manager.Table(i));
+    ASSERT_NE(table, nullptr) << i;
+    EXPECT_STREQ(table->name, expected[i].section);
+  }
+  EXPECT_EQ(manager.Table(56), nullptr);
+}
+
+// Each accessor hands out the table whose entry in the list names it.
+TEST(Catalogue, AccessorsGiveTheTablesOfTheirNames) {
+  testing_support::TestStore data;
+  CQtParamInstance& params = data.params;
+  const CQtParamInstance& constant = data.params;
+  const std::pair<const char*, const CQParamBaseTable*> given[] = {
+      {"TypeNames", &params.TypeNames()},
+      {"BenchNames", &params.BenchNames()},
+      {"Mode", &params.Mode()},
+      {"Channel", &params.Channel()},
+      {"Location", &params.Location()},
+      {"Instrument", &params.Instrument()},
+      {"InstrumentParam", &params.InstrumentParam()},
+      {"PhysMode", &params.PhysMode()},
+      {"ResamplingJob", &params.ResamplingJob()},
+      {"ResamplingSet", &params.ResamplingSet()},
+      {"SensorGroup", &params.SensorGroup()},
+      {"Trigger", &params.Trigger()},
+      {"ApplicationSignal", &params.ApplicationSignal()},
+      {"SignalUnit", &params.SignalUnit()},
+      {"ModeProperty", &params.ModeProperty()},
+      {"ModeTranslate", &params.ModeTranslate()},
+      {"ChannelProperty", &params.ChannelProperty()},
+      {"LocationProperty", &params.LocationProperty()},
+      {"SensorGroupList", &params.SensorGroupList()},
+      {"ResamplingParams", &params.ResamplingParams()},
+      {"AppSignalProperty", &constant.AppSignalProperty()},
+      {"SensorConfigName", &params.SensorConfigName()},
+      {"SensorConfiguration", &params.SensorConfiguration()},
+      {"SignalDispatch", &constant.SignalDispatch()},
+      {"TriggerParam", &constant.TriggerParam()},
+      {"AutoModeParams", &constant.AutoModeParams()},
+      {"AutoMode", &params.AutoMode()},
+      {"AutoModeSelector", &params.AutoModeSelector()},
+      {"IpParamAndStore", &params.IpParamAndStore()},
+      {"InstrumentProperty", &params.InstrumentProperty()},
+      {"IpCalcParameter", &params.IpCalcParameter()},
+      {"IpRunTest", &params.IpRunTest()},
+      {"LimSValue", &params.LimSValue()},
+      {"LimCValue", &params.LimCValue()},
+      {"IpPolygon", &params.IpPolygon()},
+      {"IpPolygonProperty", &params.IpPolygonProperty()},
+      {"LimArea", &params.LimArea()},
+      {"RelativeLimit", &params.RelativeLimit()},
+      {"ErrorCode", &constant.ErrorCode()},
+      {"ExternalError", &params.ExternalError()},
+      {"SeverityProperty", &constant.SeverityProperty()},
+      {"ShadowGroupProperty", &params.ShadowGroupProperty()},
+      {"RetypeDefinition", &params.RetypeDefinition()},
+      {"ClavisUserNames", &params.ClavisUserNames()},
+      {"LearnProcedures", &params.LearnProcedures()},
+      {"IpLearnParameter", &params.IpLearnParameter()},
+  };
+  for (const auto& [accessor, table] : given) {
+    const auto* info = TableCatalogue::Find(table->name);
+    ASSERT_NE(info, nullptr);
+    EXPECT_EQ(info->accessor, accessor);
+  }
+  EXPECT_EQ(&params.ErrorCode(), &constant.ErrorCode());
+  EXPECT_EQ(&params.AutoModeParams(), &constant.AutoModeParams());
+}
+
+TEST(Catalogue, FieldsOfARowGoWhereTheirNamesSay) {
+  testing_support::TestStore data(
+      "<TAppSignalProperty>: {\n12 1 \"bar\" 2.5 7 3\n}\n"
+      "<TTriggerParam>: {\n1 2 3 10 11 1.5 2.5 0.5 12 2 13 14 15\n}\n"
+      "<TGrex10001>: {\n1 2 3 4 5 6 10 11 12 13 0.5 1 1.5 2.5 3.5 4.5\n}\n"
+      "<TErrorGroup>: {\n3\n}\n"
+      "<TAutoModeSelector>: {\n1 10 11 12\n1 20 21 22 23 24 25 1.5 2.5 7\n}\n"
+      "<TIpPolygonValue>: {\n4 2.5 1\n4 1.5 2\n4 2.5 3\n}\n");
+  const auto& signal = data.params.AppSignalProperty().find(12)->second;
+  EXPECT_EQ(signal.signal_type, 1);
+  EXPECT_STREQ(signal.unit_text, L"bar");
+  EXPECT_EQ(signal.third, 2.5F);
+  EXPECT_EQ(signal.unit_code, 7);
+  EXPECT_EQ(signal.unit_prefix, 3);
+
+  const auto& axis = data.params.TriggerParam().find({1, 2, 3})->second;
+  EXPECT_EQ(axis.start, 1.5F);
+  EXPECT_EQ(axis.stop, 2.5F);
+  EXPECT_EQ(axis.step, 0.5F);
+  EXPECT_EQ(axis.sixth, 12U);
+  EXPECT_EQ(axis.direction, 2);
+
+  const auto& track = data.store.Table<L"<TGrex10001>">().begin()->second;
+  EXPECT_EQ(track.polygon_id, 13);
+  EXPECT_EQ(track.offset, 0.5F);
+  EXPECT_EQ(track.polygon_mode, 1);
+  EXPECT_EQ(track.y_end, 4.5F);
+
+  const auto& severity = data.params.SeverityProperty().find(3)->second;
+  EXPECT_EQ(severity.second, 4);
+  EXPECT_STREQ(severity.text_2, L"");
+
+  // A key inside a row is read as far as its line goes; what it doesn't reach stays.
+  auto selector = data.params.AutoModeSelector().begin();
+  EXPECT_EQ(selector->second.clavis, QClavis(10, 11, 12, -1, -1, -1));
+  ++selector;
+  EXPECT_EQ(selector->second.clavis, QClavis(20, 21, 22, 23, 24, 25));
+  EXPECT_EQ(selector->second.fourth, 7);
+
+  const auto& points = data.store.Table<L"<TIpPolygonValue>">();
+  ASSERT_EQ(points.size(), 2U);
+  EXPECT_EQ(points[0].first.value, 1.5F);
+  EXPECT_EQ(points[1].second.y, 1.0F);
+}
+
+TEST(Catalogue, LearnTimesAreThoseOfTheLoad) {
+  static long long now = 1000;
+  const auto before = QVIpLearnParameter::SetClock([] { return now++; });
+  testing_support::TestStore data(
+      "<TIpLearnParams>: {\n1 1 1 1 1 1 5\n2 1 1 1 1 1 6\n"
+      "3 1 1 1 1 1 7 42 8 43\n}\n");
+  QVIpLearnParameter::SetClock(before);
+  const auto& rows = data.params.IpLearnParameter();
+  ASSERT_EQ(rows.size(), 3U);
+  EXPECT_EQ(rows[0].second.time_1, 1000);
+  EXPECT_EQ(rows[0].second.time_2, 1000);
+  EXPECT_EQ(rows[1].second.time_2, 1000);
+  EXPECT_EQ(rows[2].second.time_1, 42);
+  EXPECT_EQ(rows[2].second.time_2, 43);
+}
+
+}  // namespace

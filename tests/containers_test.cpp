@@ -1,0 +1,168 @@
+// The containers of rows: the first row of a key stays, order holds, limits are told.
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <random>
+#include <thread>
+#include <vector>
+
+#include "tables/MapContainers.h"
+#include "tables/RowCollector.h"
+
+namespace {
+
+using VectorMap = CUniqueVectorMap<int, int>;
+using TreeMap = CUniqueTreeMap<int, int>;
+using Pairs = std::vector<std::pair<int, int>>;
+
+template <class Map>
+Pairs Rows(const Map& map) {
+  return Pairs(map.begin(), map.end());
+}
+
+TEST(Containers, TheFirstRowOfAKeyStays) {
+  VectorMap vector;
+  EXPECT_TRUE(vector.insert(vector.end(), {2, 3}).second);
+  const auto in_front = vector.insert({1, 1});
+  EXPECT_TRUE(in_front.second);
+  EXPECT_EQ(in_front.first, vector.begin());
+  const auto refused = vector.insert({2, 4});
+  EXPECT_FALSE(refused.second);
+  EXPECT_EQ(refused.first, vector.end() - 1);
+  EXPECT_EQ(refused.first->second, 3);
+  refused.first->second = 2;
+  EXPECT_TRUE(vector.insert({3, 3}).second);
+  EXPECT_EQ(Rows(vector), (Pairs{{1, 1}, {2, 2}, {3, 3}}));
+  EXPECT_EQ(vector.find(4), vector.end());
+  EXPECT_EQ(std::as_const(vector).find(2)->second, 2);
+  const auto capacity = vector.capacity();
+  vector.clear();
+  EXPECT_EQ(vector.capacity(), capacity);
+
+  TreeMap tree;
+  EXPECT_TRUE(tree.insert({2, 3}).second);
+  EXPECT_TRUE(tree.insert({1, 1}).second);
+  EXPECT_FALSE(tree.insert({2, 4}).second);
+  EXPECT_EQ(tree.Assign(2, 2)->second, 2);
+  EXPECT_EQ(tree.Assign(3, 3)->first, 3);
+  EXPECT_EQ(Rows(tree), (Pairs{{1, 1}, {2, 2}, {3, 3}}));
+
+  CDbMultiMap<int, int> multi;
+  for (const auto& row : Pairs{{2, 1}, {1, 2}, {2, 3}, {1, 4}})
+    multi.insert({row.first, row.second});
+  EXPECT_EQ(Rows(multi), (Pairs{{1, 2}, {1, 4}, {2, 1}, {2, 3}}));
+}
+
+// Hints, right or wrong, and the collector give what plain insertion gives.
+TEST(Containers, HintsAndTheCollectorChangeNothing) {
+  std::mt19937 random(1);
+  for (int round = 0; round < 500; ++round) {
+    const int keys = 1 + round % 20;
+    VectorMap plain;
+    VectorMap hinted;
+    VectorMap collected;
+    RowCollector collector(collected);
+    for (int line = 0; line < round % 60; ++line) {
+      const VectorMap::value_type row(static_cast<int>(random() % static_cast<unsigned>(keys)),
+                                      line);
+      plain.insert(row);
+      const auto place = static_cast<std::ptrdiff_t>(random() % (hinted.size() + 1));
+      hinted.insert(hinted.begin() + place, row);
+      collector.Add(row);
+    }
+    collector.Finish();
+    ASSERT_EQ(Rows(hinted), Rows(plain));
+    ASSERT_EQ(Rows(collected), Rows(plain));
+  }
+}
+
+TEST(Containers, AnUnfinishedCollectorLeavesNoDisorder) {
+  VectorMap map;
+  {
+    RowCollector collector(map);
+    collector.Add({2, 1});
+    collector.Add({1, 1});
+  }
+  EXPECT_TRUE(map.empty());
+}
+
+// An allocator of a limited container.
+template <class T>
+struct Limited : std::allocator<T> {
+  template <class U>
+  struct rebind {
+    using other = Limited<U>;
+  };
+  Limited() = default;
+  template <class U>
+  Limited(const Limited<U>&) {}
+  static std::size_t max_size() { return 2; }
+};
+
+template <class Do>
+std::string FailureOf(Do action) {
+  try {
+    action();
+  } catch (const std::length_error& error) {
+    return error.what();
+  }
+  return "none";
+}
+
+TEST(Containers, LimitsAreTold) {
+  CUniqueVectorMap<int, int, std::less<int>, Limited<std::pair<int, int>>> vector;
+  CUniqueTreeMap<int, int, std::less<int>, Limited<std::pair<int, int>>> tree;
+  for (int key : {1, 2}) {
+    vector.insert({key, 0});
+    tree.insert({key, 0});
+  }
+  EXPECT_FALSE(vector.insert({2, 1}).second);
+  EXPECT_FALSE(tree.insert({2, 1}).second);
+  EXPECT_EQ(FailureOf([&] { vector.insert({3, 0}); }), "vector<T> too long");
+  EXPECT_EQ(FailureOf([&] { vector.reserve(3); }), "vector<T> too long");
+  EXPECT_EQ(FailureOf([&] { tree.insert({3, 0}); }), "map/set<T> too long");
+  EXPECT_EQ(FailureOf([&] { tree.Assign(3, 0); }), "map/set<T> too long");
+}
+
+TEST(Containers, PoolsServeAllThreadsWithBlocksOfTheirOwn) {
+  struct Node {
+    unsigned char bytes[40];
+  };
+  const auto take_and_give = [](unsigned char mark) {
+    stdext::allocators::allocator_unbounded<Node> nodes;
+    std::vector<Node*> taken;
+    for (int i = 0; i < 20000; ++i) {
+      taken.push_back(nodes.allocate(1));
+      std::fill_n(taken.back()->bytes, sizeof(Node), mark);
+      if (i % 3 == 0) {
+        nodes.deallocate(taken.front(), 1);
+        taken.front() = taken.back();
+        taken.pop_back();
+      }
+    }
+    const bool untouched = std::all_of(taken.begin(), taken.end(), [&](const Node* node) {
+      return std::all_of(std::begin(node->bytes), std::end(node->bytes),
+                         [&](unsigned char byte) { return byte == mark; });
+    });
+    for (Node* node : taken) nodes.deallocate(node, 1);
+    return untouched;
+  };
+  bool untouched[4] = {};
+  {
+    std::vector<std::jthread> threads;
+    for (unsigned char i = 0; i < 4; ++i) {
+      threads.emplace_back([&, i] { untouched[i] = take_and_give(i); });
+    }
+  }
+  for (const bool own : untouched) EXPECT_TRUE(own);
+
+  stdext::allocators::allocator_unbounded<Node> nodes;
+  Node* const block = nodes.allocate(1);
+  nodes.deallocate(block, 1);
+  EXPECT_EQ(nodes.allocate(1), block);  // the free list gives the last one back first
+  nodes.deallocate(block, 1);
+  EXPECT_THROW((void)nodes.allocate(std::numeric_limits<std::size_t>::max()), std::bad_alloc);
+}
+
+}  // namespace

@@ -1,0 +1,263 @@
+// The load as a whole: which data bases are accepted, what each state of the server's life holds,
+// what a load computes from the tables.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "frame/QtParamServer.h"
+#include "frame/TableCatalogue.h"
+#include "interfaces/ResourceSea.h"
+#include "test_store.h"
+
+namespace {
+
+using testing_support::FillCandidateLake;
+using testing_support::Log;
+using testing_support::TestStore;
+using testing_support::version;
+
+TEST(VersionGate, AcceptsMajor215FromMinor1On) {
+  const std::wstring head =
+      L"CQTableManager::ReadTablesFromCandidateLake(): Loading parameter data base failed:\n"
+      L"\tTable version ";
+  const std::wstring low =
+      L" is less than least supported version 215.1\n"
+      L"\tDelete all cache files and try again.\n"
+      L"\tIf the load still fails, please contact Tavrel.\n";
+  const std::wstring high =
+      L" is greater than highest supported major version 215"
+      L"\tPlease contact Tavrel for a software update.\n";
+  struct Case {
+    const char* major;
+    const char* minor;
+    std::wstring refusal;
+  };
+  const Case cases[] = {
+      {"215", "1", L""},
+      {"215", "7", L""},
+      {" 215 and more", "+1x", L""},
+      {"215", "2147483648", L""},  // the nearest bound
+      {"214", "9", head + L"214.9" + low},
+      {"214", "3", head + L"214.3" + low},
+      {"215", "0", head + L"215.0" + low},
+      {"215", "-1", head + L"215.-1" + low},
+      {"-215", "1", head + L"-215.1" + low},
+      {"x215", "1", head + L"0.1" + low},
+      {"\"215\"", "1", head + L"0.1" + low},
+      {"216", "0", head + L"216.0" + high},
+      {"216", "1", head + L"216.1" + high},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.major) + "." + c.minor);
+    TestStore data("<TMode>: {\n1 old\n}\n");
+    data.log.lines.clear();
+    const bool loaded =
+        data.LoadText(std::string("<DbDesign.CacheVersion>: ") + c.major +
+                      "\n<DbDesign.CacheMinorVersion>: " + c.minor + "\n<TMode>: {\n1 new\n}\n");
+    EXPECT_EQ(loaded, c.refusal.empty());
+    EXPECT_EQ(data.log.Text(), c.refusal);
+    EXPECT_STREQ(data.params.Mode().Name(1), loaded ? L"new" : L"old");
+    for (const auto& line : data.log.lines) EXPECT_EQ(line.category * 10 + line.style, 84);
+  }
+  TestStore data;
+  EXPECT_FALSE(data.LoadText("a: b\n"));
+  EXPECT_EQ(data.log.Text(), head + L"0.0" + low);
+  data.log.lines.clear();
+  EXPECT_FALSE(data.LoadText(""));
+  EXPECT_TRUE(data.log.lines.empty());
+  EXPECT_TRUE(data.Load(""));
+}
+
+TEST(Documents, NamesAreCutToOneWord) {
+  const std::pair<const char*, const wchar_t*> cases[] = {{"\"two words\" third", L"two words"},
+                                                          {"two words", L"two"},
+                                                          {"\"no end ", L"no end"},
+                                                          {"\"\" x", L""},
+                                                          {"", L""},
+                                                          {"a\"b c", L"a\"b"},
+                                                          {"\tword\t", L"word"}};
+  for (const auto& [value, name] : cases) {
+    TestStore data;
+    ASSERT_TRUE(data.Load("<QType><FBaseName>: " + std::string(value) + "\n"));
+    EXPECT_EQ(data.params.BaseType(), name) << value;
+  }
+  TestStore data(
+      "<QLearn><FLearnArcName>: l\n<QCalib><FCalibFileName>: c\n"
+      "<QType><FBaseName>: b\n<QType><FAliasName>: a\n");
+  EXPECT_EQ(data.params.LearnFileName() + data.params.CalibFileName() + data.params.BaseType() +
+                data.params.AliasType(),
+            L"lcba");
+  data.store.Clear();
+  EXPECT_EQ(data.params.BaseType(), L"b");
+  data.params.PurgeTables();
+  EXPECT_EQ(data.params.LearnFileName() + data.params.CalibFileName() + data.params.BaseType() +
+                data.params.AliasType(),
+            L"");
+  // A value that was not trimmed by reading it keeps the blanks in front of its word.
+  FillCandidateLake(version);
+  CParameterLake::Lake()[L"<QType><FBaseName>"] = L" \tword more";
+  EXPECT_TRUE(data.params.ReadTablesFromCandidateLake());
+  EXPECT_EQ(data.params.BaseType(), L" \tword");
+  CParameterLake::Lake()[L"<QType><FBaseName>"] = L" \t ";
+  EXPECT_TRUE(data.params.ReadTablesFromCandidateLake());
+  EXPECT_EQ(data.params.BaseType(), L" \t ");
+  CParameterLake::Lake().clear();
+}
+
+// The one server of the process, from its first use through all of its states.
+TEST(Server, LivesThroughItsStates) {
+  CResourceSea application;
+  {
+    CResourceList list(&application, L"<TAutoModeParam>");
+    list.AddLineTail()->SetSeaLine(L"2 100 10 25 1 0 5");
+  }
+  CSeaBase::SetApplicationSea(&application);
+  CParameterLake::Lake().clear();
+  CQtParamInstance params;
+  CQtParamInstance other(nullptr);
+  const auto auto_modes = [&] { return params.AutoModeParams().size(); };
+  const auto derived_triggers = [&] { return params.TriggerId(5); };
+  const char* const text =
+      "<QType><FBaseName>: base\n<TMode>: {\n1 one\n}\n<TInstrumentParam>: {\n5 1 p\n}\n"
+      "<TIpCalcParameter>: {\n5 1 77\n}\n<TAppSignalProperty>: {\n3 1\n4 4\n6 4\n}\n";
+
+  // Empty.
+  EXPECT_FALSE(params.Initialized());
+  EXPECT_EQ(CQtParamInstance::TimeSignalId(), -1);
+  EXPECT_EQ(derived_triggers(), -1);
+  EXPECT_FALSE(params.ReadTablesFromCandidateLake());
+  EXPECT_FALSE(params.Initialized());
+
+  // Loaded; seen through every handle, the lake unchanged, the missing section read from the sea.
+  FillCandidateLake(version + std::string(text));
+  EXPECT_TRUE(params.ReadTablesFromCandidateLake());
+  CQtParamServer::Object().Create();
+  EXPECT_TRUE(other.Initialized());
+  EXPECT_STREQ(other.Mode().Name(1), L"one");
+  EXPECT_EQ(auto_modes(), 1U);
+  EXPECT_EQ(derived_triggers(), 77);
+  EXPECT_EQ(CQtParamInstance::TimeSignalId(), 4);
+  EXPECT_EQ(CParameterLake::Lake()[L"<TMode>"]->unnamed_size(), 1U);
+
+  // What was changed in the table goes back to the sea, and from there into the next load.
+  params.AutoModeParams().Assign(9, QVAutoModeParams());
+  params.WriteTablesToLocalSeas();
+  EXPECT_TRUE(params.ReadTablesFromCandidateLake());
+  EXPECT_EQ(auto_modes(), 2U);
+
+  // Purged: rows and document names gone, everything else as before.
+  params.PurgeTables();
+  EXPECT_TRUE(params.Initialized());
+  EXPECT_TRUE(params.Mode().empty());
+  EXPECT_EQ(params.ModeId(L"one"), -1);
+  EXPECT_EQ(params.BaseType(), L"");
+  EXPECT_EQ(derived_triggers(), 77);
+  EXPECT_EQ(CQtParamInstance::TimeSignalId(), 4);
+  EXPECT_TRUE(params.ReadTablesFromCandidateLake());
+  EXPECT_EQ(auto_modes(), 2U);
+
+  // A second data base without a purge: the index of a name table keeps what it had.
+  FillCandidateLake(std::string(version) + "<TMode>: {\n2 two\n}\n");
+  EXPECT_TRUE(params.ReadTablesFromCandidateLake());
+  EXPECT_EQ(params.ModeId(L"one"), 1);
+  EXPECT_FALSE(params.IsValidMode(1));
+  EXPECT_EQ(derived_triggers(), -1);
+  EXPECT_EQ(CQtParamInstance::TimeSignalId(), -1);
+  FillCandidateLake(version + std::string(text));
+  params.PurgeTables();
+  EXPECT_TRUE(params.ReadTablesFromCandidateLake());
+
+  // Cleared: the index of names and the documents stay, the sea is forgotten.
+  CQtParamServer::Object().Clear();
+  EXPECT_FALSE(params.Initialized());
+  EXPECT_TRUE(params.Mode().empty());
+  EXPECT_EQ(params.ModeId(L"one"), 1);
+  EXPECT_EQ(params.BaseType(), L"base");
+  EXPECT_EQ(derived_triggers(), 77);
+  EXPECT_TRUE(params.ReadTablesFromCandidateLake());
+  EXPECT_TRUE(params.Initialized());
+  EXPECT_EQ(auto_modes(), 0U);
+  params.AutoModeParams().Assign(1, QVAutoModeParams());
+  params.WriteTablesToLocalSeas();
+  {
+    CResourceList list(&application, L"<TAutoModeParam>");
+    int lines = 0;
+    for (list.GotoHead(); list.IsValid(); list.GotoNext()) ++lines;
+    EXPECT_EQ(lines, 2);
+  }
+  CParameterLake::Lake().clear();
+  CSeaBase::SetApplicationSea(nullptr);
+}
+
+TEST(Load, ResamplingIsExpandedOverTheModesOfItsPhysicalMode) {
+  const std::string sections =
+      "<TModeProperty>: {\n10 1\n11 1\n12 3\n}\n"
+      "<TResampling>: {\n7 1 1 2 3\n5 1 4\n6 2\n}\n";
+  TestStore data;
+  for (int load = 0; load < 2; ++load) {  // a second load expands anew
+    ASSERT_TRUE(data.Load(sections));
+    std::string keys;
+    for (const auto& row : data.params.ResamplingParams()) {
+      keys += std::to_string(row.first[0]) + "," + std::to_string(row.first[1]) + " ";
+    }
+    EXPECT_EQ(keys, "5,10 5,11 7,10 7,11 ");
+    const auto& row = data.params.ResamplingParams().find({7, 11})->second;
+    EXPECT_EQ(row.second, 2);
+    EXPECT_EQ(row.eighth, 50.0F);
+  }
+  ASSERT_TRUE(data.Load(sections + "<TResamplingM>: {\n1 2\n}\n"));
+  EXPECT_EQ(data.params.ResamplingParams().size(), 1U);
+}
+
+TEST(Load, RelativeLimitsGetTheInstrumentOfTheirParameter) {
+  const std::string parameters = "<TInstrumentParam>: {\n5 50 five\n6 60 six\n}\n";
+  TestStore data;
+  ASSERT_TRUE(data.Load(parameters + "<TGrex15>: {\n1 9 1 1 5 1\n2 9 1 1 6 1\n}\n"));
+  EXPECT_EQ(data.params.RelativeLimit()[0].first, QClavis(1, 50, 1, 1, 5, 1));
+  EXPECT_EQ(data.params.RelativeLimit()[1].first, QClavis(2, 60, 1, 1, 6, 1));
+
+  TestStore unknown;
+  EXPECT_FALSE(
+      unknown.Load(parameters + "<TGrex15>: {\n1 9 1 1 5 1\n2 9 1 1 7 1\n3 9 1 1 6 1\n}\n"));
+  EXPECT_FALSE(unknown.params.Initialized());
+  EXPECT_TRUE(unknown.log.lines.empty());
+  EXPECT_EQ(unknown.params.RelativeLimit().size(), 3U);
+  EXPECT_EQ(unknown.params.RelativeLimit()[0].first[1], 50);
+  EXPECT_EQ(unknown.params.RelativeLimit()[2].first[1], 9);
+}
+
+TEST(Load, DataSourcesShowOneNumberOfTheCalculationParameters) {
+  TestStore data(
+      "<TInstrumentParam>: {\n5 50 a\n6 60 b\n8 50 c\n}\n"
+      "<TIpCalcParameter>: {\n5 1 77\n5 3 H1\n6 1 x\n7 1 9\n8 1 12y\n8 4 1\n}\n");
+  DataSource::CCandidateSeaDataSource<int> numbers(data.store, 1);
+  int value = 3;
+  EXPECT_FALSE(numbers.Read(value, 5));  // the load meets parameter 7, which nobody knows
+  EXPECT_EQ(value, 3);
+  EXPECT_TRUE(numbers.Read(value, 5));
+  EXPECT_EQ(value, 77);
+  EXPECT_TRUE(numbers.Read(value, 6));
+  EXPECT_EQ(value, 0);
+  EXPECT_FALSE(numbers.Read(value, 7));
+  EXPECT_FALSE(numbers.Read(value));
+  DataSource::CCandidateSeaDataSource<const wchar_t*> texts(data.store, 1, 50);
+  std::string found;
+  for (auto entry = texts.begin(); entry != texts.end(); ++entry) {
+    found += std::to_string(entry->first) + "=" + Text::ToUtf8(entry->second) + " ";
+  }
+  EXPECT_EQ(found, "5=77 8=12y ");
+  EXPECT_EQ(data.params.TriggerId(5), 77);
+  EXPECT_EQ(data.params.TriggerId(9), -1);
+}
+
+TEST(Load, TheSampleFillsEveryTable) {
+  TestStore data;
+  ASSERT_TRUE(data.LoadSample());
+  EXPECT_EQ(data.log.Text(), L"");
+  for (const auto& table : TableCatalogue::Tables()) {
+    EXPECT_GT(table.row_count(data.store), 0U) << Text::ToUtf8(table.section);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,175 @@
+// Lines of text to fields and back: what a bench engineer writes must be what the tables hold.
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+
+#include "tables/RowText.h"
+#include "test_store.h"
+
+namespace {
+
+using TableType::FieldKind;
+using TableType::FieldRef;
+
+// One field of each kind, with a value that tells whether it was touched.
+struct Fields {
+  int integer = 77;
+  unsigned unsigned_int = 77;
+  TableType::Long long_int = 77;
+  long long long_long = 77;
+  float real = 77;
+  wchar_t text[TableType::text_width] = L"before";
+  QClavis key{7, 7, 7, 7, 7, 7};
+
+  FieldRef Ref(FieldKind kind) {
+    switch (kind) {
+      case FieldKind::integer:
+        return {kind, &integer};
+      case FieldKind::unsigned_int:
+        return {kind, &unsigned_int};
+      case FieldKind::long_int:
+        return {kind, &long_int};
+      case FieldKind::long_long:
+        return {kind, &long_long};
+      case FieldKind::real:
+        return {kind, &real};
+      case FieldKind::text:
+        return {kind, text};
+      case FieldKind::key:
+        return {kind, &key};
+    }
+    return {};
+  }
+
+  std::wstring Text(FieldKind kind) {
+    std::wstring written;
+    const TableType::FieldView view{kind, Ref(kind).place};
+    RowText::Append(written, {&view, 1});
+    return written;
+  }
+};
+
+constexpr auto I = FieldKind::integer;
+constexpr auto U = FieldKind::unsigned_int;
+constexpr auto L = FieldKind::long_int;
+constexpr auto LL = FieldKind::long_long;
+constexpr auto F = FieldKind::real;
+constexpr auto T = FieldKind::text;
+constexpr auto K = FieldKind::key;
+
+TEST(RowText, FieldsTakeWhatIsTheirsAndLeaveTheRest) {
+  struct Case {
+    FieldKind kind;
+    const wchar_t* line;
+    const wchar_t* value;  // as it is written
+    const wchar_t* rest;   // what is left of the line
+    const char* failure = nullptr;
+  };
+  const Case cases[] = {
+      {I, L" \t12abc", L"12", L"abc"},
+      {I, L"+12 3", L"12", L" 3"},
+      {I, L"2147483647", L"2147483647", L""},
+      {I, L"-2147483648x", L"-2147483648", L"x"},
+      {I, L"2147483648", L"77", L"2147483648", "stoi argument out of range"},
+      {I, L"-2147483649", L"77", L"-2147483649", "stoi argument out of range"},
+      {I, L"x1", L"77", L"x1", "invalid stoi argument"},
+      {I, L"- 1", L"77", L"- 1", "invalid stoi argument"},
+      {I, L"  ", L"77", L"  ", "invalid stoi argument"},
+      {I, L"0x10", L"0", L"x10"},
+      {I, L"1.5", L"1", L".5"},
+      {I, L"", L"77", L""},
+      {U, L"-1", L"4294967295", L""},
+      {U, L"4294967295", L"4294967295", L""},
+      {U, L"4294967296", L"77", L"4294967296", "stoul argument out of range"},
+      {U, L"u", L"77", L"u", "invalid stoul argument"},
+      {L, L"-2147483648", L"-2147483648", L""},
+      {L, L"2147483648", L"77", L"2147483648", "stol argument out of range"},
+      {L, L"\"", L"77", L"\"", "invalid stol argument"},
+      {LL, L"9223372036854775807", L"9223372036854775807", L""},
+      {LL, L"9223372036854775808", L"77", L"9223372036854775808", "stoll argument out of range"},
+      {LL, L".", L"77", L".", "invalid stoll argument"},
+      {F, L"1.5e3", L"1500", L""},
+      {F, L"1,5", L"1", L",5"},
+      {F, L"1e", L"1", L"e"},
+      {F, L"1e39", L"inf", L""},  // the range is that of a double
+      {F, L"1e400", L"77", L"1e400", "stof argument out of range"},
+      {F, L"1e-400", L"77", L"1e-400", "stof argument out of range"},
+      {F, L"e5", L"77", L"e5", "invalid stof argument"},
+      {F, L"1234567 8", L"1.23457e+06", L" 8"},
+      {F, L"0x1p4;", L"16", L";"},
+      {T, L"  word next", L"word", L" next"},
+      {T, L"\"a b\"5", L"a b", L"5"},
+      {T, L"\"no end", L"no end", L""},
+      {T, L"in\"word x", L"in\"word", L" x"},
+      {T, L"\"\" 1", L"", L" 1"},
+      {T, L"", L"", L""},
+      {T, L"   ", L"", L""},
+      {K, L"1 2 3", L"1 2 3 7 7 7", L""},
+      {K, L"1 2 x", L"1 2 7 7 7 7", L" x", "invalid stoi argument"},
+      {K, L"-1 2 3 4 5 6 9", L"-1 2 3 4 5 6", L" 9"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(Text::ToUtf8(c.line));
+    Fields fields;
+    const FieldRef ref = fields.Ref(c.kind);
+    std::wstring_view rest = c.line;
+    const RowText::Result result = RowText::ReadFields({&ref, 1}, rest);
+    EXPECT_EQ(result.ok, c.failure == nullptr);
+    EXPECT_STREQ(result.reason, c.failure);
+    EXPECT_EQ(fields.Text(c.kind), c.value);
+    EXPECT_EQ(rest, c.rest);
+  }
+}
+
+TEST(RowText, ATextFieldIsLimitedByTheRestOfItsLine) {
+  for (const std::size_t length : {198U, 199U, 200U, 5000U}) {
+    const bool fits = length == 198;
+    for (const std::wstring& line :
+         {std::wstring(length, L'x'), L"a" + std::wstring(length - 1, L' ')}) {
+      Fields fields;
+      const FieldRef ref = fields.Ref(T);
+      std::wstring_view rest = line;
+      const RowText::Result result = RowText::ReadFields({&ref, 1}, rest);
+      EXPECT_EQ(result.ok, fits) << length;
+      EXPECT_EQ(result.reason, nullptr);
+      EXPECT_EQ(std::wcslen(fields.text) == std::wcslen(L"before"), !fits);
+    }
+  }
+}
+
+TEST(RowText, ANumberThatFailsIsLoggedWithWhatWasLeft) {
+  testing_support::Log log;
+  Fields fields;
+  const FieldRef refs[] = {fields.Ref(I), fields.Ref(I), fields.Ref(F)};
+  std::wstring_view rest = L"5 x 7";
+  EXPECT_FALSE(RowText::Read(refs, rest));
+  EXPECT_EQ(rest, L" x 7");
+  EXPECT_EQ(fields.real, 77);
+  ASSERT_EQ(log.lines.size(), 1U);
+  EXPECT_EQ(log.lines[0],
+            (testing_support::Log::Line{L"Error converting parameter sea to parameter tables: "
+                                        L"'invalid stoi argument' for substring ' x 7'\n",
+                                        8, 0}));
+}
+
+TEST(RowText, CopiesAreCutAtTheBufferAndTheCutIsLogged) {
+  testing_support::Log log;
+  wchar_t buffer[5] = L"----";
+  EXPECT_TRUE(TableType::strcopy(buffer, L"abcd", 5));
+  EXPECT_STREQ(buffer, L"abcd");
+  EXPECT_TRUE(log.lines.empty());
+  EXPECT_FALSE(TableType::strcopy(buffer, L"vwxyz", 5));
+  EXPECT_STREQ(buffer, L"vwxy");
+  ASSERT_EQ(log.lines.size(), 1U);
+  EXPECT_EQ(log.lines[0],
+            (testing_support::Log::Line{L"TableType::strcopy(): copy truncated because destination "
+                                        L"string with length 5 can't take 'vwxyz'\n",
+                                        1, 1}));
+  EXPECT_TRUE(TableType::strcopy(buffer, nullptr, 5));
+  EXPECT_STREQ(buffer, L"");
+  EXPECT_FALSE(TableType::strcopy(buffer, L"x", 0));
+}
+
+}  // namespace

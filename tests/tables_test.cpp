@@ -1,0 +1,320 @@
+// Tables read from lakes and seas, written to seas, dumped and emptied: what a file's author may
+// rely on, and what is said when a line is bad.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "interfaces/ResourceSea.h"
+#include "tables/QParamBaseTableImpl.h"
+#include "test_store.h"
+
+namespace {
+
+using testing_support::Log;
+
+// id | text number
+struct Row : QValueBase, TableType::Fields<Row> {
+  wchar_t text[TableType::text_width] = {};
+  int number = 5;
+  static constexpr auto fields() {
+    return TableType::List(TableType::Field("text", &Row::text),
+                           TableType::Field("number", &Row::number));
+  }
+};
+
+using Sorted = CQParamSeaTypedTable<CDbUniqueMap<QIdx1, Row>>;
+using Tree = CQParamSeaTypedTable<CUniqueTreeMap<QIdx1, Row>>;
+using Multi = CQParamSeaTypedTable<CDbMultiMap<QIdx1, Row>>;
+
+constexpr const wchar_t* section = L"<TTest>";
+
+// A lake with one section of these lines.
+CLake Section(const std::vector<std::string>& lines) {
+  std::string text = "<TTest>: {\n";
+  for (const std::string& line : lines) text += line + "\n";
+  return FromBytes("\xEF\xBB\xBF" + text + "}\n");
+}
+
+template <class Table>
+std::string Rows(const Table& table) {
+  std::wstring text;
+  for (const auto& row : table) {
+    RowText::AppendRecord(text, row.first);
+    text += L' ';
+    RowText::AppendRecord(text, row.second);
+    text += L'\n';
+  }
+  return Text::ToUtf8(text);
+}
+
+TEST(Tables, LinesBecomeRows) {
+  struct Case {
+    std::vector<std::string> lines;
+    bool well;
+    std::string unique;
+    std::string multi;
+  };
+  const Case cases[] = {
+      {{}, true, "", ""},
+      {{"1 foo 7"}, true, "1 foo 7\n", "1 foo 7\n"},
+      {{"1 foo"}, true, "1 foo 5\n", "1 foo 5\n"},
+      // Numbers that a short line doesn't reach are those of the line before, texts are empty.
+      {{"1 foo 7", "2 bar", "3"}, true, "1 foo 7\n2 bar 7\n3  7\n", "1 foo 7\n2 bar 7\n3  7\n"},
+      // Of two rows with a key the first stays; rows are in the order of keys.
+      {{"2 a 1", "1 b 2", "2 c 3"}, true, "1 b 2\n2 a 1\n", "1 b 2\n2 a 1\n2 c 3\n"},
+      // A blank or comment line is a row with the key of the line before.
+      {{"4 a 1", "", "; note", "5 b 2"}, true, "4 a 1\n5 b 2\n", "4 a 1\n4  1\n4  1\n5 b 2\n"},
+      {{"; note", "1 a 2"}, true, "-1  5\n1 a 2\n", "-1  5\n1 a 2\n"},
+      // A bad line is stored as far as it was read, and takes over what it didn't reach.
+      {{"1 a 2", "3 b x", "x c 4", "2 d 6"},
+       false,
+       "1 a 2\n2 d 6\n3 b 2\n",
+       "1 a 2\n2 d 6\n3 b 2\n3 b 2\n"},
+      {{"1 \"a b\" 2 and more", "2 c 3 ; no comment"},
+       true,
+       "1 a b 2\n2 c 3\n",
+       "1 a b 2\n2 c 3\n"},
+      {{"1 a 99999999999", "2 b"}, false, "1 a 5\n2 b 5\n", "1 a 5\n2 b 5\n"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::PrintToString(c.lines));
+    const Log log;
+    CLake lake = Section(c.lines);
+    Sorted sorted(section);
+    Tree tree(section);
+    Multi multi(section);
+    EXPECT_EQ(sorted.ReadTable(lake), c.well);
+    EXPECT_EQ(tree.ReadTable(lake), c.well);
+    EXPECT_EQ(multi.ReadTable(lake), c.well);
+    EXPECT_EQ(Rows(sorted), c.unique);
+    EXPECT_EQ(Rows(tree), c.unique);
+    EXPECT_EQ(Rows(multi), c.multi);
+    EXPECT_EQ(log.lines.empty(), c.well);
+  }
+}
+
+TEST(Tables, BadLinesAreLoggedWordForWord) {
+  const Log log;
+  const std::string tail(210, 'x');
+  CLake lake = Section({"1 a x y", "z", "2 " + tail});
+  Sorted table(section);
+  EXPECT_FALSE(table.ReadTable(lake));
+  const std::vector<Log::Line> expected = {
+      {L"Error converting parameter sea to parameter tables: 'invalid stoi argument' for substring "
+       L"' x y'\n",
+       8, 0},
+      {L"CQParamSeaTypedTable< T >::ReadTable(): Error reading line '1 a x y' of table "
+       L"'<TTest>'\n",
+       8, 3},
+      {L"Error converting parameter sea to parameter tables: 'invalid stoi argument' for substring "
+       L"'z'\n",
+       8, 0},
+      {L"CQParamSeaTypedTable< T >::ReadTable(): Error reading line 'z' of table '<TTest>'\n", 8,
+       3},
+      // A text that is too long has no line of its own.
+      {L"CQParamSeaTypedTable< T >::ReadTable(): Error reading line '2 " + Text::FromUtf8(tail) +
+           L"' of table '<TTest>'\n",
+       8, 3}};
+  EXPECT_EQ(log.lines, expected);
+}
+
+TEST(Tables, WhatIsNoSectionGivesNoRows) {
+  Sorted table(section);
+  CLake good = Section({"1 a 1"});
+  for (const char* text : {"<TOther>: {\n1 a 1\n}\n", "<TTest>: 1 a 1\n"}) {
+    EXPECT_TRUE(table.ReadTable(good));
+    CLake lake = FromBytes(text);
+    EXPECT_FALSE(table.ReadTable(lake)) << text;
+    EXPECT_TRUE(table.empty()) << text;
+  }
+}
+
+TEST(Tables, ALocalSeaStandsInForAMissingSection) {
+  CResourceSea local;
+  CResourceSea other;
+  const auto fill = [](CResourceSea& sea, std::initializer_list<const wchar_t*> lines) {
+    CResourceList list(&sea, section);
+    for (const wchar_t* line : lines) list.AddLineTail()->SetSeaLine(line);
+  };
+  fill(local, {L"3 local 1"});
+  fill(other, {L"4 other 1 "});
+  CLake empty;
+  CLake lake = Section({"1 lake 1"});
+  Sorted table(section, &local);
+
+  EXPECT_TRUE(table.ReadTable(lake));
+  EXPECT_EQ(Rows(table), "1 lake 1\n");
+  EXPECT_TRUE(table.ReadTable(empty));
+  EXPECT_EQ(Rows(table), "3 local 1\n");
+  EXPECT_TRUE(table.ReadTable(&other));
+  EXPECT_EQ(Rows(table), "4 other 1\n");
+  CResourceSea without;
+  EXPECT_TRUE(table.ReadTable(&without));
+  EXPECT_EQ(Rows(table), "3 local 1\n");
+
+  table.Purge();
+  EXPECT_TRUE(table.empty());
+  EXPECT_TRUE(table.ReadTable(empty));
+  table.Clear();  // the binding goes for good
+  EXPECT_FALSE(table.ReadTable(empty));
+  EXPECT_FALSE(table.WriteTable(nullptr));
+  EXPECT_TRUE(table.empty());
+
+  // An empty list is a list; a bad line of a sea is logged as what was left of it.
+  CResourceSea bad;
+  fill(bad, {});
+  EXPECT_TRUE(table.ReadTable(&bad));
+  fill(bad, {L"1 a x", L"", L"2 b 7"});
+  const Log log;
+  EXPECT_FALSE(table.ReadTable(&bad));
+  EXPECT_EQ(Rows(table), "1 a 5\n2 b 7\n");
+  EXPECT_EQ(log.lines.back().text,
+            L"CQParamSeaTypedTable< T >::ReadTable(): Error reading line ' x' of table "
+            L"'<TTest>'\n");
+}
+
+TEST(Tables, ATableIsWrittenOverItsListInTheSea) {
+  CResourceSea sea;
+  CLake lake = Section({"2 \"two words\" 1", "1 \"\" 7"});
+  Sorted table(section);
+  table.ReadTable(lake);
+  for (int i = 0; i < 2; ++i) EXPECT_TRUE(table.WriteTable(&sea));
+  CResourceList list(&sea, section);
+  std::wstring text;
+  CString line;
+  for (list.GotoHead(); list.IsValid(); list.GotoNext()) {
+    list.GetCurrentLine()->GetLine(line);
+    text += line + L"\n";
+  }
+  EXPECT_EQ(text, L"1  7\n2 two words 1\n");
+}
+
+TEST(Tables, DumpsShowOneRowMoreThanTheirLimit) {
+  CLake lake = Section({"10 \"a b\" 1", "2 c 2", "3 d 3"});
+  Sorted table(section);
+  table.ReadTable(lake);
+  const std::wstring rows[] = {L"   1:\t2 | c 2\n", L"   2:\t3 | d 3\n", L"   3:\t10 | a b 1\n"};
+  const std::wstring head = L"<-\t<TTest>\n";
+  const std::wstring foot = L"->\t<TTest>\n";
+  const std::wstring all = head + rows[0] + rows[1] + rows[2] + foot;
+  const std::pair<int, std::wstring> cases[] = {
+      {0, all},
+      {1, head + rows[0] + rows[1] + L"... more ...\n" + foot},
+      {2, head + rows[0] + rows[1] + rows[2] + L"... more ...\n" + foot},
+      {3, all}};
+  for (const auto& [limit, text] : cases) {
+    const Log log;
+    table.Dump(limit);
+    EXPECT_EQ(log.Text(), text) << limit;
+    for (const auto& line : log.lines) EXPECT_EQ(line.category * 10 + line.style, 81);
+  }
+  table.Purge();
+  const Log log;
+  table.Dump(0);
+  EXPECT_EQ(log.Text(), head + foot);
+}
+
+TEST(NameTables, NamesLeadToIdsAndBack) {
+  const Log log;
+  CDynNameIdTable names(section);
+  CLake lake = Section({"7 \"Run up\"", "3 \"Run up\"", "4 down", "5 \"\"", "-2 below"});
+  EXPECT_TRUE(names.ReadTable(lake));
+  EXPECT_STREQ(names.Name(7), L"Run up");
+  EXPECT_STREQ(names.Name(5), L"");
+  EXPECT_TRUE(names.IsValidId(5));
+  for (const int unknown : {6, -1, 2147483647, -2147483647 - 1}) {
+    EXPECT_STREQ(names.Name(unknown), L"");
+    EXPECT_FALSE(names.IsValidId(unknown));
+  }
+  EXPECT_EQ(names.Idx(L"Run up"), 3);  // the lowest id of a name answers
+  EXPECT_EQ(names.Idx(L"run up"), -1);
+  EXPECT_EQ(names.Idx(L""), 5);
+  EXPECT_EQ(names.Idx(nullptr), 5);
+  EXPECT_EQ(names.Idx(L"below"), -2);
+
+  const QIdxName made(std::wstring(199, L'm'));
+  EXPECT_TRUE(names.Insert(9, made).second);
+  EXPECT_FALSE(names.Insert(9, QIdxName(L"again")).second);
+  EXPECT_EQ(names.Idx(L"again"), -1);
+  EXPECT_EQ(names.Idx(made.text), 9);
+  EXPECT_TRUE(log.lines.empty());
+  EXPECT_EQ(names.Idx((std::wstring(made.text) + L"cut").c_str()), 9);
+  EXPECT_EQ(log.lines.size(), 1U);
+}
+
+// The index only grows until it is purged, and a read with a bad line doesn't reach it.
+TEST(NameTables, OnlyAPurgeEmptiesTheIndex) {
+  const Log log;
+  CDynNameIdTable names(section);
+  CLake first = Section({"1 one", "2 two"});
+  CLake second = Section({"5 one", "3 three"});
+  CLake bad = Section({"8 eight", "x"});
+  names.ReadTable(first);
+  names.ReadTable(second);
+  EXPECT_EQ(names.Idx(L"one"), 1);
+  EXPECT_EQ(names.Idx(L"two"), 2);
+  EXPECT_EQ(names.Idx(L"three"), 3);
+  EXPECT_FALSE(names.IsValidId(2));
+  EXPECT_FALSE(names.ReadTable(bad));
+  EXPECT_STREQ(names.Name(8), L"eight");
+  EXPECT_EQ(names.Idx(L"eight"), -1);
+  names.Clear();
+  EXPECT_EQ(names.Idx(L"one"), 1);
+  EXPECT_FALSE(names.IsValidId(8));
+  names.Purge();
+  EXPECT_EQ(names.Idx(L"one"), -1);
+  names.ReadTable(second);
+  EXPECT_EQ(names.Idx(L"one"), 5);
+}
+
+// Lines in any order give what inserting them one by one gives, short and bad lines included, and
+// cost about as much as the same lines in order.
+TEST(Tables, TheOrderOfLinesCostsNoMoves) {
+  std::mt19937 random(7);
+  std::vector<std::string> lines;
+  for (int i = 0; i < 400; ++i) {
+    const std::string id = std::to_string(static_cast<int>(random() % 100) - 50);
+    const std::string forms[] = {id + " t" + std::to_string(i) + " " + std::to_string(i), id + " t",
+                                 id, "x", ""};
+    lines.push_back(forms[std::min(random() % 12, 4UL)]);
+  }
+  const Log log;
+  CLake lake = Section(lines);
+  Sorted sorted(section);
+  Tree one_by_one(section);
+  EXPECT_EQ(sorted.ReadTable(lake), one_by_one.ReadTable(lake));
+  EXPECT_EQ(Rows(sorted), Rows(one_by_one));
+
+  constexpr int count = 20000;
+  std::vector<std::string> ordered;
+  for (int i = 0; i < count; ++i) ordered.push_back(std::to_string(i) + " name 1");
+  const auto seconds = [](CLake& timed) {
+    Sorted table(section);
+    double best = 1e9;
+    for (int i = 0; i < 3; ++i) {
+      const auto start = std::chrono::steady_clock::now();
+      EXPECT_TRUE(table.ReadTable(timed));
+      best = std::min(
+          best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+    }
+    EXPECT_EQ(table.size(), static_cast<std::size_t>(count));
+    EXPECT_TRUE(std::is_sorted(table.begin(), table.end(),
+                               [](const auto& a, const auto& b) { return a.first < b.first; }));
+    return best;
+  };
+  CLake in_order = Section(ordered);
+  const double limit = 6 * seconds(in_order);  // a row move per line would cost a hundred times
+  std::reverse(ordered.begin(), ordered.end());
+  CLake reversed = Section(ordered);
+  std::shuffle(ordered.begin(), ordered.end(), random);
+  CLake shuffled = Section(ordered);
+  EXPECT_LT(seconds(reversed), limit);
+  EXPECT_LT(seconds(shuffled), limit);
+}
+
+}  // namespace
