@@ -98,9 +98,11 @@ std::wstring Format(const wchar_t* format, std::va_list arguments) {
       case L'd':
         Number::Append(out, static_cast<long long>(va_arg(arguments, int)));
         break;
-      case L'u':
-        Number::Append(out, static_cast<long long>(va_arg(arguments, unsigned)));
+      case L'u': {
+        const unsigned number = va_arg(arguments, unsigned);
+        Number::Append(out, static_cast<long long>(number));
         break;
+      }
       case L'%':
         out += L'%';
         break;

@@ -247,7 +247,7 @@ namespace fs = std::filesystem;
 
 fs::path PathOf(const std::wstring& file_name) {
   const std::string utf8 = Text::ToUtf8(file_name);
-  return fs::path(std::u8string(utf8.begin(), utf8.end()));
+  return std::u8string(utf8.begin(), utf8.end());
 }
 
 struct CloseFile {

@@ -1,0 +1,93 @@
+// A host with a German locale: nothing that is read, written or logged may change with it.
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <locale>
+#include <sstream>
+
+#include "interfaces/Number.h"
+#include "interfaces/PrWin.h"
+#include "interfaces/ResourceSea.h"
+
+namespace {
+
+// What a German locale does to numbers, also where none is installed.
+template <class Char>
+class GermanNumbers : public std::numpunct<Char> {
+  Char do_decimal_point() const override { return ','; }
+  Char do_thousands_sep() const override { return '.'; }
+  std::string do_grouping() const override { return "\3"; }
+};
+
+class GermanHost : public testing::Test {
+ protected:
+  void SetUp() override {
+    const std::locale narrow(std::locale::classic(), new GermanNumbers<char>);
+    before_ = std::locale::global(std::locale(narrow, new GermanNumbers<wchar_t>));
+    std::wostringstream proof;
+    proof << 1234.5;
+    ASSERT_EQ(proof.str(), L"1.234,5") << "the locale is not in force";
+    for (const char* const name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "fr_FR.UTF-8"}) {
+      if (std::setlocale(LC_ALL, name)) break;
+    }
+  }
+  void TearDown() override {
+    std::locale::global(before_);
+    std::setlocale(LC_ALL, "C");
+  }
+
+  std::locale before_;
+};
+
+TEST_F(GermanHost, NumbersAreReadAndWrittenAsEver) {
+  const auto read = Number::ScanDouble(L"1.5");
+  EXPECT_EQ(read.value, 1.5);
+  EXPECT_EQ(read.used, 3U);
+  EXPECT_EQ(Number::ScanDouble(L"1,5").used, 1U);
+  EXPECT_EQ(Number::ScanDouble(L"0x1.8p1").value, 3.0);
+  EXPECT_EQ(Number::ScanInt(L"1.234.567").used, 1U);
+  EXPECT_EQ(Number::ScanInt(L"\u00A012").state, Number::State::no_digits);
+  std::wstring text;
+  Number::Append(text, 1234.5F);
+  Number::Append(text, 1234567LL);
+  EXPECT_EQ(text, L"1234.51234567");
+}
+
+TEST_F(GermanHost, TheLogGroupsNoDigitsAndKeepsUmlauts) {
+  std::wstring log;
+  const PrWin::Sink before =
+      PrWin::SetSink([&log](std::wstring_view text, auto...) { log += text; });
+  PrWin::Output(PrWin::category_data_base, L"%s %d %u\n", L"\u00FCber", -1234567, 1234567U);
+  PrWin::SetSink({});
+  testing::internal::CaptureStderr();
+  PrWin::Output(PrWin::category_data_base, L"%s %d\n", L"\u00FCber", 1234567);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "\xC3\xBC"
+            "ber 1234567\n");
+  PrWin::SetSink(before);
+  EXPECT_EQ(log, L"\u00FCber -1234567 1234567\n");
+}
+
+TEST_F(GermanHost, TheSeaFileHasTheSameBytes) {
+  std::string folder = (std::filesystem::temp_directory_path() / "locale-XXXXXX").string();
+  ASSERT_NE(mkdtemp(folder.data()), nullptr);
+  const std::string path = folder + "/\xC3\xBC.sea";
+  CResourceSea sea;
+  CResourceList(&sea, L"<T\u00FC>").AddLineTail()->SetSeaLine(L"1234567 1.5 \u00A0\u00FC");
+  ASSERT_TRUE(sea.Save(Text::FromUtf8(path)));
+  std::ifstream in(path, std::ios::binary);
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}),
+            "sea 1\nlist \"<T\xC3\xBC>\"\n  \"1234567 1.5 \xC2\xA0\xC3\xBC\"\nend\n");
+  EXPECT_TRUE(sea.Load(Text::FromUtf8(path)));
+  CString line;
+  CResourceList(&sea, L"<T\u00FC>").GetCurrentLine()->GetLine(line);
+  EXPECT_EQ(line, L"1234567 1.5 \u00A0\u00FC");
+  std::filesystem::remove_all(folder);
+}
+
+}  // namespace

@@ -1,0 +1,174 @@
+// The log: what reaches a host's sink, in which text, and what a bad sink can't break; and the
+// conversions that bring wide text out and in.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <climits>
+#include <cstdlib>
+#include <stdexcept>
+#include <thread>
+
+#include "interfaces/PrWin.h"
+#include "interfaces/Support.h"
+#include "interfaces/Text.h"
+
+namespace {
+
+struct Line {
+  std::wstring text;
+  int category;
+  int style;
+  bool operator==(const Line&) const = default;
+};
+
+class Log : public testing::Test {
+ protected:
+  void SetUp() override {
+    before_ = PrWin::SetSink([this](std::wstring_view text, PrWin::Category c, PrWin::Style s) {
+      lines_.push_back({std::wstring(text), c, s});
+    });
+  }
+  void TearDown() override { PrWin::SetSink(before_); }
+
+  PrWin::Sink before_;
+  std::vector<Line> lines_;
+};
+
+constexpr auto k8 = PrWin::category_data_base;
+
+TEST_F(Log, FormatsReachTheSinkWithCategoryAndStyle) {
+  const wchar_t* const null = nullptr;
+  PrWin::Output(L"100% as it stands: %s\n", k8, PrWin::style_refusal);
+  PrWin::Output(null, k8, PrWin::style_info);
+  PrWin::Output(k8, L"'%s' of %s, %%%d %d %u\n", L"\u00E4\xD83D\xDE00", null, INT_MIN, 0, UINT_MAX);
+  PrWin::Output(PrWin::category_text_cut, PrWin::style_info, L"%x %5d %s %", L"next");
+  PrWin::Output(k8, null);
+  PrWin::Output(k8, PrWin::style_info, null);
+  EXPECT_EQ(lines_, (std::vector<Line>{
+                        {L"100% as it stands: %s\n", 8, 4},
+                        {L"", 8, 1},
+                        {L"'\u00E4\xD83D\xDE00' of (null), %-2147483648 0 4294967295\n", 8, 0},
+                        {L"%x %5d next %", 1, 1},
+                        {L"", 8, 0},
+                        {L"", 8, 1},
+                    }));
+}
+
+TEST_F(Log, ASinkThatThrowsLosesNoText) {
+  const PrWin::Sink good =
+      PrWin::SetSink([](auto...) { throw std::runtime_error("the window of the log is gone"); });
+  testing::internal::CaptureStderr();
+  EXPECT_NO_THROW(PrWin::Output(L"kept \xD83D\xDE00 \xD800\n", k8, PrWin::style_info));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "kept \xF0\x9F\x98\x80 \xEF\xBF\xBD\n");
+  PrWin::SetSink(good);
+  PrWin::Output(L"next", k8, PrWin::style_info);
+  EXPECT_EQ(lines_, (std::vector<Line>{{L"next", 8, 1}}));
+}
+
+TEST_F(Log, ASinkMayLogAndChangeTheSink) {
+  int calls = 0;
+  const PrWin::Sink good = PrWin::SetSink(nullptr);
+  PrWin::SetSink([&calls, good](auto...) {
+    ++calls;
+    PrWin::Output(L"from inside\n", k8, PrWin::style_info);
+    PrWin::SetSink(good);  // lets go of the function that is running
+    ++calls;
+  });
+  testing::internal::CaptureStderr();
+  PrWin::Output(L"1", k8, PrWin::style_info);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "from inside\n");
+  PrWin::Output(L"2", k8, PrWin::style_info);
+  EXPECT_EQ(calls, 2);
+  EXPECT_EQ(lines_, (std::vector<Line>{{L"2", 8, 1}}));
+}
+
+TEST_F(Log, AnEmptySinkStandsForStandardError) {
+  EXPECT_TRUE(PrWin::SetSink({}));
+  testing::internal::CaptureStderr();
+  PrWin::Output(k8, L"n = %d\n", 1234567);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "n = 1234567\n");
+  EXPECT_FALSE(PrWin::SetSink({}));
+}
+
+TEST_F(Log, OneThreadAtATimeIsInTheSinkAndNoneAfterItsReplacement) {
+  std::atomic<int> inside = 0;
+  std::atomic<int> together = 0;
+  std::atomic<int> calls = 0;
+  PrWin::SetSink([&](auto...) {
+    if (++inside > 1) ++together;
+    std::this_thread::yield();
+    ++calls;
+    --inside;
+  });
+  std::array<std::thread, 4> threads;
+  for (std::thread& thread : threads) {
+    thread = std::thread([] {
+      for (int i = 0; i < 500; ++i) PrWin::Output(k8, L"%d\n", i);
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(together, 0);
+  EXPECT_EQ(calls, 2000);
+
+  std::atomic<bool> entered = false;
+  std::atomic<bool> left = false;
+  PrWin::SetSink([&](auto...) {
+    entered = true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    left = true;
+  });
+  std::thread writer([] { PrWin::Output(L"slow", k8, PrWin::style_info); });
+  while (!entered) std::this_thread::yield();
+  PrWin::SetSink({});
+  EXPECT_TRUE(left);
+  writer.join();
+}
+
+TEST(Trace, IsSilentUnlessAskedFor) {
+  // The environment is asked once in a process, so each case has one of its own.
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  const auto trace = [](const char* wish, bool sink) {
+    setenv("KESTRIN_TRACE", wish, 1);
+    if (sink) PrWin::SetTraceSink([](std::wstring_view) { std::fputs("taken", stderr); });
+    PrWin::Trace(L"step\n");
+    PrWin::Trace(nullptr);
+    std::_Exit(0);
+  };
+  EXPECT_EXIT(trace("1", false), testing::ExitedWithCode(0), "^step\n$");
+  EXPECT_EXIT(trace("", false), testing::ExitedWithCode(0), "^$");
+  EXPECT_EXIT(trace("", true), testing::ExitedWithCode(0), "^takentaken$");
+}
+
+TEST(WideText, Utf8IsReadStrictlyAndDamageCostsNoNeighbour) {
+  const std::vector<std::pair<std::string, std::wstring>> cases = {
+      {"\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80", L"\x7F\x80\x7FF\x800"},
+      {"\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF", L"\xD7FF\xE000\xFFFF"},
+      {"\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", L"\xD800\xDC00\xDBFF\xDFFF"},
+      {std::string("a\0b", 3), std::wstring(L"a\0b", 3)},
+      {"\xC0\xAF.", L"\xFFFD\xFFFD."},                      // overlong
+      {"\xED\xA0\x80.", L"\xFFFD\xFFFD\xFFFD."},            // a surrogate
+      {"\xF4\x90\x80\x80.", L"\xFFFD\xFFFD\xFFFD\xFFFD."},  // beyond U+10FFFF
+      {"\xE2\x82.\xF0\x9F\x98", L"\xFFFD.\xFFFD"},          // cut off
+      {"\xFF\x80z", L"\xFFFD\xFFFDz"}};
+  for (const auto& [bytes, text] : cases) {
+    EXPECT_EQ(Text::FromUtf8(bytes), text);
+    const bool damaged = text.find(L'\xFFFD') != std::wstring::npos;
+    EXPECT_EQ(Text::ToUtf8(text) == bytes, !damaged) << bytes;
+  }
+  EXPECT_EQ(Text::ToUtf8(L"\xDC00\xD800."), "\xEF\xBF\xBD\xEF\xBF\xBD.");
+  EXPECT_EQ(Text::Trim(L" \v\ta b\r\n"), L"a b");
+  EXPECT_EQ(Text::Trim(L" \t "), L"");
+}
+
+TEST(WideText, CodePagesGiveTheirCharacters) {
+  EXPECT_EQ(Formatting::ansi2unicode("\x80\x81\x9F\xA0\xFC", 1252), L"\x20AC\x81\x178\xA0\xFC");
+  EXPECT_EQ(Formatting::ansi2unicode("\x80\xFC", 28591), L"\x80\xFC");
+  EXPECT_EQ(Formatting::ansi2unicode("\x80\xFC", 4711), L"\x80\xFC");
+  EXPECT_EQ(Formatting::ansi2unicode("\xE2\x82\xAC", 65001), L"\x20AC");
+  EXPECT_EQ(Formatting::ansi2unicode(nullptr, 1252), L"");
+}
+
+}  // namespace

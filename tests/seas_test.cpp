@@ -1,0 +1,295 @@
+// The seas: lists and their views, and the file, which must lose nothing: not on the way out and
+// back, not on a full disk, not by a slip of the editor.
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "interfaces/PrWin.h"
+#include "interfaces/ResourceSea.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<std::wstring> LinesOf(const CResourceSea& sea, const wchar_t* name) {
+  std::vector<std::wstring> lines;
+  CResourceList list(&sea, name);
+  for (list.GotoHead(); list.IsValid(); list.GotoNext()) {
+    list.GetCurrentLine()->GetLine(lines.emplace_back());
+  }
+  return lines;
+}
+
+void Fill(CResourceSea& sea, const wchar_t* name, const std::vector<std::wstring>& lines) {
+  CResourceList list(&sea, name);
+  for (const std::wstring& line : lines) list.AddLineTail()->SetSeaLine(line.c_str());
+}
+
+TEST(Sea, ListsGrowUnderTheirViewsAndEntriesStayInPlace) {
+  CResourceSea sea;
+  const CResourceSea* const reader = &sea;
+  EXPECT_FALSE(sea.IsListEntry(L"<T>"));
+  EXPECT_FALSE(CResourceList(reader, L"<T>").IsValid());
+  EXPECT_FALSE(sea.IsListEntry(L"<T>")) << "a look made the list";
+
+  CResourceList list(&sea, L"<T>");
+  EXPECT_TRUE(sea.IsListEntry(L"<T>"));
+  EXPECT_FALSE(list.GotoHead());
+  EXPECT_EQ(list.GetCurrentLine(), nullptr);
+  CResourceEntry* const first = list.AddLineTail();
+  first->SetSeaLine(L"first");
+  for (int i = 0; i < 5000; ++i) list.AddLineTail()->SetSeaLine(nullptr);
+  CString text;
+  first->GetLine(text);
+  EXPECT_EQ(text, L"first");
+
+  CResourceList view(reader, L"<T>");
+  EXPECT_EQ(view.GetCurrentLine(), first);
+  EXPECT_EQ(view.AddLineTail(), nullptr);
+  view.RemoveAll();
+  EXPECT_EQ(LinesOf(sea, L"<T>").size(), 5001U);
+  while (view.GotoNext()) {
+  }
+  EXPECT_FALSE(view.GotoNext());
+  EXPECT_FALSE(view.IsValid());
+  EXPECT_TRUE(view.GotoHead());
+
+  list.RemoveAll();
+  EXPECT_FALSE(view.IsValid());
+  EXPECT_TRUE(sea.IsListEntry(L"<T>"));
+  Fill(sea, nullptr, {L"nameless"});
+  EXPECT_EQ(LinesOf(sea, L""), std::vector<std::wstring>{L"nameless"});
+  CResourceSea* const nowhere = nullptr;
+  EXPECT_NE(CResourceList(nowhere, L"x").AddLineTail(), nullptr);
+}
+
+TEST(Sea, BooleansAreStoredAndReadByAccessCode) {
+  CResourceSea sea;
+  bool value = true;
+  EXPECT_TRUE(sea.LookupGetBool(L"Show", 0, true));
+  EXPECT_EQ(sea.LookupBool(lookup::access_read, L"Show", value, 0), lookup::result::missing);
+  EXPECT_EQ(sea.LookupBool(77, L"Show", value, 0), lookup::result::bad_access);
+  EXPECT_FALSE(sea.LookupGetBool(L"Show", 0, false)) << "stored by a foreign code";
+  EXPECT_EQ(sea.LookupBool(2, L"Show", value, 0), lookup::result::found);
+  value = false;
+  EXPECT_EQ(sea.LookupBool(lookup::access_read, L"Show", value, 0), lookup::result::found);
+  EXPECT_TRUE(value);
+  value = false;
+  sea.LookupBool(2, L"Show", value, 0);
+  EXPECT_FALSE(sea.LookupGetBool(L"Show", 0, true));
+}
+
+TEST(Sea, TheProcessHasBothSeasAndTakesAHostsOwn) {
+  CResourceSea own;
+  CResourceSea* const application = CSeaBase::ApplicationSea();
+  CResourceSea* const messages = CSeaBase::MessagesSea();
+  ASSERT_TRUE(application && messages);
+  EXPECT_NE(application, messages);
+  EXPECT_EQ(CSeaBase::SetApplicationSea(nullptr), application);
+  EXPECT_EQ(CSeaBase::ApplicationSea(), nullptr);
+  CSeaBase::SetApplicationSea(application);
+  EXPECT_EQ(CSeaBase::SetMessagesSea(&own), messages);
+  EXPECT_EQ(CSeaBase::MessagesSea(), &own);
+  EXPECT_EQ(CSeaBase::SetMessagesSea(nullptr), &own);
+  EXPECT_EQ(CSeaBase::MessagesSea(), messages);
+}
+
+class SeaFile : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string name = (fs::temp_directory_path() / "sea-XXXXXX").string();
+    ASSERT_NE(mkdtemp(name.data()), nullptr);
+    folder_ = name;
+    before_ = PrWin::SetSink([this](std::wstring_view text, auto...) { log_ += text; });
+  }
+  void TearDown() override {
+    PrWin::SetSink(before_);
+    fs::remove_all(folder_);
+  }
+
+  std::wstring Name(const std::wstring& name) const {
+    return Text::FromUtf8(folder_.string()) + L"/" + name;
+  }
+  void Put(const std::string& bytes) const {
+    std::ofstream(folder_ / "a.sea", std::ios::binary) << bytes;
+  }
+  std::string Bytes(const std::string& name = "a.sea") const {
+    std::ifstream in(folder_ / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+  std::ptrdiff_t Files() const {
+    return std::distance(fs::directory_iterator(folder_), fs::directory_iterator());
+  }
+
+  fs::path folder_;
+  std::wstring log_;
+  PrWin::Sink before_;
+};
+
+TEST_F(SeaFile, EveryTextComesBack) {
+  std::wstring all;
+  for (wchar_t c = 1; c < 0x300; ++c) all += c;
+  const std::vector<std::wstring> texts = {all,
+                                           L"",
+                                           L"  blanks  ",
+                                           L"\r\n\"\\n\"\\",
+                                           L"; no comment",
+                                           L"end",
+                                           L"\xD83D\xDE00 \xFEFF\xFFFF",
+                                           L"\xD83D",
+                                           L"\xDE00\xD83D",
+                                           L"\xD83D\xD83D\xDE00",
+                                           L"\\u0041",
+                                           std::wstring(100000, L'x')};
+  CResourceSea out;
+  for (const std::wstring& name : texts) Fill(out, name.c_str(), texts);
+  Fill(out, L"empty", {});
+  bool yes = true;
+  out.LookupBool(2, L"list \"\xD800\n", yes, 0);
+  ASSERT_TRUE(out.Save(Name(L"\u00E4\xD83D\xDE00.sea")));
+
+  CResourceSea in;
+  Fill(in, L"old", {L"gone"});
+  CResourceList view(&in, L"old");  // is open over the load and keeps its list
+  ASSERT_TRUE(in.Load(Name(L"\u00E4\xD83D\xDE00.sea"))) << Text::ToUtf8(log_);
+  for (const std::wstring& name : texts) EXPECT_EQ(LinesOf(in, name.c_str()), texts);
+  EXPECT_TRUE(in.IsListEntry(L"empty"));
+  EXPECT_FALSE(in.IsListEntry(L"old"));
+  EXPECT_TRUE(view.IsValid());
+  EXPECT_TRUE(in.LookupGetBool(L"list \"\xD800\n", 0, false));
+  EXPECT_TRUE(fs::exists(folder_ / "\xC3\xA4\xF0\x9F\x98\x80.sea")) << "file names are UTF-8";
+}
+
+TEST_F(SeaFile, IsTheOneThatIsDescribedAndTakesWhatEditorsDo) {
+  CResourceSea sea;
+  bool no = false;
+  sea.LookupBool(2, L"B", no, 0);
+  Fill(sea, L"<T>", {L"1 \"a\"\t\x7F", L"\u00FC\xDC00"});
+  ASSERT_TRUE(sea.Save(Name(L"a.sea")));
+  EXPECT_EQ(Bytes(),
+            "sea 1\nlist \"<T>\"\n  \"1 \\\"a\\\"\\t\\u007f\"\n  \"\xC3\xBC\\udc00\"\n"
+            "bool \"B\" false\nend\n");
+
+  Put("\xEF\xBB\xBF; mended by hand\r\n\r\n sea 1\r\nlist\t\"<T>\" \r\n\"\\u00FC\"\r\n; more\r\n"
+      "\"2\"\r\nbool \"B\"true\r\nend");
+  ASSERT_TRUE(sea.Load(Name(L"a.sea"))) << Text::ToUtf8(log_);
+  EXPECT_EQ(LinesOf(sea, L"<T>"), (std::vector<std::wstring>{L"\u00FC", L"2"}));
+  EXPECT_TRUE(sea.LookupGetBool(L"B", 0, false));
+  EXPECT_EQ(log_, L"");
+}
+
+TEST_F(SeaFile, ABadFileLeavesTheSeaAndNamesTheLine) {
+  const std::string head = "sea 1\nlist \"new\"\n";
+  const std::vector<std::pair<std::string, std::wstring>> cases = {
+      {"", L"line 0: the file has no last line"},
+      {"sea 2\nend\n", L"line 1: the file doesn't start"},
+      {head + "  \"1\"\n", L"line 3: the file has no last line"},
+      {head + "\"1\nend\n", L"line 3: the closing quote"},
+      {head + "\"1\\\nend\n", L"line 3: the closing quote"},
+      {head + "\"1\" 2\nend\n", L"line 3: there is something behind"},
+      {head + "\"\\x41\"\nend\n", L"line 3: there is no such escape"},
+      {head + "\"\\u12\"\nend\n", L"line 3: there is no such escape"},
+      {head + "\"\\u12g4\"\nend\n", L"line 3: there is no such escape"},
+      {head + "\"\\u0000\"\nend\n", L"line 3: a text can't hold a zero"},
+      {head + std::string("\"a\0b\"\nend\n", 10), L"line 3: a text can't hold a zero"},
+      {head + "1 2 3\nend\n", L"line 3: the line is none of"},
+      {head + "list \"new\"\nend\n", L"line 3: there is a list of that name"},
+      {head + "list new\nend\n", L"line 3: a name in quotes is missing"},
+      {head + "bool \"b\" 1\nend\n", L"line 3: a boolean is true or false"},
+      {head + "bool \"b\" true\nbool \"b\" true\nend", L"line 4: there is a boolean"},
+      {head + "bool \"b\" true\n\"1\"\nend\n", L"line 4: the text stands under no list"},
+      {"sea 1\n\"1\"\nend\n", L"line 2: the text stands under no list"},
+      {head + "end\nlist \"late\"\n", L"line 4: there is text behind"},
+      {head + "\"\xFF\"\nend\n", L"line 0: the file is not UTF-8"}};
+  CResourceSea sea;
+  Fill(sea, L"old", {L"kept"});
+  for (const auto& [bytes, why] : cases) {
+    Put(bytes);
+    log_.clear();
+    EXPECT_FALSE(sea.Load(Name(L"a.sea"))) << bytes;
+    EXPECT_NE(log_.find(why), std::wstring::npos) << bytes << Text::ToUtf8(log_);
+  }
+  fs::create_directory(folder_ / "d");
+  mkfifo((folder_ / "pipe").c_str(), 0600);
+  for (const wchar_t* const name : {L"missing", L"d", L"d/x/y", L"pipe"}) {
+    EXPECT_FALSE(sea.Load(Name(name))) << name;
+  }
+  EXPECT_EQ(LinesOf(sea, L"old"), std::vector<std::wstring>{L"kept"});
+  EXPECT_FALSE(sea.IsListEntry(L"new"));
+}
+
+// Lets no file of this process grow beyond some bytes, which is what a full disk does to it.
+class FullDisk {
+ public:
+  explicit FullDisk(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit small = {bytes, before_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+  }
+  ~FullDisk() {
+    setrlimit(RLIMIT_FSIZE, &before_);
+    std::signal(SIGXFSZ, handler_);
+  }
+
+ private:
+  rlimit before_{};
+  void (*handler_)(int);
+};
+
+TEST_F(SeaFile, ASaveThatFailsLeavesTheOldFileAndNothingElse) {
+  CResourceSea sea;
+  Fill(sea, L"<T>", {L"old"});
+  ASSERT_TRUE(sea.Save(Name(L"a.sea")));
+  const std::string old = Bytes();
+  Fill(sea, L"<T>", {std::wstring(100000, L'n')});
+  for (const rlim_t room : {0U, 10U, 5000U}) {
+    bool saved = true;
+    {
+      const FullDisk full(room);
+      saved = sea.Save(Name(L"a.sea"));
+    }
+    EXPECT_FALSE(saved) << room;
+    EXPECT_EQ(Bytes(), old);
+    EXPECT_EQ(Files(), 1);
+  }
+  EXPECT_NE(log_.find(L"the disk is full"), std::wstring::npos);
+
+  fs::create_directory(folder_ / "d");
+  EXPECT_FALSE(sea.Save(Name(L"d")));
+  EXPECT_FALSE(sea.Save(Name(L"missing/a.sea")));
+  EXPECT_FALSE(sea.Save(Name(L"a.sea/b.sea")));
+  EXPECT_FALSE(sea.Save(L""));
+  EXPECT_FALSE(sea.Save(L"/dev/full"));
+  EXPECT_TRUE(fs::is_character_file("/dev/full"));
+  EXPECT_FALSE(sea.Save(L"/proc/a.sea"));
+  if (geteuid() != 0) {  // root may write into every folder
+    fs::permissions(folder_ / "d", fs::perms::owner_read | fs::perms::owner_exec);
+    EXPECT_FALSE(sea.Save(Name(L"d/a.sea")));
+    EXPECT_TRUE(fs::is_empty(folder_ / "d"));
+    fs::permissions(folder_ / "d", fs::perms::owner_all);
+  }
+  EXPECT_EQ(Files(), 2);
+  EXPECT_TRUE(sea.Save(Name(L"a.sea"))) << "there is room again";
+}
+
+TEST_F(SeaFile, ASaveKeepsModeAndLinkOfTheFile) {
+  CResourceSea sea;
+  ASSERT_TRUE(sea.Save(Name(L"a.sea")));
+  fs::permissions(folder_ / "a.sea", fs::perms::owner_read | fs::perms::owner_write);
+  fs::create_symlink("a.sea", folder_ / "link");
+  Fill(sea, L"<T>", {L"new"});
+  ASSERT_TRUE(sea.Save(Name(L"link")));
+  EXPECT_TRUE(fs::is_symlink(folder_ / "link"));
+  EXPECT_NE(Bytes("a.sea").find("new"), std::string::npos);
+  EXPECT_EQ(fs::status(folder_ / "a.sea").permissions(),
+            fs::perms::owner_read | fs::perms::owner_write);
+}
+
+}  // namespace
