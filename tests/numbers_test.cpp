@@ -104,6 +104,7 @@ TEST(Numbers, FloatsFollowTheGrammarAndTellBothEndsOfTheRange) {
            {L"0." + zeros + L"1e401", 1, 407, kOk},
            {L"1" + zeros + L"e-400 ", 1, 406, kOk},
            {L"0x1" + zeros, kInf, 403, kRange},
+           {L"0x1" + zeros + L"p-500", kInf, 408, kRange},
        }) {
     Check(Number::ScanDouble(c.text), c);
   }
