@@ -1,5 +1,5 @@
-// The one export macro. The library is built with hidden visibility: what carries KESTRIN_API is its
-// interface for hosts, everything else stays inside.
+// The one export macro. The library is built with hidden visibility: what carries KESTRIN_API is
+// its interface for hosts, everything else stays inside.
 #pragma once
 
 #if defined(_WIN32)

@@ -3,7 +3,10 @@
 // Every log line of the library goes through PrWin::Output: a text with its own line ends, a
 // category and a style. A sink takes what is put out; a host sets its own with SetSink. Until then
 // the text goes to standard error as UTF-8. Output may be called from any thread; the sink is
-// called by one thread at a time.
+// called by one thread at a time. A sink may call Output, whose text then goes to standard error
+// and not to the sink again, and SetSink. What a sink throws is kept from the caller of Output; the
+// text goes to standard error. When SetSink has returned, the sink before is no longer running,
+// unless it is the caller; so a sink must not wait for a thread that sets one.
 #pragma once
 
 #include <functional>
@@ -15,8 +18,8 @@ namespace PrWin {
 
 // The categories and styles that this library uses; a sink may meet no others from it.
 enum Category : int {
-  category_text_cut = 1,    // a text was cut to the width of its field
-  category_data_base = 8,   // everything else
+  category_text_cut = 1,   // a text was cut to the width of its field
+  category_data_base = 8,  // everything else
 };
 enum Style : int {
   style_none = 0,      // the form of Output without a style was used
