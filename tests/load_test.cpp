@@ -112,6 +112,7 @@ TEST(Server, LivesThroughItsStates) {
     CResourceList list(&application, L"<TAutoModeParam>");
     list.AddLineTail()->SetSeaLine(L"2 100 10 25 1 0 5");
   }
+  CResourceSea* const before = CSeaBase::ApplicationSea();
   CSeaBase::SetApplicationSea(&application);
   CParameterLake::Lake().clear();
   CQtParamInstance params;
@@ -187,7 +188,7 @@ TEST(Server, LivesThroughItsStates) {
     EXPECT_EQ(lines, 2);
   }
   CParameterLake::Lake().clear();
-  CSeaBase::SetApplicationSea(nullptr);
+  CSeaBase::SetApplicationSea(before);
 }
 
 TEST(Load, ResamplingIsExpandedOverTheModesOfItsPhysicalMode) {

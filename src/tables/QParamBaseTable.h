@@ -25,6 +25,10 @@
 #include "tables/MapContainers.h"
 #include "tables/QTableManager.h"
 
+namespace tables {
+class LineSource;
+}
+
 class CQParamBaseTable {
  public:
   virtual ~CQParamBaseTable() = 0;
@@ -79,8 +83,7 @@ class CQParamSeaTypedTable : public CQParamTypedTable<Map>, public CQParamSeaTab
   void Clear() override;
 
  private:
-  template <class NextLine>
-  bool ReadLines(NextLine next_line, bool log_whole_line);
+  bool ReadLines(tables::LineSource& lines);
 };
 
 using CNameMap = CUniqueTreeMap<QIdx1, QIdxName>;

@@ -2,14 +2,12 @@
 // nowhere else.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 
-#include "interfaces/Number.h"
-#include "interfaces/PrWin.h"
 #include "interfaces/ResourceSea.h"
 #include "lake/Lake.h"
+#include "tables/LineSource.h"
 #include "tables/QParamBaseTable.h"
 #include "tables/RowCollector.h"
 #include "tables/RowText.h"
@@ -30,18 +28,10 @@ CDbMultiMap<K, V, Less>& Container(CDbMultiMap<K, V, Less>& map) {
   return map;
 }
 
-inline void LogInfo(const std::wstring& text) {
-  PrWin::Output(text.c_str(), PrWin::category_data_base, PrWin::style_info);
-}
+void LogInfo(const std::wstring& text);
 
 // The start of a row's line in a dump: the running number, at least 4 characters wide.
-inline std::wstring DumpLineHead(long long number) {
-  std::wstring digits;
-  Number::Append(digits, number);
-  constexpr std::size_t width = 4;
-  std::wstring line(digits.size() < width ? width - digits.size() : 0, L' ');
-  return line.append(digits).append(L":\t");
-}
+std::wstring DumpLineHead(long long number);
 
 }  // namespace tables
 
@@ -91,22 +81,15 @@ void CQParamSeaTypedTable<Map>::Clear() {
 }
 
 template <class Map>
-template <class NextLine>
-bool CQParamSeaTypedTable<Map>::ReadLines(NextLine next_line, bool log_whole_line) {
+bool CQParamSeaTypedTable<Map>::ReadLines(tables::LineSource& lines) {
   typename Map::key_type key;
   typename Map::mapped_type value;
   const auto key_fields = TableType::Refs(key.tuple());
   const auto value_fields = TableType::Refs(value.tuple());
-  auto& rows = tables::Container(*this);
-  RowCollector<std::remove_reference_t<decltype(rows)>> collector(rows);
+  RowCollector collector(tables::Container(*this));
   bool all_well = true;
-  while (const std::optional<std::wstring_view> line = next_line()) {
-    std::wstring_view rest = *line;
-    if (!RowText::Read(key_fields, rest) || !RowText::Read(value_fields, rest)) {
-      DynTables::log_error(L"CQParamSeaTypedTable< T >::ReadTable()", this->name,
-                           std::wstring(log_whole_line ? *line : rest));
-      all_well = false;
-    }
+  for (std::wstring_view line; lines.Next(line);) {
+    if (!lines.ReadRow(line, key_fields, value_fields, this->name)) all_well = false;
     collector.Add({key, value});
   }
   collector.Finish();
@@ -121,19 +104,8 @@ bool CQParamSeaTypedTable<Map>::ReadTable(const CResourceSea* source) {
   };
   if (!has_list(source)) source = this->sea;
   if (!has_list(source)) return false;
-
-  CResourceList list(source, this->name);
-  CString line;
-  bool started = false;
-  return ReadLines(
-      [&]() -> std::optional<std::wstring_view> {
-        started ? list.GotoNext() : list.GotoHead();
-        started = true;
-        if (!list.IsValid()) return std::nullopt;
-        list.GetCurrentLine()->GetLine(line);
-        return line;
-      },
-      false);
+  tables::SeaLines lines(*source, this->name);
+  return ReadLines(lines);
 }
 
 template <class Map>
@@ -146,13 +118,8 @@ bool CQParamSeaTypedTable<Map>::ReadTable(CLake& lake) {
   if constexpr (requires(Map & map) { map.reserve(1); }) {
     if (this->capacity() < section.unnamed_size()) this->reserve(section.unnamed_size());
   }
-  auto child = section.begin_unnamed();
-  return ReadLines(
-      [&]() -> std::optional<std::wstring_view> {
-        if (child == section.end_unnamed()) return std::nullopt;
-        return (*child++)->value();
-      },
-      true);
+  tables::SectionLines lines(section);
+  return ReadLines(lines);
 }
 
 template <class Map>
