@@ -101,15 +101,15 @@ TEST(LakeFile, BytesBecomeLines) {
   };
   for (const auto& c : cases) {
     // All at once, byte by byte, and with a medium that fails behind the last byte.
-    for (const auto& way : {std::pair(9999U, false), {1U, false}, {1U, true}}) {
-      const std::size_t step = way.first;
-      const bool failing = way.second;
+    for (const auto& pass : {std::pair(9999U, false), {1U, false}, {1U, true}}) {
+      const auto step = pass.first;
+      const bool failing = pass.second;
       CLake lake = FromBytes("old");
       std::string_view rest = c.bytes;
       const bool result =
           LakeReader::read(lake, [&](std::span<char> block) -> std::optional<std::size_t> {
             if (rest.empty() && failing) return std::nullopt;
-            const std::size_t count = std::min<std::size_t>({step, rest.size(), block.size()});
+            const auto count = std::min<std::size_t>({step, rest.size(), block.size()});
             std::memcpy(block.data(), rest.data(), count);
             rest.remove_prefix(count);
             return count;

@@ -14,7 +14,7 @@
 
 // ---------------------------------------------------------------------------------------- CLake
 
-CLake::CLake(const CString& filename) : filename_(filename) {
+CLake::CLake(CString filename) : filename_(std::move(filename)) {
   clear();
   if (!filename_.empty()) read({});
 }
@@ -258,8 +258,8 @@ CLake::NodeList::iterator CLake::CNode::position() const {
 // -------------------------------------------------------------------------- CLake::CNodeProxy
 
 CLake::CNodeProxy::CNodeProxy(NodeList* collection, CNode* section, NodeList::iterator target,
-                              const std::wstring& key)
-    : collection_(collection), section_(section), target_(target), key_(key) {}
+                              std::wstring key)
+    : collection_(collection), section_(section), target_(target), key_(std::move(key)) {}
 
 bool CLake::CNodeProxy::exists() const { return collection_ && target_ != collection_->end(); }
 

@@ -39,7 +39,7 @@ class KESTRIN_API CLake {
   using const_iterator = NodeList::const_iterator;
 
   // An empty lake, or the lines of a file as `read` gets them.
-  explicit CLake(const CString& filename = {});
+  explicit CLake(CString filename = {});
   // The same lines under a root of its own; the file name is empty.
   CLake(const CLake& other);
   // The same lines; the file name stays. If memory runs out while copying, nothing has changed.
@@ -245,8 +245,7 @@ class KESTRIN_API CLake::CNodeProxy {
  private:
   friend class CNode;
 
-  CNodeProxy(NodeList* collection, CNode* section, NodeList::iterator target,
-             const std::wstring& key);
+  CNodeProxy(NodeList* collection, CNode* section, NodeList::iterator target, std::wstring key);
   int number() const;
   bool insert_missing();
 

@@ -145,7 +145,7 @@ utf8toucs2::result utf8toucs2::do_out(state_type& state, const wchar_t* from,
   while (from != from_end) {
     if (memory.begun != 0 && memory.pending == 0) NarrowAscii(from, from_end, to, to_end);
     if (from == from_end) break;
-    char32_t code = static_cast<char32_t>(*from);
+    auto code = static_cast<char32_t>(*from);
     if (memory.pending != 0 ? !IsLow(code) : code > 0xFFFF) {
       outcome = error;
       break;
