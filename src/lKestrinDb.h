@@ -8,15 +8,19 @@
 //   }
 #pragma once
 
+#include "frame/ParameterCheck.h"
 #include "frame/QtParamInstance.h"
 #include "frame/QtParamServer.h"
 #include "frame/TableCatalogue.h"
 #include "interfaces/Clavis.h"
+#include "interfaces/File.h"
 #include "interfaces/PrWin.h"
 #include "interfaces/ResourceSea.h"
 #include "interfaces/Text.h"
 #include "keys/IndexRecords.h"
+#include "keys/QIdx8Set.h"
 #include "lake/Lake.h"
 #include "tables/QParamBaseTable.h"
 #include "tables/QTableManager.h"
 #include "tables/RowText.h"
+#include "tables/TableFile.h"

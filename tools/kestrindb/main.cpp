@@ -17,6 +17,7 @@ int main(int argc, char** argv) {
     kestrindb::AddNames(line);
     kestrindb::AddDump(line);
     kestrindb::AddTables(line);
+    kestrindb::AddCheck(line);
     CLI11_PARSE(line.app, argc, argv);
     return line.status;
   } catch (const kestrindb::Failure& failure) {
