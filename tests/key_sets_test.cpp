@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <random>
 #include <set>
 #include <stdexcept>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "keys/QIdx8Set.h"
@@ -162,6 +165,17 @@ TEST(KeySets, CompleteSelectionsBecomeAll) {
     EXPECT_EQ(Completeness::CheckForCompleteness(selected, c.all), c.complete);
     EXPECT_EQ(selected, c.after);
   }
+  // Two instruments and two parameters are all there are, and still half of the pairs is missing.
+  CQIdx8Set all;
+  CQIdx8Set set;
+  set.insertInstrPar(7, 3, false).insertInstrPar(8, 4, false);
+  all.insertInstrPar(7, 4, false).insertInstrPar(8, 3, false) |= set;
+  set.completeness_check(all);
+  EXPECT_EQ(set.ElementSet(Clavis::Instrument), (Ids{-1}));
+  EXPECT_EQ(set.InstrParamSet(), (Pairs{{7, 3}, {8, 4}}));
+  set |= all;
+  set.completeness_check(all);
+  EXPECT_EQ(set.InstrParamSet(), (Pairs{{-1, -1}}));
 }
 
 // Random selections over three ids for each element, with every key over them and over one id that
@@ -180,6 +194,22 @@ class KeySetAlgebra : public testing::Test {
     return key;
   }
   QIdx8 Probe() { return Key(20, 4); }
+
+  // An id of each element set, so that only the pairs may keep the key out.
+  QIdx8 Inside(const CQIdx8Set& set) {
+    const auto pick = [&](unsigned int element) {
+      const Ids& ids = set.ElementSet(element);
+      return ids.empty() ? -1 : *std::next(ids.begin(), Roll(static_cast<int>(ids.size())));
+    };
+    return {pick(CQIdx8Set::Type),
+            pick(CQIdx8Set::Bench),
+            pick(0),
+            pick(1),
+            pick(2),
+            pick(3),
+            pick(4),
+            pick(5)};
+  }
   CQIdx8Set Selection() {
     CQIdx8Set set;
     for (int i = Roll(8); i > 0; --i) set.insert(Key(3), Roll(2) == 0);
@@ -259,6 +289,7 @@ TEST_F(KeySetAlgebra, InsertionAndRemovalShowInTheTest) {
 
 TEST_F(KeySetAlgebra, CompletenessChangesNothingInsideAll) {
   int changed = 0;
+  int inside = 0;
   for (int round = 0; round < rounds; ++round) {
     CQIdx8Set all;
     for (int i = 1 + Roll(4); i > 0; --i) all += Key(4);
@@ -274,12 +305,14 @@ TEST_F(KeySetAlgebra, CompletenessChangesNothingInsideAll) {
     again.completeness_check(all);
     ASSERT_EQ(again, checked);
     for (int i = 0; i < 30; ++i) {
-      const QIdx8 key = Probe();
+      const QIdx8 key = i % 2 == 0 ? Probe() : Inside(all);
+      inside += all.contains(key) ? 1 : 0;
       ASSERT_TRUE(checked.contains(key) == set.contains(key) || !all.contains(key));
       ASSERT_TRUE(checked.contains(key) || !set.contains(key));
     }
   }
   EXPECT_GT(changed, rounds / 4);
+  EXPECT_GT(inside, rounds);
 }
 
 }  // namespace
