@@ -118,7 +118,7 @@ std::vector<int> ColumnWidths(const CXListCtrl& list, Frame frame) {
     }
     widths.push_back(width);
   }
-  if (widths.empty()) widths.push_back(std::max(frame.width - 2, 2));
+  if (widths.empty()) widths.push_back(frame.width > 4 ? frame.width - 2 : 2);
   return widths;
 }
 
@@ -171,8 +171,8 @@ struct EntryText {
 };
 
 Lines DrawEntryBox(const std::vector<EntryText>& entries, Frame frame) {
-  int width = std::max(frame.width - 2, 2);
-  if (frame.width == 0) {
+  int width = frame.width > 4 ? frame.width - 2 : 2;
+  if (frame.width <= 0) {
     for (const EntryText& entry : entries) width = std::max(width, TextColumns(*entry.text) + 2);
   }
   const int count = static_cast<int>(entries.size());
@@ -258,8 +258,8 @@ Lines Draw(const CXListCtrl& list, Frame frame) {
 }
 
 Lines Draw(const CComboBox& combo, Frame frame) {
-  int width = frame.width - 2;
-  if (frame.width == 0) {
+  int width = frame.width > 0 ? frame.width - 2 : 0;
+  if (frame.width <= 0) {
     for (int i = 0; i < combo.GetCount(); ++i) {
       width = std::max(width, TextColumns(combo.GetLBText(i)) + 4);
     }

@@ -24,9 +24,9 @@ namespace TextView {
 
 using Lines = std::vector<CString>;
 
-// The size of a picture, borders included, in columns and lines; 0 is what the content needs. What
-// lies outside is cut, and a list scrolls so that `first_row` is its upper row; ▲ and ▼ in its
-// right border say that there is more.
+// The size of a picture, borders included, in columns and lines; 0 or less is what the content
+// needs. What lies outside is cut, and a list scrolls so that `first_row` is its upper row; ▲ and ▼
+// in its right border say that there is more.
 struct Frame {
   int width = 0;
   int height = 0;
