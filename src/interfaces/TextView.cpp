@@ -222,7 +222,8 @@ class Canvas {
     for (const CString& line : picture) {
       if (y >= 0 && y < static_cast<int>(lines_.size())) {
         CString& target = lines_[static_cast<std::size_t>(y)];
-        target = Fit(target, x) + line;
+        target = Fit(target, x);
+        target += line;
       }
       ++y;
     }
@@ -299,6 +300,7 @@ Lines Draw(const CWnd& window, Frame frame) {
 
 Lines DrawEntries(const CComboBox& combo, Frame frame) {
   Lines texts;
+  texts.reserve(static_cast<std::size_t>(combo.GetCount()));
   for (int i = 0; i < combo.GetCount(); ++i) texts.push_back(combo.GetLBText(i));
   std::vector<EntryText> entries;
   for (int i = 0; i < combo.GetCount(); ++i) {
