@@ -13,7 +13,7 @@
 #include "frame/QtParamServer.h"
 #include "frame/TableCatalogue.h"
 #include "interfaces/Clavis.h"
-#include "interfaces/File.h"
+#include "interfaces/MeasuringUnit.h"
 #include "interfaces/PrWin.h"
 #include "interfaces/ResourceSea.h"
 #include "interfaces/Text.h"
