@@ -9,10 +9,12 @@
 CQtParamDerived::CQtParamDerived(CQtParamStore& param_store)
     : store(&param_store),
       trigger_ids(param_store, QVIpCalcParameter::trigger),
-      mode_info(param_store) {}
+      mode_info(param_store),
+      grex_info(param_store) {}
 
 void CQtParamDerived::Build() {
   trigger_ids.Reset();
+  grex_info.Init();
   trigger_ids.begin();
   if (store->Table<L"<TResamplingM>">().empty()) ExpandResampling();
   Units::RefreshTextsOfAutoModes(*store);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "frame/DataSource.h"
+#include "queries/Grex.h"
 #include "queries/QtModeInfo.h"
 
 class CQtParamStore;
@@ -27,6 +28,7 @@ class CQtParamDerived {
   int TriggerId(int instrument_param) const;
 
   const CQtModeInfo& ModeInfo() const { return mode_info; }
+  const CGrexInfo& GrexInfo() const { return grex_info; }
 
  private:
   void ExpandResampling();
@@ -35,4 +37,5 @@ class CQtParamDerived {
   // Filled by Build, so that reading it from a query changes nothing.
   mutable DataSource::CCandidateSeaDataSource<int> trigger_ids;
   CQtModeInfo mode_info;
+  CGrexInfo grex_info;
 };

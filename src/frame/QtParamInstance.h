@@ -13,10 +13,13 @@
 
 #include <bitset>
 #include <cstddef>
+#include <map>
+#include <utility>
 
 #include "frame/TableList.h"
 #include "interfaces/Export.h"
 #include "interfaces/Text.h"
+#include "queries/Grex.h"
 
 class CComboBox;
 class CMeasuringUnit;
@@ -313,6 +316,17 @@ class KESTRIN_API CQtParamInstance {
   // channel alone if the object has properties without the flag 4.
   const wchar_t* FormatLocaChanText(CString& text, int location, int channel) const;
   const wchar_t* FormatLocaChanText(CString& text, const QClavis& key) const;
+
+  // --- Track polygons (queries/Polygons.cpp) ------------------------------------------------
+  // A key of <TIpParamAndStore> without an entry has no track polygon. The points of a polygon are
+  // the entries from lower_bound({polygon_id, 0}) as long as the first number is the polygon's:
+  // there may be none. The numbers count from 0, for a stored polygon in ascending x, for one made
+  // of two points from its start to its end. References stay good over loads, positions don't.
+
+  const std::map<QClavis, CVIpSvTrackPolygon>& IpTrackPolygon() const;
+
+  // By polygon id and point number.
+  const std::map<std::pair<int, int>, CVPoint>& IpPolygonValues() const;
 
  private:
   CQtParamDistillery* store_;
