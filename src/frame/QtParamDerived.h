@@ -3,6 +3,9 @@
 #pragma once
 
 #include "frame/DataSource.h"
+#include "queries/QtChannelInfo.h"
+#include "queries/QtRotorInfo.h"
+#include "queries/QtSpeedInfo.h"
 
 class CQtParamStore;
 
@@ -25,10 +28,17 @@ class CQtParamDerived {
   // The trigger of an instrument parameter, or -1.
   int TriggerId(int instrument_param) const;
 
+  const CQtSpeedInfo& SpeedInfo() const { return speed_info; }
+  const CQtChannelInfo& ChannelInfo() const { return channel_info; }
+  const CQtRotorInfo& RotorInfo() const { return rotor_info; }
+
  private:
   void ExpandResampling();
 
   CQtParamStore* store;
   // Filled by Build, so that reading it from a query changes nothing.
   mutable DataSource::CCandidateSeaDataSource<int> trigger_ids;
+  CQtSpeedInfo speed_info;
+  CQtChannelInfo channel_info;
+  CQtRotorInfo rotor_info;
 };
