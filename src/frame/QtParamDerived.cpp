@@ -3,15 +3,19 @@
 #include <map>
 
 #include "frame/QtParamStore.h"
+#include "queries/Units.h"
 #include "tables/RowCollector.h"
 
 CQtParamDerived::CQtParamDerived(CQtParamStore& param_store)
-    : store(&param_store), trigger_ids(param_store, QVIpCalcParameter::trigger) {}
+    : store(&param_store),
+      trigger_ids(param_store, QVIpCalcParameter::trigger),
+      mode_info(param_store) {}
 
 void CQtParamDerived::Build() {
   trigger_ids.Reset();
   trigger_ids.begin();
   if (store->Table<L"<TResamplingM>">().empty()) ExpandResampling();
+  Units::RefreshTextsOfAutoModes(*store);
 }
 
 // One row per resampling row of a physical mode and per test step of that physical mode.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "frame/DataSource.h"
+#include "queries/QtModeInfo.h"
 
 class CQtParamStore;
 
@@ -25,10 +26,13 @@ class CQtParamDerived {
   // The trigger of an instrument parameter, or -1.
   int TriggerId(int instrument_param) const;
 
+  const CQtModeInfo& ModeInfo() const { return mode_info; }
+
  private:
   void ExpandResampling();
 
   CQtParamStore* store;
   // Filled by Build, so that reading it from a query changes nothing.
   mutable DataSource::CCandidateSeaDataSource<int> trigger_ids;
+  CQtModeInfo mode_info;
 };
