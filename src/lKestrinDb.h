@@ -12,6 +12,7 @@
 #include "frame/QtParamServer.h"
 #include "frame/TableCatalogue.h"
 #include "interfaces/Clavis.h"
+#include "interfaces/MeasuringUnit.h"
 #include "interfaces/PrWin.h"
 #include "interfaces/ResourceSea.h"
 #include "interfaces/Text.h"

@@ -3,6 +3,7 @@
 #include <map>
 
 #include "frame/QtParamStore.h"
+#include "queries/Units.h"
 #include "tables/RowCollector.h"
 
 CQtParamDerived::CQtParamDerived(CQtParamStore& param_store)
@@ -10,7 +11,8 @@ CQtParamDerived::CQtParamDerived(CQtParamStore& param_store)
       trigger_ids(param_store, QVIpCalcParameter::trigger),
       speed_info(param_store),
       channel_info(param_store, speed_info),
-      rotor_info(param_store, speed_info, channel_info) {}
+      rotor_info(param_store, speed_info, channel_info),
+      mode_info(param_store) {}
 
 void CQtParamDerived::Build() {
   trigger_ids.Reset();
@@ -18,6 +20,7 @@ void CQtParamDerived::Build() {
   rotor_info.Build();
   trigger_ids.begin();
   if (store->Table<L"<TResamplingM>">().empty()) ExpandResampling();
+  Units::RefreshTextsOfAutoModes(*store);
 }
 
 // One row per resampling row of a physical mode and per test step of that physical mode.

@@ -4,6 +4,7 @@
 
 #include "frame/DataSource.h"
 #include "queries/QtChannelInfo.h"
+#include "queries/QtModeInfo.h"
 #include "queries/QtRotorInfo.h"
 #include "queries/QtSpeedInfo.h"
 
@@ -31,6 +32,7 @@ class CQtParamDerived {
   const CQtSpeedInfo& SpeedInfo() const { return speed_info; }
   const CQtChannelInfo& ChannelInfo() const { return channel_info; }
   const CQtRotorInfo& RotorInfo() const { return rotor_info; }
+  const CQtModeInfo& ModeInfo() const { return mode_info; }
 
  private:
   void ExpandResampling();
@@ -41,4 +43,5 @@ class CQtParamDerived {
   CQtSpeedInfo speed_info;
   CQtChannelInfo channel_info;
   CQtRotorInfo rotor_info;
+  CQtModeInfo mode_info;
 };

@@ -11,6 +11,8 @@
 // The operations are defined in queries/, a file a topic, and in frame/QtParamInstance.cpp.
 #pragma once
 
+#include <bitset>
+#include <cstddef>
 #include <utility>
 
 #include "frame/TableList.h"
@@ -18,6 +20,7 @@
 #include "interfaces/Text.h"
 
 class CComboBox;
+class CMeasuringUnit;
 class CQtParamDistillery;
 
 class KESTRIN_API CQtParamInstance {
@@ -185,6 +188,132 @@ class KESTRIN_API CQtParamInstance {
   // that the combo showed, is selected again if it is among them; in a combo that would stay empty
   // it becomes the one entry.
   int FillTypeNameCombo(CComboBox& combo, const wchar_t* selection) const;
+
+  // The unit of a signal; the dimensionless one for an unknown signal and for a text that is no
+  // unit. Not constant: where the signal's row names a common unit by code, the unit's text goes
+  // into the row if another one stands there. Calls may run beside each other and beside constant
+  // queries, but not beside a reader of that row's unit_text. Constant queries never write: for
+  // the signals of <TAutoModeParam>, whose units stand in names, the load has put the texts in.
+  CMeasuringUnit ApplicationSignalUnit(int signal);
+
+  // --- Test steps and virtual test steps (queries/Modes.cpp) --------------------------------
+  // The id of a test step, where it is above 0:
+  //
+  //   bits 0 to 10    the base mode, 0 to 2047: what the tables know
+  //   bits 11 to 30   the extension of a virtual mode, 0 for a base mode: a digit of 6 bits for
+  //                   each row of <TAutoModeParam>, the first row's lowest. A digit is the index
+  //                   of a band of that signal plus 1, 0 for no band. There is room for three
+  //                   digits and two bits of a fourth.
+  //
+  // Any other id isn't virtual and has no parts: it is its own base and its own extension. The
+  // static operations need no data base and may run on any thread at any time.
+
+  static bool IsVirtualMode(int id);
+  static int VirtMode2BaseMode(int id);
+  static int VirtModeExtension(int id);
+
+  // The id with that base and extension; `base` itself if that is negative. A base above 2047 runs
+  // into the extension; an extension of 2^20 or more makes an id that isn't virtual.
+  static int VirtModeGenerateId(int base, int extension);
+
+  // The digit of the row at that place of <TAutoModeParam>, from 0; 0 where the id has no room.
+  static int VirtModeDigit(int id, std::size_t row);
+
+  // The extension for one band index, -1 to 62, for each row of <TAutoModeParam> in key order.
+  // Modulo 2^32: whether the digits fit into an id is the caller's to see.
+  int VirtModeExtension(const int* indices) const;
+
+  // The centre of a band, rounded to a whole number, in the unit of the signal.
+  static float VirtModePosition(const QVAutoModeParams& params, unsigned index);
+
+  // What a name tells of one signal: position, unit, and if the row has a direction "--Z" or, if
+  // not `positive`, "--S". `row` shows a row of AutoModeParams(). Precision is the number of
+  // significant digits, 0 stands for 6. Empty if the signal has no properties.
+  CString VirtModeNameFragment(Table<L"<TAutoModeParam>">::const_iterator row, bool positive,
+                               float position, unsigned precision) const;
+
+  // The name made for a virtual mode: the physical mode and a fragment for each signal, or if
+  // <TAutoModeParam> is empty the base mode and the extension. Empty for an id that isn't virtual
+  // or has no physical mode.
+  CString VirtModeName(int id) const;
+
+  // The name to show for any test step: the one in <TMode>, good until the table is purged, or
+  // else the name made for a virtual mode, cut to 499 characters. A made name is good on the
+  // calling thread alone, until that thread's next call that makes one or until it ends. Key texts
+  // and ClavisElementName make names, too.
+  const wchar_t* ModeName(int id) const;
+
+  // Gives a virtual mode a name of its own, a row of <TMode>, until the tables are purged or read
+  // again. A name is cut to 199 characters. False, with nothing changed, if the id isn't virtual
+  // or has a row.
+  bool AddVModeName(int id, const wchar_t* name);
+
+  // The physical mode of a test step, virtual or not; -1 if it has none.
+  int PhysModeId(int id) const;
+
+  // Whether selections leave the test step out. Asks for the id itself: no virtual mode is hidden,
+  // even if its base is.
+  bool ModeIsHidden(int id) const;
+
+  // Whether the flags of a test step, virtual or not, and `flag` have a bit in common; false for an
+  // unknown one.
+  bool ModeIsOfType(int id, QVModeProps::modeFlag flag) const;
+  static bool ModeIsOfType(const QVModeProps& props, QVModeProps::modeFlag flag);
+
+  // --- Kinds of instruments (queries/Instruments.cpp) ---------------------------------------
+  // The static operations answer from a table of the suite's instruments that is built in. They
+  // need no data base, ask for no name, and may run on any thread at any time.
+
+  // 1 single value, 2 and 5 track, 3 spectrum, 6 two-dimensional data; 4 and -1 have no query of
+  // their own. 0 for an instrument that the suite doesn't know.
+  static int ResultType(int instrument);
+  static bool IsSingleValueInstrument(int instrument);
+  static bool IsTrackInstrument(int instrument);
+  static bool IsSpectrumInstrument(int instrument);
+  static bool Is2dDataInstrument(int instrument);
+
+  // The instrument that gives the same result over time, and back; -1 if there is none.
+  static int ScalarInstrumentToTrackInstrument(int instrument);
+  static int TrackInstrumentToScalarInstrument(int instrument);
+
+  // The instrument of a parameter, or -1.
+  int InstrumentParameterToInstrument(int parameter) const;
+
+  // --- Key texts (queries/KeyTexts.cpp) -----------------------------------------------------
+
+  // When an element's id stands behind its name, as in "Main [3]".
+  enum show_id_t : int {
+    show_id_never = 0,
+    show_id_always = 1,
+    show_id_if_no_name = 2,
+  };
+
+  using ElementMask = std::bitset<Clavis::element_count>;  // bit i: element i of Clavis::qOrder
+
+  // The chosen elements in key order with " / " between them; "(Nil)" for -1. Without `show` the
+  // ids stand there always if ShowIdsInDialogs(), or else where there is no name.
+  CString FormatClavisText(const CClavis& key, show_id_t show, ElementMask mask) const;
+  CString FormatClavisText(const QClavis& key, show_id_t show, ElementMask mask) const;
+  CString FormatClavisText(const CClavis& key, ElementMask mask) const;
+  CString FormatClavisText(const QClavis& key, ElementMask mask) const;
+
+  // Test step, instrument and parameter, object and channel, sensor, with a blank, the separator
+  // and a blank between them; the first 499 characters of that. Never an id; "(Nil)" for a test
+  // step or a sensor of -1.
+  CString FormatClavisTextNice(const CClavis& key, const wchar_t* separator) const;
+  CString FormatClavisTextNice(const QClavis& key, const wchar_t* separator) const;
+
+  // Writes `text` and gives its characters. The name of the instrument, and of the parameter if
+  // the instrument has several. Instrument -1 stands for the parameter's own.
+  const wchar_t* FormatInstrParamText(CString& text, int instrument, int parameter) const;
+  const wchar_t* FormatInstrParamText(CString& text, const QClavis& key) const;
+
+  // Writes `text` and gives its characters. "object channel" for a sync channel, "channel
+  // (object)" for a mix channel, "object (channel)" for the others. Where no second channel has
+  // the same resampling type, a mix channel stands alone; of the others the object alone, or the
+  // channel alone if the object has properties without the flag 4.
+  const wchar_t* FormatLocaChanText(CString& text, int location, int channel) const;
+  const wchar_t* FormatLocaChanText(CString& text, const QClavis& key) const;
 
   // --- Channels (queries/Channels.cpp) ------------------------------------------------------
   // A channel may be derived from another one, its parent, which can depend on the test step. The

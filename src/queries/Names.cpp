@@ -108,6 +108,7 @@ int CQtParamInstance::TriggerId(int instrument_param) const {
 }
 
 const wchar_t* CQtParamInstance::ClavisElementName(int element, int id) const {
+  if (element == Clavis::Mode) return ModeName(id);
   if (element == Clavis::Parameter) return InstrumentParamName(id);
   assert(element >= Clavis::Mode && element <= Clavis::Sensor);
   if (element < Clavis::Mode || element > Clavis::Sensor) return L"";

@@ -82,5 +82,7 @@ void AddLoad(CommandLine& line);
 void AddNames(CommandLine& line);
 void AddDump(CommandLine& line);
 void AddTables(CommandLine& line);
+void AddMode(CommandLine& line);
+void AddKey(CommandLine& line);
 
 }  // namespace kestrindb

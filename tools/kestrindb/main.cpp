@@ -17,6 +17,8 @@ int main(int argc, char** argv) {
     kestrindb::AddNames(line);
     kestrindb::AddDump(line);
     kestrindb::AddTables(line);
+    kestrindb::AddMode(line);
+    kestrindb::AddKey(line);
     CLI11_PARSE(line.app, argc, argv);
     return line.status;
   } catch (const kestrindb::Failure& failure) {

@@ -1,0 +1,35 @@
+// Where virtual modes get their names. A virtual mode stands in no table: it is a test step cut
+// into bands of running values, and its name tells the state of the machine and the bands:
+//
+//   Spur set · 750rpm--S · 15Nm      (without the blanks)
+//   |          |      |
+//   |          |      direction of the signal, if its row in <TAutoModeParam> has one
+//   |          centre of the band, unit of the signal
+//   physical mode
+//
+// Nothing is kept here: a name is made from the tables each time it is asked for.
+#pragma once
+
+#include <string>
+
+#include "frame/TableList.h"
+
+class CQtParamStore;
+
+class CQtModeInfo {
+ public:
+  using AutoModeParams = tables::TableOf<L"<TAutoModeParam>">;
+
+  // The store must outlive this.
+  explicit CQtModeInfo(const CQtParamStore& param_store) : store(&param_store) {}
+
+  // The operations of CQtParamInstance of the same names.
+  int PhysModeId(int id) const;
+  std::wstring VirtModeNameFragment(AutoModeParams::const_iterator row, bool positive,
+                                    float position, unsigned precision) const;
+  std::wstring VirtModeName(int id) const;
+  const wchar_t* ModeName(int id) const;
+
+ private:
+  const CQtParamStore* store;
+};

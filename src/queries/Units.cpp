@@ -1,0 +1,68 @@
+#include "queries/Units.h"
+
+#include <cwchar>
+#include <mutex>
+
+#include "frame/QtParamDistillery.h"
+#include "frame/QtParamInstance.h"
+#include "tables/RowText.h"
+
+namespace Units {
+namespace {
+
+constexpr const wchar_t* no_unit = L"----";
+
+CMeasuringUnit DefaultUnit() { return {CMeasuringUnit::none, 0, 1, 1.0F, 0}; }
+
+bool StandsInText(int code) {
+  const auto unit = static_cast<unsigned>(code);
+  return unit == CMeasuringUnit::in_text || unit > CMeasuringUnit::angular_acceleration_rad_s2;
+}
+
+short Prefix(int field) {
+  return field == 1 || field == -1 ? short{0} : static_cast<short>(field);  // its low 16 bits
+}
+
+}  // namespace
+
+CMeasuringUnit Of(const QVAppSignalProperty& row) {
+  CMeasuringUnit unit = DefaultUnit();
+  if (!StandsInText(row.unit_code)) {
+    unit.set(static_cast<unsigned>(row.unit_code), Prefix(row.unit_prefix), 1, 1.0F, 0);
+  } else if (std::wcscmp(row.unit_text, no_unit) != 0) {
+    unit.set(row.unit_text);
+  }
+  return unit;
+}
+
+std::wstring TextOf(const QVAppSignalProperty& row) {
+  return StandsInText(row.unit_code) ? row.unit_text : Of(row).prefixunit(false);
+}
+
+void RefreshText(QVAppSignalProperty& row) {
+  if (StandsInText(row.unit_code)) return;
+  const std::wstring text = TextOf(row);
+  static std::mutex writing;
+  const std::lock_guard lock(writing);
+  if (text != row.unit_text) {
+    TableType::strcopy(row.unit_text, text.c_str(), TableType::text_width);
+  }
+}
+
+void RefreshTextsOfAutoModes(CQtParamStore& store) {
+  auto& signals = store.Table<L"<TAppSignalProperty>">();
+  for (const auto& [signal, params] : store.Table<L"<TAutoModeParam>">()) {
+    const auto row = signals.find(signal);
+    if (row != signals.end()) RefreshText(row->second);
+  }
+}
+
+}  // namespace Units
+
+CMeasuringUnit CQtParamInstance::ApplicationSignalUnit(int signal) {
+  auto& signals = AppSignalProperty();
+  const auto row = signals.find(signal);
+  if (row == signals.end()) return Units::DefaultUnit();
+  Units::RefreshText(row->second);
+  return Units::Of(row->second);
+}
