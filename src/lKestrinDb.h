@@ -8,6 +8,8 @@
 //   }
 #pragma once
 
+#include "frame/ModuleStrings.h"
+#include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
 #include "frame/QtParamServer.h"
 #include "frame/TableCatalogue.h"
