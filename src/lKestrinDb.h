@@ -9,6 +9,7 @@
 #pragma once
 
 #include "frame/ModuleStrings.h"
+#include "frame/ParameterCheck.h"
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
 #include "frame/QtParamServer.h"
@@ -19,7 +20,9 @@
 #include "interfaces/ResourceSea.h"
 #include "interfaces/Text.h"
 #include "keys/IndexRecords.h"
+#include "keys/QIdx8Set.h"
 #include "lake/Lake.h"
 #include "tables/QParamBaseTable.h"
 #include "tables/QTableManager.h"
 #include "tables/RowText.h"
+#include "tables/TableFile.h"

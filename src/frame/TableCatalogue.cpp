@@ -82,22 +82,41 @@ ContainerInfo Container(const CDbMultiMap<K, V, Less>*) {
   return {"multi map", false};
 }
 
+template <class Key, class Row>
+class TypedRow : public RowBuffer {
+ public:
+  TypedRow() {
+    const auto key_fields = TableType::Refs(key_.tuple());
+    const auto row_fields = TableType::Refs(row_.tuple());
+    key.assign(key_fields.begin(), key_fields.end());
+    row.assign(row_fields.begin(), row_fields.end());
+  }
+
+ private:
+  Key key_;
+  Row row_;
+};
+
 template <class Entry>
 TableInfo Describe(int made) {
   using Table = typename Entry::Table;
   const ContainerInfo container = Container(static_cast<const Table*>(nullptr));
-  return {made,
-          Entry::registered,
-          Entry::section.text,
-          Utf8(Entry::accessor),
-          container.name,
-          Describe<typename Table::key_type>(Words(Utf8(Entry::key_fields))),
-          DescribeRow<typename Table::mapped_type>(),
-          container.unique_keys,
-          [](const CQtParamStore& store) { return store.Table<Entry::section>().size(); },
-          [](const CQtParamStore& store) -> const CQParamBaseTableInterface& {
-            return store.Table<Entry::section>();
-          }};
+  return {
+      made,
+      Entry::registered,
+      Entry::section.text,
+      Utf8(Entry::accessor),
+      container.name,
+      Describe<typename Table::key_type>(Words(Utf8(Entry::key_fields))),
+      DescribeRow<typename Table::mapped_type>(),
+      container.unique_keys,
+      [](const CQtParamStore& store) { return store.Table<Entry::section>().size(); },
+      [](const CQtParamStore& store) -> const CQParamBaseTableInterface& {
+        return store.Table<Entry::section>();
+      },
+      []() -> std::unique_ptr<RowBuffer> {
+        return std::make_unique<TypedRow<typename Table::key_type, typename Table::mapped_type>>();
+      }};
 }
 
 std::vector<TableInfo> DescribeAll() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +22,14 @@ struct FieldInfo {
   std::string default_text;  // value of the field in a new row, UTF-8; "-1 ... -1" of a key
 };
 
+// A new row of a table, to read lines into: the places of its fields.
+class RowBuffer {
+ public:
+  virtual ~RowBuffer() = default;
+  std::vector<TableType::FieldRef> key;
+  std::vector<TableType::FieldRef> row;
+};
+
 struct TableInfo {
   int made;        // place in the order of construction, from 1
   int registered;  // place in the order of reading, writing and dumping, from 1
@@ -33,6 +42,7 @@ struct TableInfo {
   bool unique_keys;
   std::size_t (*row_count)(const CQtParamStore& store);
   const CQParamBaseTableInterface& (*table)(const CQtParamStore& store);
+  std::unique_ptr<RowBuffer> (*new_row)();
 };
 
 // All tables in the order of registration. Any thread.

@@ -24,59 +24,59 @@ namespace {
 using Unit = CMeasuringUnit;
 
 struct UnitSpelling {
-  Unit::commonUnits unit;
   std::wstring_view text;
+  Unit::commonUnits unit;
   bool takes_prefix;
 };
 
 constexpr UnitSpelling unit_spellings[] = {
-    {Unit::none, L"", false},
-    {Unit::speed_rpm, L"rpm", true},
-    {Unit::speed_rpm, L"1/min", false},
-    {Unit::speed_rpm, L"min^-1", false},
-    {Unit::speed_rpm, L"min\u207B\u00B9", false},
-    {Unit::speed_rpm, L"r/min", false},
-    {Unit::speed_rpm, L"U/min", false},
-    {Unit::frequency_hz, L"Hz", true},
-    {Unit::frequency_hz, L"1/s", false},
-    {Unit::order, L"ord", true},
-    {Unit::order, L"Ord", false},
-    {Unit::order, L"order", false},
-    {Unit::time_s, L"s", true},
-    {Unit::acceleration_m_s2, L"m/s\u00B2", true},
-    {Unit::acceleration_m_s2, L"m/s^2", true},
-    {Unit::acceleration_m_s2, L"m/s2", true},
-    {Unit::acceleration_g, L"g", true},
-    {Unit::velocity_m_s, L"m/s", true},
-    {Unit::displacement_m, L"m", true},
-    {Unit::torque_nm, L"Nm", true},
-    {Unit::torque_nm, L"N\u00B7m", true},
-    {Unit::torque_nm, L"N*m", true},
-    {Unit::force_n, L"N", true},
-    {Unit::pressure_pa, L"Pa", true},
-    {Unit::pressure_bar, L"bar", true},
-    {Unit::temperature_c, L"\u00B0C", false},
-    {Unit::temperature_c, L"degC", false},
-    {Unit::temperature_k, L"K", true},
-    {Unit::level_db, L"dB", false},
-    {Unit::angle_deg, L"\u00B0", true},
-    {Unit::angle_deg, L"deg", true},
-    {Unit::angle_rad, L"rad", true},
-    {Unit::angular_velocity_rad_s, L"rad/s", true},
-    {Unit::voltage_v, L"V", true},
-    {Unit::current_a, L"A", true},
-    {Unit::power_w, L"W", true},
-    {Unit::mass_kg, L"kg", false},
-    {Unit::percent, L"%", false},
-    {Unit::energy_j, L"J", true},
-    {Unit::resistance_ohm, L"\u03A9", true},  // the Greek letter
-    {Unit::resistance_ohm, L"\u2126", true},  // the ohm sign
-    {Unit::resistance_ohm, L"Ohm", true},
-    {Unit::flow_l_min, L"l/min", true},
-    {Unit::revolutions, L"rev", true},
-    {Unit::angular_acceleration_rad_s2, L"rad/s\u00B2", true},
-    {Unit::angular_acceleration_rad_s2, L"rad/s^2", true},
-    {Unit::angular_acceleration_rad_s2, L"rad/s2", true},
+    {L"", Unit::none, false},
+    {L"rpm", Unit::speed_rpm, true},
+    {L"1/min", Unit::speed_rpm, false},
+    {L"min^-1", Unit::speed_rpm, false},
+    {L"min\u207B\u00B9", Unit::speed_rpm, false},
+    {L"r/min", Unit::speed_rpm, false},
+    {L"U/min", Unit::speed_rpm, false},
+    {L"Hz", Unit::frequency_hz, true},
+    {L"1/s", Unit::frequency_hz, false},
+    {L"ord", Unit::order, true},
+    {L"Ord", Unit::order, false},
+    {L"order", Unit::order, false},
+    {L"s", Unit::time_s, true},
+    {L"m/s\u00B2", Unit::acceleration_m_s2, true},
+    {L"m/s^2", Unit::acceleration_m_s2, true},
+    {L"m/s2", Unit::acceleration_m_s2, true},
+    {L"g", Unit::acceleration_g, true},
+    {L"m/s", Unit::velocity_m_s, true},
+    {L"m", Unit::displacement_m, true},
+    {L"Nm", Unit::torque_nm, true},
+    {L"N\u00B7m", Unit::torque_nm, true},
+    {L"N*m", Unit::torque_nm, true},
+    {L"N", Unit::force_n, true},
+    {L"Pa", Unit::pressure_pa, true},
+    {L"bar", Unit::pressure_bar, true},
+    {L"\u00B0C", Unit::temperature_c, false},
+    {L"degC", Unit::temperature_c, false},
+    {L"K", Unit::temperature_k, true},
+    {L"dB", Unit::level_db, false},
+    {L"\u00B0", Unit::angle_deg, true},
+    {L"deg", Unit::angle_deg, true},
+    {L"rad", Unit::angle_rad, true},
+    {L"rad/s", Unit::angular_velocity_rad_s, true},
+    {L"V", Unit::voltage_v, true},
+    {L"A", Unit::current_a, true},
+    {L"W", Unit::power_w, true},
+    {L"kg", Unit::mass_kg, false},
+    {L"%", Unit::percent, false},
+    {L"J", Unit::energy_j, true},
+    {L"\u03A9", Unit::resistance_ohm, true},  // the Greek letter
+    {L"\u2126", Unit::resistance_ohm, true},  // the ohm sign
+    {L"Ohm", Unit::resistance_ohm, true},
+    {L"l/min", Unit::flow_l_min, true},
+    {L"rev", Unit::revolutions, true},
+    {L"rad/s\u00B2", Unit::angular_acceleration_rad_s2, true},
+    {L"rad/s^2", Unit::angular_acceleration_rad_s2, true},
+    {L"rad/s2", Unit::angular_acceleration_rad_s2, true},
 };
 
 struct PrefixSpelling {
@@ -84,12 +84,11 @@ struct PrefixSpelling {
   std::wstring_view text;
 };
 
+// Of the three spellings of micro the first is the micro sign, the second the Greek letter.
 constexpr PrefixSpelling prefix_spellings[] = {
-    {-24, L"y"},     {-21, L"z"},     {-18, L"a"}, {-15, L"f"}, {-12, L"p"},
-    {-9, L"n"},      {-6, L"\u00B5"},  // the micro sign
-    {-6, L"\u03BC"},                   // the Greek letter
-    {-6, L"u"},      {-3, L"m"},      {-2, L"c"},  {-1, L"d"},  {1, L"da"},
-    {2, L"h"},       {3, L"k"},       {6, L"M"},   {9, L"G"},   {12, L"T"},
+    {-24, L"y"},     {-21, L"z"},     {-18, L"a"}, {-15, L"f"}, {-12, L"p"}, {-9, L"n"},
+    {-6, L"\u00B5"}, {-6, L"\u03BC"}, {-6, L"u"},  {-3, L"m"},  {-2, L"c"},  {-1, L"d"},
+    {1, L"da"},      {2, L"h"},       {3, L"k"},   {6, L"M"},   {9, L"G"},   {12, L"T"},
     {15, L"P"},      {18, L"E"},      {21, L"Z"},  {24, L"Y"},
 };
 
@@ -136,7 +135,13 @@ std::optional<Scaled> ReadScaled(std::wstring_view text) {
   return std::nullopt;
 }
 
-// The power from the end of `text`, which loses its mark and the brackets in front of that.
+// A power behind one of these belongs to its last factor alone: "m/s³" is no cubed "m/s".
+bool NeedsBrackets(std::wstring_view text) {
+  return text.find_first_of(L"/^* \u00B7") != std::wstring_view::npos || text.ends_with(L"Nm");
+}
+
+// The power from the end of `text`, which loses its mark and the brackets in front of that. Nothing
+// if there is no mark or it belongs to a part of the text only.
 std::optional<short> TakePower(std::wstring_view& text) {
   short power = 0;
   if (text.ends_with(L'\u00B2') || text.ends_with(L'\u00B3')) {
@@ -151,7 +156,11 @@ std::optional<short> TakePower(std::wstring_view& text) {
     power = *exponent;
     text = text.substr(0, mark);
   }
-  if (text.starts_with(L'(') && text.ends_with(L')')) text = text.substr(1, text.size() - 2);
+  if (text.starts_with(L'(') && text.ends_with(L')')) {
+    text = text.substr(1, text.size() - 2);
+  } else if (NeedsBrackets(text)) {
+    return std::nullopt;
+  }
   return power;
 }
 
@@ -190,7 +199,7 @@ std::wstring WriteScaled(const Scaled& scaled, bool ascii) {
 }
 
 void AppendPower(std::wstring& text, short power, bool ascii) {
-  if (text.find_first_of(L"/^ ") != std::wstring::npos) text = L'(' + text + L')';
+  if (NeedsBrackets(text)) text = L'(' + text + L')';
   if (!ascii && (power == 2 || power == 3)) {
     text += power == 2 ? L'\u00B2' : L'\u00B3';
   } else {

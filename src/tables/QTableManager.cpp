@@ -23,16 +23,12 @@ void AppendVersion(std::wstring& text, int major, int minor) {
   Append(text, minor);
 }
 
-// Accepts a data base by its version, or logs why it is refused.
-bool IsSupported(int major, int minor) {
-  const bool too_low = major < supported_major || (major == supported_major && minor < least_minor);
-  if (!too_low && major == supported_major) return true;
-
+void LogRefusal(int major, int minor) {
   std::wstring text =
       L"CQTableManager::ReadTablesFromCandidateLake(): Loading parameter data base failed:\n"
       L"\tTable version ";
   AppendVersion(text, major, minor);
-  if (too_low) {
+  if (major <= supported_major) {
     text.append(L" is less than least supported version ");
     AppendVersion(text, supported_major, least_minor);
     text.append(
@@ -44,10 +40,13 @@ bool IsSupported(int major, int minor) {
     text.append(L"\tPlease contact Tavrel for a software update.\n");
   }
   PrWin::Output(text.c_str(), PrWin::category_data_base, PrWin::style_refusal);
-  return false;
 }
 
 }  // namespace
+
+bool CQTableManager::IsSupported(int major, int minor) {
+  return major == supported_major && minor >= least_minor;
+}
 
 CQTableManager::CQTableManager() { tables_.reserve(expected_tables); }
 
@@ -73,7 +72,10 @@ bool CQTableManager::ReadTablesFromCandidateLake() {
   if (lake.empty()) return false;
   const int major = lake[L"<DbDesign.CacheVersion>"];
   const int minor = lake[L"<DbDesign.CacheMinorVersion>"];
-  if (!IsSupported(major, minor)) return false;
+  if (!IsSupported(major, minor)) {
+    LogRefusal(major, minor);
+    return false;
+  }
   for (CQParamSeaTable* table : tables_) table->ReadTable(lake);
   return true;
 }

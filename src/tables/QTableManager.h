@@ -39,6 +39,9 @@ class KESTRIN_API CQTableManager {
  public:
   CQTableManager();
 
+  // Whether a data base of this version is read.
+  static bool IsSupported(int major, int minor);
+
   // The number of tables now registered: the table's index in Table() plus 1.
   unsigned int RegisterTable(CQParamSeaTable& table);
 

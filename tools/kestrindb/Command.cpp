@@ -62,14 +62,18 @@ std::size_t Width(const std::string& utf8) {
 std::string Utf8(std::wstring_view text) { return Text::ToUtf8(text); }
 std::wstring Wide(std::string_view text) { return Text::FromUtf8(text); }
 
-DataBase::DataBase(const std::string& file_name) : file_name_(file_name) {
+void ReadLake(const std::string& file_name) {
   RequireUsable(file_name);
-  const LogKeeper keeper(log);
   if (!CParameterLake::Lake().read(Wide(file_name))) {
     throw Failure(file_unusable,
                   "The file '" + file_name +
                       "' can't be read: it begins with a broken UTF-8 mark, or reading failed.");
   }
+}
+
+DataBase::DataBase(const std::string& file_name) : file_name_(file_name) {
+  const LogKeeper keeper(log);
+  ReadLake(file_name);
   accepted = params.ReadTablesFromCandidateLake();
 }
 

@@ -38,6 +38,9 @@ struct LogLine {
   std::string text;
 };
 
+// Reads a file into the candidate lake. Throws Failure if it can't be used.
+void ReadLake(const std::string& file_name);
+
 // A loaded data base: the file read into the candidate lake, the lake loaded.
 class DataBase {
  public:
@@ -87,6 +90,7 @@ void PrintTable(const std::vector<std::string>& headings,
                 const std::vector<std::vector<std::string>>& rows);
 
 // The commands, each in the file of its name.
+void AddCheck(CommandLine& line);
 void AddLoad(CommandLine& line);
 void AddNames(CommandLine& line);
 void AddDump(CommandLine& line);

@@ -1,0 +1,414 @@
+#include "frame/ParameterCheck.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <map>
+#include <set>
+#include <string_view>
+#include <unordered_map>
+
+#include "frame/TableCatalogue.h"
+#include "interfaces/Clavis.h"
+#include "interfaces/Text.h"
+#include "lake/Lake.h"
+#include "tables/QTableManager.h"
+#include "tables/RowText.h"
+
+namespace ParameterCheck {
+namespace {
+
+using TableCatalogue::RowBuffer;
+using TableCatalogue::TableInfo;
+using TableType::FieldKind;
+using TableType::FieldRef;
+
+// A text that leaves fewer characters than this of its limit is told.
+constexpr std::size_t near_limit = RowText::max_text_rest - 18;
+
+using LineNumbers = std::unordered_map<const CLake::CNode*, std::size_t>;
+
+LineNumbers NumberLines(const CLake& lake) {
+  LineNumbers numbers;
+  for (const CLake::CNode& node : lake) numbers.emplace(&node, numbers.size() + 1);
+  return numbers;
+}
+
+bool IsBlankOrComment(const CLake::CNode& node) {
+  return node.key().empty() && node.value().empty();
+}
+
+bool IsClosing(const CLake::CNode& node) {
+  return node.key().empty() && node.value().starts_with(L'}');
+}
+
+std::string Quoted(const std::wstring& text) {
+  constexpr std::size_t shown = 60;
+  return "'" + Text::ToUtf8(text.substr(0, shown)) + (text.size() > shown ? "...'" : "'");
+}
+
+// A field of a line at hand; the ints of a key inside a row are fields of their own.
+struct NamedField {
+  std::string name;
+  FieldRef ref;
+};
+
+void AppendFields(std::vector<NamedField>& fields,
+                  const std::vector<TableCatalogue::FieldInfo>& infos,
+                  const std::vector<FieldRef>& refs) {
+  for (std::size_t i = 0; i < infos.size(); ++i) {
+    if (refs[i].kind != FieldKind::key) {
+      fields.push_back({infos[i].name, refs[i]});
+      continue;
+    }
+    int element = 0;
+    for (int& id : static_cast<QClavis*>(refs[i].place)->id) {
+      const auto which = static_cast<Clavis::qOrder>(element++);
+      fields.push_back({infos[i].name + " (" + Text::ToUtf8(Clavis::ElementName(which, 1)) + ")",
+                        {FieldKind::integer, &id}});
+    }
+  }
+}
+
+// The value of a field such that two are the same text exactly if they are the same key.
+std::wstring KeyText(const FieldRef& field) {
+  std::wstring text;
+  if (field.kind == FieldKind::real) {
+    float value = *static_cast<const float*>(field.place);
+    if (value == 0 || std::isnan(value)) value = std::abs(value);
+    std::uint32_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    return std::to_wstring(bits);
+  }
+  const TableType::FieldView view{field.kind, field.place};
+  RowText::Append(text, {&view, 1});
+  return text;
+}
+
+// Checks the lines of one table.
+class TableCheck {
+ public:
+  TableCheck(const TableInfo& table, const LineNumbers& numbers, std::vector<Finding>& findings)
+      : table_(table), numbers_(numbers), findings_(findings), buffer_(table.new_row()) {
+    AppendFields(fields_, table.key, buffer_->key);
+    AppendFields(fields_, table.row, buffer_->row);
+  }
+
+  void Run(const CLake::CNode& section) {
+    for (auto child = section.begin_unnamed(); child != section.end_unnamed(); ++child) {
+      CheckLine(**child);
+    }
+    for (auto child = section.begin_named(); child != section.end_named(); ++child) {
+      Tell(Kind::keyed_line, Line(*child->second),
+           "the colon makes this a line with the key " + Quoted(child->first) +
+               ", which is no row of the table");
+    }
+  }
+
+ private:
+  std::size_t Line(const CLake::CNode& node) const { return numbers_.at(&node); }
+
+  Finding& Tell(Kind kind, std::size_t line, std::string message) {
+    findings_.push_back({kind, line, 0, table_.section, "", 0, std::move(message)});
+    return findings_.back();
+  }
+
+  void TellField(Kind kind, std::size_t line, std::size_t field, std::string message) {
+    Finding& finding = Tell(kind, line, std::move(message));
+    finding.field = fields_[field].name;
+    finding.position = field + 1;
+  }
+
+  void CheckLine(const CLake::CNode& node) {
+    const std::size_t line = Line(node);
+    if (IsBlankOrComment(node)) {
+      CheckBlank(line);
+      return;
+    }
+    std::wstring_view rest = node.value();
+    if (ReadFields(line, rest)) CheckKey(line);
+    first_line_ = false;
+  }
+
+  // As a table reads a line, field by field. False if the line has no key of its own.
+  bool ReadFields(std::size_t line, std::wstring_view& rest) {
+    const std::size_t key_size = buffer_->key.size();
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+      if (rest.empty() && fields_[i].ref.kind != FieldKind::text) {
+        TellShort(line, i);
+        ReadEmptyTexts(i);
+        return i >= key_size;
+      }
+      const bool is_text = fields_[i].ref.kind == FieldKind::text;
+      const std::size_t length = rest.size();
+      const RowText::Result result = RowText::ReadFields({&fields_[i].ref, 1}, rest);
+      if (!result.ok) {
+        TellBad(line, i, result.reason, rest);
+        return i >= key_size;
+      }
+      if (is_text && length >= near_limit) {
+        TellField(Kind::text_near_limit, line, i,
+                  std::to_string(length) + " characters from this text to the end of the line; " +
+                      std::to_string(RowText::max_text_rest + 1) + " can't be read");
+      }
+    }
+    if (!Text::Trim(rest).empty()) {
+      Tell(Kind::extra_fields, line,
+           "the table has " + std::to_string(fields_.size()) +
+               " fields; ignored behind them: " + Quoted(std::wstring(rest)));
+    }
+    return true;
+  }
+
+  // Texts that a line doesn't reach become empty, unlike numbers.
+  void ReadEmptyTexts(std::size_t first) {
+    for (std::size_t i = first; i < fields_.size(); ++i) {
+      if (fields_[i].ref.kind == FieldKind::text) *static_cast<wchar_t*>(fields_[i].ref.place) = 0;
+    }
+  }
+
+  void TellShort(std::size_t line, std::size_t field) {
+    std::string kept;
+    for (std::size_t i = field; i < fields_.size(); ++i) {
+      if (fields_[i].ref.kind == FieldKind::text) continue;
+      std::wstring value;
+      const TableType::FieldView view{fields_[i].ref.kind, fields_[i].ref.place};
+      RowText::Append(value, {&view, 1});
+      kept += (kept.empty() ? "" : ", ") + fields_[i].name + " = " + Text::ToUtf8(value);
+    }
+    TellField(Kind::short_line, line, field,
+              std::string("the line ends here; ") +
+                  (first_line_ ? "left at their defaults: " : "taken over from the line before: ") +
+                  kept);
+  }
+
+  void TellBad(std::size_t line, std::size_t field, const char* reason, std::wstring_view rest) {
+    std::string message = reason != nullptr
+                              ? std::string(reason) + " at " + Quoted(std::wstring(rest))
+                              : std::to_string(rest.size()) +
+                                    " characters from this text to the end of the line; " +
+                                    std::to_string(RowText::max_text_rest) + " can be read";
+    if (table_.container == "tree" && table_.row.size() == 1 && !told_index_) {
+      told_index_ = true;
+      message += " (and a bad line keeps all names of this table from being found by name)";
+    }
+    TellField(Kind::bad_line, line, field, std::move(message));
+  }
+
+  void CheckBlank(std::size_t line) {
+    const std::string makes = "a blank or comment line inside a table makes a row";
+    if (!table_.unique_keys) {
+      Tell(Kind::blank_line, line, makes + ": one more with the key of the line before");
+    } else if (first_line_) {
+      Tell(Kind::blank_line, line, makes + ": one with the key's defaults");
+    } else {
+      Tell(Kind::blank_line, line, makes + "; it is dropped, having the key of the line before");
+    }
+    ReadEmptyTexts(0);
+    first_line_ = false;
+  }
+
+  void CheckKey(std::size_t line) {
+    if (!table_.unique_keys) return;
+    std::wstring key;
+    std::string shown;
+    for (std::size_t i = 0; i < buffer_->key.size(); ++i) {
+      key += KeyText(fields_[i].ref) + L'\n';
+      const TableType::FieldView view{fields_[i].ref.kind, fields_[i].ref.place};
+      std::wstring text;
+      RowText::Append(text, {&view, 1});
+      shown += (shown.empty() ? "" : " ") + Text::ToUtf8(text);
+    }
+    const auto [first, is_new] = lines_by_key_.emplace(std::move(key), line);
+    if (is_new) return;
+    Tell(Kind::duplicate_key, line,
+         "the key " + shown + " stands in line " + std::to_string(first->second) +
+             " already; that row stays, this one is dropped")
+        .other_line = first->second;
+  }
+
+  const TableInfo& table_;
+  const LineNumbers& numbers_;
+  std::vector<Finding>& findings_;
+  std::unique_ptr<RowBuffer> buffer_;
+  std::vector<NamedField> fields_;
+  std::unordered_map<std::wstring, std::size_t> lines_by_key_;
+  bool first_line_ = true;
+  bool told_index_ = false;
+};
+
+// Checks how the lines nest and what stands at the top.
+class NestingCheck {
+ public:
+  explicit NestingCheck(std::vector<Finding>& findings) : findings_(findings) {}
+
+  void Run(const CLake& lake) {
+    std::size_t number = 0;
+    for (const CLake::CNode& node : lake) {
+      ++number;
+      if (IsClosing(node)) {
+        if (open_.empty()) {
+          TellUnreachable(number,
+                          static_cast<std::size_t>(std::distance(lake.begin(), lake.end())));
+          break;
+        }
+        open_.pop_back();
+        continue;
+      }
+      if (open_.empty() && node.is_named()) CheckTop(node, number);
+      if (node.value() == L"{") open_.push_back({number, node.key()});
+    }
+    for (const Open& section : open_) {
+      Tell(Kind::unclosed_section, section.line, 0, section.key,
+           "the section has no closing bracket and takes in all that follows");
+    }
+  }
+
+ private:
+  struct Open {
+    std::size_t line;
+    std::wstring key;
+  };
+
+  void Tell(Kind kind, std::size_t line, std::size_t other, const std::wstring& section,
+            std::string message) {
+    findings_.push_back({kind, line, other, section, "", 0, std::move(message)});
+  }
+
+  void TellUnreachable(std::size_t line, std::size_t last) {
+    if (line == last) {
+      Tell(Kind::unreachable_lines, line, 0, L"", "this bracket closes no section");
+      return;
+    }
+    Tell(Kind::unreachable_lines, line, last, L"",
+         "this bracket closes no section and ends the data base; lines " +
+             std::to_string(line + 1) + " to " + std::to_string(last) + " are not read");
+  }
+
+  void CheckTop(const CLake::CNode& node, std::size_t line) {
+    const bool is_section = node.value() == L"{";
+    const bool is_table =
+        TableCatalogue::Find(node.key()) != nullptr && node.key().starts_with(L'<');
+    if (is_section && !is_table) {
+      Tell(Kind::unknown_section, line, 0, node.key(), "no table of this name is known; not read");
+    } else if (is_table && !is_section) {
+      Tell(Kind::no_section, line, 0, node.key(),
+           "a table's name that opens no section: the value must be { alone");
+    }
+    const auto [first, is_new] = lines_by_key_.emplace(node.key(), line);
+    if (is_new) return;
+    const std::string before = "line " + std::to_string(first->second);
+    if (is_section) {
+      Tell(Kind::duplicate_section, line, first->second, node.key(),
+           "stands in " + before + " already, whose lines give way to those of this section");
+    } else {
+      Tell(Kind::duplicate_line, line, first->second, L"",
+           "the key " + Quoted(node.key()) + " stands in " + before +
+               " already; that line stays, this one is ignored");
+    }
+  }
+
+  std::vector<Finding>& findings_;
+  std::vector<Open> open_;
+  std::map<std::wstring, std::size_t> lines_by_key_;
+};
+
+void CheckVersion(const CLake& lake, const LineNumbers& numbers, std::vector<Finding>& findings) {
+  const auto major = lake[L"<DbDesign.CacheVersion>"];
+  const auto minor = lake[L"<DbDesign.CacheMinorVersion>"];
+  const int major_number = major;
+  const int minor_number = minor;
+  if (CQTableManager::IsSupported(major_number, minor_number)) return;
+  const std::size_t line = major.exists() ? numbers.at(&*major) : 0;
+  const std::size_t other = minor.exists() ? numbers.at(&*minor) : 0;
+  findings.push_back({Kind::refused_version, line, other, L"", "", 0,
+                      "version " + std::to_string(major_number) + "." +
+                          std::to_string(minor_number) +
+                          " is refused; 215 with a minor version of 1 or above is asked for"});
+}
+
+// Relative limits whose parameter no row of <TInstrumentParam> has.
+void CheckRelativeLimits(const CLake& lake, const LineNumbers& numbers,
+                         std::vector<Finding>& findings) {
+  const auto parameters = lake[L"<TInstrumentParam>"];
+  const auto limits = lake[L"<TGrex15>"];
+  if (!limits.exists()) return;
+  const auto ids_of = [](const CLake::CNode& section, const wchar_t* table, std::size_t field,
+                         auto use) {
+    const auto buffer = TableCatalogue::Find(table)->new_row();
+    for (auto child = section.begin_unnamed(); child != section.end_unnamed(); ++child) {
+      std::wstring_view rest = (*child)->value();
+      RowText::ReadFields(buffer->key, rest);
+      use(*static_cast<const int*>(buffer->key[field].place), **child);
+    }
+  };
+  std::set<int> known;
+  if (parameters.exists()) {
+    ids_of(*parameters, L"<TInstrumentParam>", 0,
+           [&](int id, const CLake::CNode&) { known.insert(id); });
+  }
+  ids_of(*limits, L"<TGrex15>", Clavis::Parameter, [&](int id, const CLake::CNode& node) {
+    if (known.contains(id)) return;
+    findings.push_back({Kind::unknown_parameter, numbers.at(&node), 0, L"<TGrex15>", "parameter",
+                        Clavis::Parameter + 1,
+                        "the parameter " + std::to_string(id) +
+                            " is not in <TInstrumentParam>: the load of the data base fails"});
+  });
+}
+
+}  // namespace
+
+const char* Name(Kind kind) {
+  switch (kind) {
+    case Kind::refused_version:
+      return "refused_version";
+    case Kind::bad_line:
+      return "bad_line";
+    case Kind::duplicate_key:
+      return "duplicate_key";
+    case Kind::blank_line:
+      return "blank_line";
+    case Kind::short_line:
+      return "short_line";
+    case Kind::extra_fields:
+      return "extra_fields";
+    case Kind::text_near_limit:
+      return "text_near_limit";
+    case Kind::keyed_line:
+      return "keyed_line";
+    case Kind::no_section:
+      return "no_section";
+    case Kind::unknown_section:
+      return "unknown_section";
+    case Kind::duplicate_section:
+      return "duplicate_section";
+    case Kind::duplicate_line:
+      return "duplicate_line";
+    case Kind::unclosed_section:
+      return "unclosed_section";
+    case Kind::unreachable_lines:
+      return "unreachable_lines";
+    case Kind::unknown_parameter:
+      return "unknown_parameter";
+  }
+  return "";
+}
+
+std::vector<Finding> Check(const CLake& lake) {
+  std::vector<Finding> findings;
+  const LineNumbers numbers = NumberLines(lake);
+  CheckVersion(lake, numbers, findings);
+  NestingCheck(findings).Run(lake);
+  for (const TableInfo& table : TableCatalogue::Tables()) {
+    const auto section = lake[table.section];
+    if (section.exists() && section->is_section()) {
+      TableCheck(table, numbers, findings).Run(*section);
+    }
+  }
+  CheckRelativeLimits(lake, numbers, findings);
+  std::stable_sort(findings.begin(), findings.end(),
+                   [](const Finding& a, const Finding& b) { return a.line < b.line; });
+  return findings;
+}
+
+}  // namespace ParameterCheck

@@ -1,0 +1,318 @@
+// Key sets that disagree with themselves show results that nobody selected, or hide those that
+// somebody did.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iterator>
+#include <random>
+#include <set>
+#include <stdexcept>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "keys/QIdx8Set.h"
+
+namespace {
+
+using Ids = std::set<int>;
+using Pairs = std::set<std::pair<int, int>>;
+
+constexpr unsigned int element_numbers = 8;
+
+// Gives the protected check a caller.
+struct Completeness : CClavisSet {
+  using CClavisSet::CheckForCompleteness;
+};
+
+CQIdx8Set InAll(const Ids& ids) {
+  CQIdx8Set set;
+  for (unsigned int e = 0; e < element_numbers; ++e) set.ElementSet(e) = ids;
+  return set;
+}
+
+void ExpectInAll(const CQIdx8Set& set, const Ids& ids) {
+  for (unsigned int e = 0; e < element_numbers; ++e) EXPECT_EQ(set.ElementSet(e), ids) << e;
+}
+
+TEST(KeySets, OpenElementsAddNothingOrWidenToAll) {
+  struct Case {
+    Ids before;
+    int id;
+    bool all_if_open;
+    Ids after;
+  };
+  const std::vector<Case> cases = {
+      {{1, 2}, -1, false, {1, 2}},  {{1, 2}, -1, true, {-1}},  {{-1, 2}, -1, true, {-1, 2}},
+      {{1, 2}, 3, true, {1, 2, 3}}, {{-1}, 5, false, {-1, 5}}, {{}, -1, false, {}},
+      {{}, -1, true, {-1}},
+  };
+  for (const Case& c : cases) {
+    CQIdx8Set set = InAll(c.before);
+    set.insert(QIdx8(c.id, c.id, c.id, c.id, c.id, c.id, c.id, c.id), c.all_if_open);
+    ExpectInAll(set, c.after);
+  }
+}
+
+TEST(KeySets, PairsWidenByHalves) {
+  CQIdx8Set set;
+  set.insertInstrPar(7, 3, false).insertInstrPar(7, 4, false).insertInstrPar(8, 3, false);
+  set.insertInstrPar(7, -1, false);
+  EXPECT_EQ(set.InstrParamSet(), (Pairs{{7, 3}, {7, 4}, {8, 3}}));
+  set.insertInstrPar(7, -1, true);
+  EXPECT_EQ(set.InstrParamSet(), (Pairs{{7, -1}, {8, 3}}));
+  EXPECT_EQ(set.ElementSet(Clavis::Instrument), (Ids{7, 8}));
+  EXPECT_EQ(set.ElementSet(Clavis::Parameter), (Ids{-1}));
+  EXPECT_TRUE(set.containsInstrPar(7, 99));
+  EXPECT_TRUE(set.containsInstrPar(8, 3));
+  EXPECT_FALSE(set.containsInstrPar(8, 4));
+  EXPECT_FALSE(set.containsInstrPar(-1, 3));
+  set.insertInstrPar(-1, -1, true).insertInstrPar(9, -1, true);
+  EXPECT_EQ(set.InstrParamSet(), (Pairs{{-1, -1}}));
+  EXPECT_TRUE(set.LocaChanSet().empty());
+
+  set.insertLocaChan(1, 2, false);  // the object in front
+  EXPECT_EQ(set.ElementSet(Clavis::Location), (Ids{1}));
+  EXPECT_TRUE(set.containsLocaChan(1, 2));
+  EXPECT_FALSE(set.containsLocaChan(2, 1));
+}
+
+TEST(KeySets, AllValueOutlivesRemovalOfOthers) {
+  CQIdx8Set set;
+  const QIdx8 key(1, 5, 1, 1, 1, 1, 1, 1);
+  const QIdx8 any_bench(1, 7, 1, 1, 1, 1, 1, 1);
+  set += key;
+  set.BenchSet() = {-1, 5};
+  EXPECT_TRUE(set.contains(any_bench));
+  CQIdx8Set without_5 = set;
+  without_5 -= QIdx8(-1, 5, -1, -1, -1, -1, -1, -1);
+  EXPECT_EQ(without_5.BenchSet(), (Ids{-1}));
+  EXPECT_TRUE(without_5.contains(any_bench) && without_5.contains(key));
+  set -= QIdx8();
+  EXPECT_EQ(set.BenchSet(), (Ids{5}));
+  EXPECT_TRUE(set.contains(key));
+  EXPECT_FALSE(set.contains(any_bench));
+
+  // A pair goes with either of its halves, so that it doesn't come back with the next insertion.
+  set.insertInstrPar(1, 2, false).insertInstrPar(3, 4, false);
+  set -= QIdx8(0, 0, 0, 1, 0, 0, 9, 0);
+  EXPECT_EQ(set.InstrParamSet(), (Pairs{{3, 4}}));
+}
+
+TEST(KeySets, IntersectionOfIdsAndPairs) {
+  struct Case {
+    Ids a, b, both;
+  };
+  const std::vector<Case> cases = {
+      {{-1}, {1, 2}, {1, 2}}, {{1, 2}, {-1}, {1, 2}},      {{1, 2}, {2, 3}, {2}},
+      {{-1}, {-1}, {-1}},     {{-1, 4}, {-1, 5}, {-1, 4}}, {{1}, {}, {}},
+  };
+  for (const Case& c : cases) {
+    CQIdx8Set set = InAll(c.a);
+    set &= InAll(c.b);
+    ExpectInAll(set, c.both);
+  }
+  CQIdx8Set a;
+  CQIdx8Set b;
+  a.LocaChanSet() = {{7, -1}, {-1, 3}, {1, 1}};
+  b.LocaChanSet() = {{-1, 4}, {8, -1}, {1, 1}, {7, 9}};
+  a &= b;
+  EXPECT_EQ(a.LocaChanSet(), (Pairs{{7, 4}, {8, 3}, {7, 9}, {1, 1}}));
+}
+
+TEST(KeySets, TypeAndBenchStandBesideTheKey) {
+  CQIdx8Set set;
+  const CClavis key(QClavis(1, 2, 3, 4, 5, 6).id);
+  set += key;
+  EXPECT_TRUE(set.contains(key));
+  EXPECT_FALSE(set.contains(QIdx8(1, 1, key)));
+  EXPECT_FALSE(set.valid());
+  EXPECT_TRUE(set.TypeSet().empty() && set.BenchSet().empty());
+  set.insertTypeBench(1, -1, true);
+  EXPECT_TRUE(set.valid());
+  EXPECT_TRUE(set.contains(QIdx8(1, 77, key)));
+  EXPECT_TRUE(set.contains(CQIdx8Set::Type, 1) && set.contains(CQIdx8Set::Bench, 3));
+  EXPECT_FALSE(set.contains(CQIdx8Set::Type, 2) || set.contains(Clavis::Sensor, 5));
+  EXPECT_THROW(set.contains(8, 1), std::out_of_range);
+
+  CQIdx8Set more;
+  more.TypeSet() = {-1};
+  set |= more;
+  EXPECT_EQ(set.TypeSet(), (Ids{-1, 1}));
+  EXPECT_TRUE(set.contains(QIdx8(9, 9, key)));
+  set.clear();
+  EXPECT_EQ(set, CQIdx8Set());
+}
+
+TEST(KeySets, CompleteSelectionsBecomeAll) {
+  struct Case {
+    Ids selected, all, after;
+    bool complete;
+  };
+  const std::vector<Case> cases = {
+      {{1, 2}, {1, 2}, {-1}, true},
+      {{1, 2, 3}, {1, 2}, {-1}, true},
+      {{1}, {1, 2}, {1}, false},
+      {{-1, 1}, {1, 2}, {-1}, true},
+      {{}, {}, {}, false},
+      {{}, {1}, {}, false},
+      {{1}, {}, {1}, false},
+      {{-1}, {}, {-1}, true},
+      {{1, 2}, {-1, 1, 2}, {1, 2}, false},
+  };
+  for (const Case& c : cases) {
+    Ids selected = c.selected;
+    EXPECT_EQ(Completeness::CheckForCompleteness(selected, c.all), c.complete);
+    EXPECT_EQ(selected, c.after);
+  }
+  // Two instruments and two parameters are all there are, and still half of the pairs is missing.
+  CQIdx8Set all;
+  CQIdx8Set set;
+  set.insertInstrPar(7, 3, false).insertInstrPar(8, 4, false);
+  all.insertInstrPar(7, 4, false).insertInstrPar(8, 3, false) |= set;
+  set.completeness_check(all);
+  EXPECT_EQ(set.ElementSet(Clavis::Instrument), (Ids{-1}));
+  EXPECT_EQ(set.InstrParamSet(), (Pairs{{7, 3}, {8, 4}}));
+  set |= all;
+  set.completeness_check(all);
+  EXPECT_EQ(set.InstrParamSet(), (Pairs{{-1, -1}}));
+}
+
+// Random selections over three ids for each element, with every key over them and over one id that
+// no selection names.
+class KeySetAlgebra : public testing::Test {
+ protected:
+  static constexpr int rounds = 3000;
+
+  int Roll(int sides) { return static_cast<int>(random() % static_cast<unsigned int>(sides)); }
+
+  // Ids of 0 to `ids` - 1; one of `open_in` is -1.
+  QIdx8 Key(int open_in, int ids = 3) {
+    QIdx8 key;
+    std::apply([&](auto&... id) { ((id = Roll(open_in) == 0 ? -1 : Roll(ids)), ...); },
+               key.tuple());
+    return key;
+  }
+  QIdx8 Probe() { return Key(20, 4); }
+
+  // An id of each element set, so that only the pairs may keep the key out.
+  QIdx8 Inside(const CQIdx8Set& set) {
+    const auto pick = [&](unsigned int element) {
+      const Ids& ids = set.ElementSet(element);
+      return ids.empty() ? -1 : *std::next(ids.begin(), Roll(static_cast<int>(ids.size())));
+    };
+    return {pick(CQIdx8Set::Type),
+            pick(CQIdx8Set::Bench),
+            pick(0),
+            pick(1),
+            pick(2),
+            pick(3),
+            pick(4),
+            pick(5)};
+  }
+  CQIdx8Set Selection() {
+    CQIdx8Set set;
+    for (int i = Roll(8); i > 0; --i) set.insert(Key(3), Roll(2) == 0);
+    if (Roll(4) == 0) set -= Key(2);
+    return set;
+  }
+  static bool IsCoupled(const CQIdx8Set& set) {
+    const auto coupled = [&set](const Pairs& pairs, unsigned int first, unsigned int second) {
+      return std::ranges::all_of(pairs, [&](const auto& pair) {
+        return set.contains(first, pair.first) && set.contains(second, pair.second);
+      });
+    };
+    return coupled(set.LocaChanSet(), Clavis::Location, Clavis::Channel) &&
+           coupled(set.InstrParamSet(), Clavis::Instrument, Clavis::Parameter);
+  }
+
+  std::mt19937 random{20240229};
+};
+
+TEST_F(KeySetAlgebra, IntersectionIsExactAndUnionLosesNothing) {
+  int inside = 0;
+  for (int round = 0; round < rounds; ++round) {
+    const CQIdx8Set a = Selection();
+    const CQIdx8Set b = Selection();
+    CQIdx8Set both = a;
+    CQIdx8Set either = a;
+    both &= b;
+    either |= b;
+    ASSERT_TRUE(IsCoupled(a) && IsCoupled(both) && IsCoupled(either));
+    for (int i = 0; i < 30; ++i) {
+      const QIdx8 key = Probe();
+      ASSERT_EQ(both.contains(key), a.contains(key) && b.contains(key));
+      inside += both.contains(key) ? 1 : 0;
+      ASSERT_TRUE(either.contains(key) || (!a.contains(key) && !b.contains(key)));
+      // Set by set the union is exact.
+      for (unsigned int e = 0; e < element_numbers; ++e) {
+        const int id = i % 4;
+        ASSERT_EQ(either.contains(e, id), a.contains(e, id) || b.contains(e, id));
+      }
+      ASSERT_EQ(
+          either.containsLocaChan(key.id[3], key.id[2]),
+          a.containsLocaChan(key.id[3], key.id[2]) || b.containsLocaChan(key.id[3], key.id[2]));
+    }
+  }
+  EXPECT_GT(inside, rounds / 10);  // or the sample shows nothing
+}
+
+TEST_F(KeySetAlgebra, InsertionAndRemovalShowInTheTest) {
+  for (int round = 0; round < rounds; ++round) {
+    CQIdx8Set set = Selection();
+    const QIdx8 closed = Key(1 << 20);
+    const QIdx8 open = Key(2);
+    const CQIdx8Set before = set;
+
+    set.insert(closed, round % 2 == 0);
+    ASSERT_TRUE(set.contains(closed) && set.valid() && IsCoupled(set));
+    const QIdx8 probe = Probe();
+    ASSERT_TRUE(set.contains(probe) || !before.contains(probe));
+
+    CQIdx8Set without = set;
+    without -= closed;
+    bool all_open = true;
+    for (unsigned int e = 0; e < element_numbers; ++e) {
+      all_open = all_open && set.ElementSet(e).contains(-1);
+    }
+    ASSERT_TRUE(IsCoupled(without));
+    ASSERT_TRUE(all_open || !without.contains(closed));
+    ASSERT_TRUE(set.contains(probe) || !without.contains(probe));
+
+    set.insert(open, true);
+    QIdx8 filled = open;
+    std::apply([&](auto&... id) { ((id = id == -1 ? Roll(4) : id), ...); }, filled.tuple());
+    ASSERT_TRUE(set.contains(open) && set.contains(filled) && set.contains(closed));
+    ASSERT_TRUE(IsCoupled(set));
+  }
+}
+
+TEST_F(KeySetAlgebra, CompletenessChangesNothingInsideAll) {
+  int changed = 0;
+  int inside = 0;
+  for (int round = 0; round < rounds; ++round) {
+    CQIdx8Set all;
+    for (int i = 1 + Roll(4); i > 0; --i) all += Key(4);
+    CQIdx8Set set = Selection();
+    if (round % 2 == 0) set |= all;
+    CQIdx8Set checked = set;
+    checked.completeness_check(all);
+    changed += checked == set ? 0 : 1;
+    ASSERT_TRUE(IsCoupled(checked));
+    const bool complete = round % 2 == 0 && all.valid();
+    ASSERT_TRUE(checked.contains(QIdx8(3, 3, 3, 3, 3, 3, 3, 3)) || !complete);
+    CQIdx8Set again = checked;
+    again.completeness_check(all);
+    ASSERT_EQ(again, checked);
+    for (int i = 0; i < 30; ++i) {
+      const QIdx8 key = i % 2 == 0 ? Probe() : Inside(all);
+      inside += all.contains(key) ? 1 : 0;
+      ASSERT_TRUE(checked.contains(key) == set.contains(key) || !all.contains(key));
+      ASSERT_TRUE(checked.contains(key) || !set.contains(key));
+    }
+  }
+  EXPECT_GT(changed, rounds / 4);
+  EXPECT_GT(inside, rounds);
+}
+
+}  // namespace

@@ -1,0 +1,152 @@
+// Binary table files: the bytes are the same on every platform, and a damaged file is told.
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "interfaces/File.h"
+#include "lake_bytes.h"
+#include "tables/TableFile.h"
+
+namespace {
+
+// A file in memory.
+struct Bytes {
+  std::string bytes;
+  std::size_t place = 0;
+
+  unsigned Read(void* buffer, unsigned count) {
+    const std::size_t got = bytes.copy(static_cast<char*>(buffer), count, place);
+    place += got;
+    return static_cast<unsigned>(got);
+  }
+  void Write(const void* buffer, unsigned count) {
+    bytes.append(static_cast<const char*>(buffer), count);
+  }
+};
+
+std::string Word(unsigned value) {
+  std::string word;
+  for (int i = 0; i < 4; ++i) word += static_cast<char>(value >> (8 * i));
+  return word;
+}
+
+const std::string magic = "++++++++";
+
+TEST(TableFile, HeadersAreReadAsTheyWereWritten) {
+  DynTables::QtTableHeader header;
+  DynTables::FillHeader(header, 2, 7, 8, 0x01020304);
+  Bytes file;
+  DynTables::WriteToFile(file, header);
+  const std::string written = Word(28) + magic + Word(2) + Word(7) + Word(8) + Word(0x01020304);
+  EXPECT_EQ(file.bytes, written);
+
+  struct Case {
+    std::string bytes;
+    unsigned size, version, param1, param2, param3;
+  };
+  const Case cases[] = {{written, 28, 2, 7, 8, 0x01020304},
+                        {Word(0xFFFFFFFF) + magic + Word(1) + Word(9), 0xFFFFFFFF, 1, 1, 1, 9},
+                        {Word(20) + magic + Word(0) + Word(9), 20, 0, 1, 1, 9}};
+  for (const Case& c : cases) {
+    Bytes whole{c.bytes};
+    DynTables::QtTableHeader read;
+    ASSERT_TRUE(DynTables::ReadFromFile(whole, read));
+    EXPECT_EQ(read.header_size, c.size);
+    EXPECT_EQ(read.format_version, c.version);
+    EXPECT_EQ(read.param1, c.param1);
+    EXPECT_EQ(read.param2, c.param2);
+    EXPECT_EQ(read.param3, c.param3);
+    for (std::size_t length = 0; length < c.bytes.size(); ++length) {
+      Bytes cut{c.bytes.substr(0, length)};
+      EXPECT_FALSE(DynTables::ReadFromFile(cut, read)) << length;
+    }
+    for (std::size_t i = 4; i < 12; ++i) {
+      Bytes wrong{c.bytes};
+      wrong.bytes[i] = '-';
+      EXPECT_FALSE(DynTables::ReadFromFile(wrong, read)) << i;
+    }
+  }
+}
+
+TEST(TableFile, FieldsAreBlocksAndTextsOfTwoBytesACharacter) {
+  const int sizes[] = {4, -200, 0, -2};
+  const float number = 1.5F;
+  wchar_t name[200] = L"Pr\u00FCf \xD834\xDD1E";
+  name[199] = 0xABCD;  // behind the terminator, and kept
+  const wchar_t two[2] = {L'a', L'b'};
+  const void* const fields[] = {&number, name, nullptr, two};
+  Bytes file;
+  DynTables::WriteToFile(file, sizes, fields, 4);
+  ASSERT_EQ(file.bytes.size(), 4U + 4 + 400 + 4 + 4);
+  EXPECT_EQ(file.bytes.substr(4, 10), Word(200) + std::string("P\0r\0\xFC\0", 6));
+  EXPECT_EQ(file.bytes.substr(406, 10), std::string("\xCD\xAB\2\0\0\0a\0b\0", 10));
+
+  float number_read = 0;
+  wchar_t name_read[200] = {};
+  wchar_t two_read[2] = {};
+  void* const places[] = {&number_read, name_read, nullptr, two_read};
+  Bytes again{file.bytes};
+  EXPECT_TRUE(DynTables::ReadFromFile(again, sizes, places, 4));
+  EXPECT_EQ(number_read, number);
+  EXPECT_EQ(std::wmemcmp(name_read, name, 200), 0);
+  EXPECT_EQ(std::wmemcmp(two_read, two, 2), 0);
+  for (std::size_t length = 0; length < file.bytes.size(); ++length) {
+    Bytes cut{file.bytes.substr(0, length)};
+    EXPECT_FALSE(DynTables::ReadFromFile(cut, sizes, places, 4)) << length;
+  }
+  Bytes nothing;
+  EXPECT_TRUE(DynTables::ReadFromFile(nothing, sizes, places, 0));
+}
+
+TEST(TableFile, TheLengthInTheFileIsOnlyTested) {
+  const int size = -2;
+  wchar_t text[2];
+  void* const place = text;
+  const std::pair<unsigned, bool> cases[] = {
+      {0, true}, {1, true}, {200, true}, {201, false}, {0xFFFFFFFF, false}};
+  for (const auto& [length, good] : cases) {
+    Bytes file{Word(length) + std::string("x\0y\0", 4)};
+    EXPECT_EQ(DynTables::ReadFromFile(file, &size, &place, 1), good) << length;
+  }
+  const int wide = -201;
+  wchar_t long_text[201] = L"long";
+  const void* const source = long_text;
+  void* const target = long_text;
+  Bytes file;
+  DynTables::WriteToFile(file, &wide, &source, 1);
+  EXPECT_EQ(file.bytes.size(), 4U + 402);
+  EXPECT_FALSE(DynTables::ReadFromFile(file, &wide, &target, 1));
+}
+
+TEST(TableFile, AFileOnDiskTellsWhatItCannotDo) {
+  const ScratchFile scratch;
+  DynTables::QtTableHeader header;
+  DynTables::FillHeader(header, 3, 1, 2, 3);
+  {
+    CFile file(scratch.name(), CFile::modeWrite);
+    DynTables::WriteToFile(file, header);
+    file.Close();
+    file.Close();
+    EXPECT_THROW(file.Write("x", 1), CFileException);
+  }
+  CFile file(scratch.name(), CFile::modeRead);
+  DynTables::QtTableHeader read;
+  EXPECT_TRUE(DynTables::ReadFromFile(file, read));
+  EXPECT_EQ(read.param3, 3U);
+  EXPECT_FALSE(DynTables::ReadFromFile(file, read));
+
+  CFile full(L"/dev/full", CFile::modeWrite);
+  EXPECT_THROW(
+      {
+        DynTables::WriteToFile(full, header);
+        full.Close();
+      },
+      CFileException);
+  for (const wchar_t* name : {L"/nowhere/at/all", L"/"}) {
+    EXPECT_THROW(CFile(name, CFile::modeRead), CFileException);
+  }
+}
+
+}  // namespace
