@@ -8,7 +8,9 @@
 //   }
 #pragma once
 
+#include "frame/ModuleStrings.h"
 #include "frame/ParameterCheck.h"
+#include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
 #include "frame/QtParamServer.h"
 #include "frame/TableCatalogue.h"
@@ -20,6 +22,9 @@
 #include "keys/IndexRecords.h"
 #include "keys/QIdx8Set.h"
 #include "lake/Lake.h"
+#include "spec/OrderInterpreter.h"
+#include "spec/QtSpecInterval.h"
+#include "spec/QtSpecIntervalStore.h"
 #include "tables/QParamBaseTable.h"
 #include "tables/QTableManager.h"
 #include "tables/RowText.h"

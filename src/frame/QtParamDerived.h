@@ -4,7 +4,11 @@
 
 #include "frame/DataSource.h"
 #include "queries/Grex.h"
+#include "queries/QtChannelInfo.h"
 #include "queries/QtModeInfo.h"
+#include "queries/QtRotorInfo.h"
+#include "queries/QtSpeedInfo.h"
+#include "spec/QtSpecIntervalStore.h"
 
 class CQtParamStore;
 
@@ -27,6 +31,10 @@ class CQtParamDerived {
   // The trigger of an instrument parameter, or -1.
   int TriggerId(int instrument_param) const;
 
+  const CQtSpeedInfo& SpeedInfo() const { return speed_info; }
+  const CQtSpecIntervalStore& SpecIntervals() const { return spec_intervals; }
+  const CQtChannelInfo& ChannelInfo() const { return channel_info; }
+  const CQtRotorInfo& RotorInfo() const { return rotor_info; }
   const CQtModeInfo& ModeInfo() const { return mode_info; }
   const CGrexInfo& GrexInfo() const { return grex_info; }
 
@@ -36,6 +44,10 @@ class CQtParamDerived {
   CQtParamStore* store;
   // Filled by Build, so that reading it from a query changes nothing.
   mutable DataSource::CCandidateSeaDataSource<int> trigger_ids;
+  CQtSpeedInfo speed_info;
+  CQtSpecIntervalStore spec_intervals;
+  CQtChannelInfo channel_info;
+  CQtRotorInfo rotor_info;
   CQtModeInfo mode_info;
   CGrexInfo grex_info;
 };
