@@ -10,10 +10,11 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <optional>
+#include <memory>
 #include <vector>
 
 #include "frame/QtParamStore.h"
@@ -88,6 +89,7 @@ class RowIndex {
       Slot& slot = slots_[SlotOf(key, set, hash)];
       next_[row] = slot.first_row;
       slot = {hash, row, set};
+      has_rows_.set(FilterBit(hash));
       if (!met[set]) sets_.push_back(set);
       met[set] = true;
     }
@@ -98,13 +100,16 @@ class RowIndex {
     found.clear();
     const ElementHashes hashes(key);
     for (const ElementSet set : sets_) {
-      std::size_t row = slots_[SlotOf(key, set, hashes.Of(set))].first_row;
+      const std::uint64_t hash = hashes.Of(set);
+      if (!has_rows_[FilterBit(hash)]) continue;
+      std::size_t row = slots_[SlotOf(key, set, hash)].first_row;
       for (; row != none; row = next_[row]) found.push_back(row);
     }
     std::sort(found.begin(), found.end());
   }
 
  private:
+  static constexpr unsigned filter_bits = 16;
   static constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
 
   struct Slot {
@@ -112,6 +117,8 @@ class RowIndex {
     std::size_t first_row = none;
     ElementSet set = 0;
   };
+
+  static std::size_t FilterBit(std::uint64_t hash) { return hash >> (64U - filter_bits); }
 
   // The slot of the rows with these elements, or the free one where they would stand. At least half
   // of the slots are free.
@@ -131,6 +138,8 @@ class RowIndex {
   std::vector<Slot> slots_;
   std::vector<std::size_t> next_;  // the next row of the same place
   std::vector<ElementSet> sets_;   // the sets of elements that rows are seen with
+  // By the hash's upper bits. Most probes find nothing, and learn it from these few kilobytes.
+  std::bitset<std::size_t{1} << filter_bits> has_rows_;
 };
 
 // Finds the rows that match a key.
@@ -141,15 +150,15 @@ class RowFinder {
   // Good until the next call.
   const std::vector<std::size_t>& Find(const QClavis& key) {
     const ElementSet visible = SetElements(key);
-    std::optional<RowIndex>& index = indexes_[visible];
-    if (!index) index.emplace(rows_, visible);
+    std::unique_ptr<RowIndex>& index = indexes_[visible];
+    if (!index) index = std::make_unique<RowIndex>(rows_, visible);
     index->Find(key, found_);
     return found_;
   }
 
  private:
   const GrexRows& rows_;
-  std::array<std::optional<RowIndex>, element_sets> indexes_;  // made when a key asks for it
+  std::array<std::unique_ptr<RowIndex>, element_sets> indexes_;  // made when a key asks for it
   std::vector<std::size_t> found_;
 };
 
