@@ -22,6 +22,7 @@
 #include "keys/IndexRecords.h"
 #include "keys/QIdx8Set.h"
 #include "lake/Lake.h"
+#include "queries/Grex.h"
 #include "spec/OrderInterpreter.h"
 #include "spec/QtSpecInterval.h"
 #include "spec/QtSpecIntervalStore.h"
@@ -29,3 +30,4 @@
 #include "tables/QTableManager.h"
 #include "tables/RowText.h"
 #include "tables/TableFile.h"
+#include "trigger/TriggerStore.h"
