@@ -128,7 +128,7 @@ const CDynNameIdTable& CQtParamInstance::IdNameMap(int element) const {
     case Clavis::Sensor:
       return ApplicationSignal();
     default:
-      assert(!"an element with names by id");
+      assert(false && "an element with names by id");
       return Mode();
   }
 }
