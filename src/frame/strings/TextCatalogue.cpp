@@ -1,0 +1,59 @@
+#include "frame/strings/TextCatalogue.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+
+#include "frame/ModuleStrings.h"
+#include "frame/strings/EmbeddedTexts.h"
+#include "frame/strings/TextLines.h"
+#include "interfaces/Text.h"
+
+namespace {
+
+constexpr int system_default = 2048;
+constexpr std::string_view no_file;
+
+std::optional<int> ReadGroup(std::wstring_view line) {
+  constexpr std::wstring_view head = L"[dialog ";
+  if (!line.starts_with(head) || !line.ends_with(L']')) return std::nullopt;
+  return ReadNumber(line.substr(head.size(), line.size() - head.size() - 1));
+}
+
+}  // namespace
+
+TextCatalogue::TextCatalogue(std::string_view file) {
+  const std::wstring whole = Text::FromUtf8(file);
+  int group = string_table;
+  for (const std::wstring_view line : Split(whole, L'\n')) {
+    const std::size_t tab = line.find(L'\t');
+    if (const auto next = ReadGroup(line)) {
+      group = *next;
+    } else if (const auto id = ReadNumber(line.substr(0, tab)); id && tab < line.size()) {
+      entries_.push_back({{group, *id}, std::wstring(Text::Trim(line.substr(tab)))});
+    }
+  }
+  std::stable_sort(entries_.begin(), entries_.end(),
+                   [](const Entry& a, const Entry& b) { return a.key < b.key; });
+}
+
+const TextCatalogue& TextCatalogue::Of(const Language& language) {
+  // Never destroyed: objects that die at process end may still ask for a text.
+  static const auto* const all = [] {
+    auto* const read = new std::map<std::string_view, TextCatalogue>;
+    for (const EmbeddedText& file : EmbeddedTexts()) read->try_emplace(file.name, file.text);
+    read->try_emplace(no_file, std::string_view());
+    return read;
+  }();
+  // The default of the system has no file of its own.
+  const auto found = all->find(language.id == system_default ? "en" : language.tag);
+  return found == all->end() ? all->at(no_file) : found->second;
+}
+
+const std::wstring* TextCatalogue::Find(int group, int id) const {
+  const std::pair key(group, id);
+  const auto found =
+      std::lower_bound(entries_.begin(), entries_.end(), key,
+                       [](const Entry& entry, const auto& wanted) { return entry.key < wanted; });
+  return found == entries_.end() || found->key != key ? nullptr : &found->text;
+}
