@@ -8,7 +8,9 @@
 //   }
 #pragma once
 
+#include "frame/ModuleStrings.h"
 #include "frame/ParameterCheck.h"
+#include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
 #include "frame/QtParamServer.h"
 #include "frame/TableCatalogue.h"

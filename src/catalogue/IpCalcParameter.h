@@ -1,5 +1,8 @@
 // The calculation parameters of instrument parameters: numbered settings that are all stored as
 // text. Whoever reads a value decides whether it is a number, a float or a text.
+//
+// What the numbers and their values are called comes from the library's string table, in the
+// language of the user (frame/ModuleStrings.h). These texts may be asked for from any thread.
 #pragma once
 
 #include <list>
@@ -35,6 +38,22 @@ struct KESTRIN_API QVIpCalcParameter : QValueBase {
 
   // The number at the start of the text; 0 if there is none or the text is empty.
   float ValueFloat() const;
+
+  // The name of a calculation parameter: "Trigger" for 1. A number that has none gives the general
+  // word and itself: "Calculation parameter #43". Any id of the string table can be reached, as
+  // number + 100.
+  static CString GetCalcParamEnumText(int number);
+
+  // The name of a value of a calculation parameter: "Minimum" for value 1 of number 0. Empty if the
+  // calculation parameter has no list of values, or the value no name. There are names for values
+  // behind the end of a list too.
+  static CString GetCalcParamEnumSubText(int number, int value);
+
+  // All names of calculation parameters, or of the values in the list of one, in the order of their
+  // numbers; the result is how many. What has no name is shown as its number, "(7)". A calculation
+  // parameter without a list of values gives the one entry "(0)".
+  static unsigned GetCalcParamEnumTexts(std::list<CString>& texts);
+  static unsigned GetCalcParamEnumSubTexts(int number, std::list<CString>& texts);
 
   std::tuple<wchar_t*> tuple() { return {text}; }
   std::tuple<const wchar_t*> tuple() const { return {text}; }

@@ -9,10 +9,15 @@
 CQtParamDerived::CQtParamDerived(CQtParamStore& param_store)
     : store(&param_store),
       trigger_ids(param_store, QVIpCalcParameter::trigger),
+      speed_info(param_store),
+      channel_info(param_store, speed_info),
+      rotor_info(param_store, speed_info, channel_info),
       mode_info(param_store) {}
 
 void CQtParamDerived::Build() {
   trigger_ids.Reset();
+  channel_info.Build();
+  rotor_info.Build();
   trigger_ids.begin();
   if (store->Table<L"<TResamplingM>">().empty()) ExpandResampling();
   Units::RefreshTextsOfAutoModes(*store);
@@ -45,7 +50,7 @@ bool CQtParamDerived::CompleteRelativeLimitKeys() {
   return true;
 }
 
-void CQtParamDerived::Dump(int /*limit*/) const {}
+void CQtParamDerived::Dump(int limit) const { channel_info.Dump(limit); }
 
 int CQtParamDerived::TriggerId(int instrument_param) const {
   int trigger = -1;

@@ -3,7 +3,10 @@
 #pragma once
 
 #include "frame/DataSource.h"
+#include "queries/QtChannelInfo.h"
 #include "queries/QtModeInfo.h"
+#include "queries/QtRotorInfo.h"
+#include "queries/QtSpeedInfo.h"
 
 class CQtParamStore;
 
@@ -26,6 +29,9 @@ class CQtParamDerived {
   // The trigger of an instrument parameter, or -1.
   int TriggerId(int instrument_param) const;
 
+  const CQtSpeedInfo& SpeedInfo() const { return speed_info; }
+  const CQtChannelInfo& ChannelInfo() const { return channel_info; }
+  const CQtRotorInfo& RotorInfo() const { return rotor_info; }
   const CQtModeInfo& ModeInfo() const { return mode_info; }
 
  private:
@@ -34,5 +40,8 @@ class CQtParamDerived {
   CQtParamStore* store;
   // Filled by Build, so that reading it from a query changes nothing.
   mutable DataSource::CCandidateSeaDataSource<int> trigger_ids;
+  CQtSpeedInfo speed_info;
+  CQtChannelInfo channel_info;
+  CQtRotorInfo rotor_info;
   CQtModeInfo mode_info;
 };

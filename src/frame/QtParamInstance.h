@@ -13,6 +13,7 @@
 
 #include <bitset>
 #include <cstddef>
+#include <utility>
 
 #include "frame/TableList.h"
 #include "interfaces/Export.h"
@@ -313,6 +314,75 @@ class KESTRIN_API CQtParamInstance {
   // channel alone if the object has properties without the flag 4.
   const wchar_t* FormatLocaChanText(CString& text, int location, int channel) const;
   const wchar_t* FormatLocaChanText(CString& text, const QClavis& key) const;
+
+  // --- Channels (queries/Channels.cpp) ------------------------------------------------------
+  // A channel may be derived from another one, its parent, which can depend on the test step. The
+  // channel at the end of this chain is its base channel; how a chain ends that closes on itself
+  // stands in queries/QtChannelInfo.h. Virtual modes count as their base modes.
+
+  // How a channel is resampled: a set of these bits.
+  enum channelFlag : unsigned {
+    channel_sync = 1,  // over the revolutions of one rotor
+    channel_mix = 2,   // over those of a speed source, for all rotors that it drives
+    channel_fix = 4,   // over time
+  };
+
+  // The direct parent, -1 if there is none.
+  int ParentChannel(int mode, int channel) const;
+
+  // The channel itself if it has no parent. 0, and not -1, for an unknown test step or channel.
+  int BaseChannel(int mode, int channel) const;
+
+  // The bits of all channels of the chain together; 0 for an unknown test step or channel.
+  int ChannelFlags(int mode, int channel) const;
+
+  // The channel's own bits, with no regard to its parents; 0 or false for an unknown channel.
+  unsigned ChannelResamplingType(int channel) const;
+  bool ChannelIsSync(int channel) const;
+  bool ChannelIsMix(int channel) const;
+  bool ChannelIsFix(int channel) const;
+
+  // --- Rotors, speed sources and orders (queries/Rotors.cpp) --------------------------------
+  // Order sources and gears sit on rotors, and a speed source tells how fast a rotor turns. Their
+  // ids are one space: an order source that no table puts on a rotor is the rotor of its number, a
+  // gear that no table translates is the physical gear of its number. The chain through the tables
+  // is drawn in queries/QtSpeedInfo.h. Virtual modes count as their base modes, except in
+  // RotorSpeedSource. -1 stands for none, given or found.
+
+  // The gear of the machine for which a gear stands in the test step's physical mode; -1 for an
+  // unknown test step.
+  int PhysicalGear(int mode, int gear) const;
+
+  // The rotor of an order source. 0 if an argument is -1; -1 for an unknown test step.
+  int OrderSource2Rotor(int mode, int source) const;
+
+  // The speed source of the order source's rotor, and the application signal that carries that
+  // speed; -1 if there is none. RotorSpeedSource knows no virtual modes and gives -1 for them.
+  int RotorSpeedSource(int mode, int source) const;
+  int RotorSpeedSourceAppId(int mode, int source) const;
+
+  // The application signal that carries the speed of a rotor, -1 if there is none.
+  int SpeedInfoOfRotor(int mode, int rotor) const;
+
+  // The orders of a gear, or of another order source, on the axis of its own rotor: for a gear
+  // wheel its teeth. 0 if there are none.
+  float BaseOrder(int mode, int gear) const;
+
+  // How often the rotor of `other` turns while that of `generating` turns once, negative if it
+  // turns the other way round. 0 if the speed of either is unknown or `generating` stands still.
+  float FrequencyRatioToGeneratingRotor(int mode, int generating, int other) const;
+
+  // The same for an order source against the speed source of its rotor; 0 if it has none. Times the
+  // base order it is the order of the source on the speed source's axis.
+  float RotorFrequencyRelativeToSpeedSourceRotor(int mode, int source) const;
+
+  // First and end of the order sources that a channel sees: of this rotor for a sync channel, of
+  // all rotors of this rotor's speed source for a mix channel, none for others. A row's key is
+  // physical mode, speed source, rotor and a running number, its value the order source. Good until
+  // the next load; a purge leaves it.
+  using OrderSourceMap = CUniqueTreeMap<QIdx4, QVRefIdx>;
+  using OrderSources = std::pair<OrderSourceMap::const_iterator, OrderSourceMap::const_iterator>;
+  OrderSources OrderSourceRange(int mode, int channel, int rotor) const;
 
  private:
   CQtParamDistillery* store_;

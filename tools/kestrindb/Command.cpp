@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <charconv>
+#include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <utility>
 
 namespace kestrindb {
@@ -82,12 +85,44 @@ void DataBase::RequireAccepted() const {
                                            : "; the log says why."));
 }
 
+void DataBase::RequireMode(int mode) const {
+  if (params.IsValidMode(mode)) return;
+  if (params.IsValidMode(CQtParamInstance::VirtMode2BaseMode(mode))) return;
+  throw Failure(data_bad, "There is no test step " + std::to_string(mode) +
+                              "; see kestrindb names FILE mode.");
+}
+
+CommandLine::CommandLine() {
+  std::string tags;
+  for (const Language& language : Languages()) {
+    tags += (tags.empty() ? "" : ", ") + std::string(language.tag);
+  }
+  app.add_option_function<std::string>(
+         "--lang", [](const std::string& tag) { SetUserLanguage(tag); },
+         "Language of the library's texts: " + tags + "; without it that of the environment")
+      ->check([tags](const std::string& tag) {
+        return FindLanguage(tag) ? std::string()
+                                 : "There is no language '" + tag + "', only " + tags + ".";
+      });
+}
+
 CLI::App* CommandLine::Add(const std::string& name, const std::string& description,
                            std::function<Status()> run) {
   CLI::App* command = app.add_subcommand(name, description);
   command->add_flag("--json", json, "Give the answer as JSON");
+  command->fallthrough();
   command->callback([this, run = std::move(run)] { status = run(); });
   return command;
+}
+
+// By way of the text: as a double the float itself would show digits that it doesn't have.
+Json ShortNumber(float number) {
+  if (!std::isfinite(number)) return nullptr;
+  char text[32];
+  const auto written = std::to_chars(std::begin(text), std::end(text), number);
+  double value = 0.0;
+  std::from_chars(text, written.ptr, value);
+  return value;
 }
 
 void Print(const Json& json) { std::cout << json.dump(2) << '\n'; }

@@ -56,6 +56,9 @@ class DataBase {
   // Throws Failure if the data base was refused.
   void RequireAccepted() const;
 
+  // Throws Failure if it doesn't hold the test step, a virtual one by its base.
+  void RequireMode(int mode) const;
+
  private:
   std::string file_name_;
 };
@@ -65,11 +68,17 @@ struct CommandLine {
   CLI::App app{"Loads and asks lKestrinDb parameter files.", "kestrindb"};
   int status = fine;
 
+  CommandLine();
+
   // Adds a command with the option --json that all of them have; `run` is called if it is chosen.
+  // The options of the program, such as --lang, may stand behind it too.
   CLI::App* Add(const std::string& name, const std::string& description,
                 std::function<Status()> run);
   bool json = false;
 };
+
+// A float in the fewest digits that read back as the same float. Infinite and NaN are null.
+Json ShortNumber(float number);
 
 std::string Utf8(std::wstring_view text);
 std::wstring Wide(std::string_view text);
@@ -88,5 +97,8 @@ void AddDump(CommandLine& line);
 void AddTables(CommandLine& line);
 void AddMode(CommandLine& line);
 void AddKey(CommandLine& line);
+void AddChannel(CommandLine& line);
+void AddRotors(CommandLine& line);
+void AddCalc(CommandLine& line);
 
 }  // namespace kestrindb

@@ -19,6 +19,9 @@ int main(int argc, char** argv) {
     kestrindb::AddTables(line);
     kestrindb::AddMode(line);
     kestrindb::AddKey(line);
+    kestrindb::AddChannel(line);
+    kestrindb::AddRotors(line);
+    kestrindb::AddCalc(line);
     CLI11_PARSE(line.app, argc, argv);
     return line.status;
   } catch (const kestrindb::Failure& failure) {

@@ -1,0 +1,167 @@
+// Channel look-ups: the walks of a load, and the questions of the handle.
+//
+// Chains share their ends, so that a load steps from each channel once per test step and no more: a
+// walk stops where an earlier one of the same test step has been, and what it finds there holds for
+// all channels on its way.
+#include <algorithm>
+#include <optional>
+#include <set>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "frame/QtParamDerived.h"
+#include "frame/QtParamDistillery.h"
+#include "frame/QtParamInstance.h"
+#include "interfaces/PrWin.h"
+#include "queries/QtChannelInfo.h"
+#include "tables/QParamBaseTableImpl.h"
+
+template class CQParamTypedTable<CBaseChannels>;
+
+namespace {
+
+constexpr int no_channel = -1;
+constexpr int every_mode = -1;
+
+// Closed chains, each of them once, beginning with its lowest channel.
+class ClosedChains {
+ public:
+  void Report(std::vector<int> chain, int mode) {
+    std::rotate(chain.begin(), std::min_element(chain.begin(), chain.end()), chain.end());
+    const auto [reported, is_new] = chains_.insert(std::move(chain));
+    if (!is_new) return;
+    PrWin::Output(PrWin::category_data_base, PrWin::style_info,
+                  L"CQtChannelInfo::BuildBaseChannelLookup(): Parameter database: Channel %d "
+                  L"inherits from itself in Mode %d, over %d channel(s), ending the walk there\n",
+                  reported->front(), mode, static_cast<int>(reported->size()));
+  }
+
+ private:
+  std::set<std::vector<int>> chains_;
+};
+
+// The walks of one test step.
+class Walks {
+ public:
+  Walks(const CQtChannelInfo& channels, int mode, ClosedChains& closed_chains)
+      : channels_(&channels), mode_(mode), closed_chains_(&closed_chains) {}
+
+  QVRefFlag From(int channel) {
+    if (!ends_.contains(channel)) Walk(channel);
+    return *ends_.at(channel);
+  }
+
+ private:
+  void Walk(int channel) {
+    std::vector<int> path;
+    do {
+      path.push_back(channel);
+      ends_[channel] = std::nullopt;
+      channel = channels_->ParentChannel(mode_, channel);
+    } while (channel != no_channel && !ends_.contains(channel));
+    if (channel == no_channel) return Settle(path, {path.back(), 0});
+    if (!ends_.at(channel)) path = SettleClosed(path, channel);
+    Settle(path, *ends_.at(channel));
+  }
+
+  // From the end of the path back to its start, gathering the types.
+  void Settle(const std::vector<int>& path, QVRefFlag end) {
+    for (auto channel = path.rbegin(); channel != path.rend(); ++channel) {
+      end.flags |= TypeOf(*channel);
+      ends_[*channel] = end;
+    }
+  }
+
+  // From `entry` on the path is closed: each channel there ends at the one before itself. What is
+  // left is the path in front of it.
+  std::vector<int> SettleClosed(const std::vector<int>& path, int entry) {
+    const auto first = std::find(path.begin(), path.end(), entry);
+    const std::vector<int> chain(first, path.end());
+    int types = 0;
+    for (const int channel : chain) types |= TypeOf(channel);
+    int before = chain.back();
+    for (const int channel : chain) {
+      ends_[channel] = QVRefFlag(before, types);
+      before = channel;
+    }
+    closed_chains_->Report(chain, mode_);
+    return {path.begin(), first};
+  }
+
+  int TypeOf(int channel) const { return static_cast<int>(channels_->ResamplingType(channel)); }
+
+  const CQtChannelInfo* channels_;
+  int mode_;
+  ClosedChains* closed_chains_;
+  std::unordered_map<int, std::optional<QVRefFlag>> ends_;  // empty: the walk is under way
+};
+
+}  // namespace
+
+CQtChannelInfo::CQtChannelInfo(const CQtParamStore& param_store, const CQtSpeedInfo& speeds)
+    : store(&param_store), speed_info(&speeds), base_channels(L"<PiBaseChannelId>") {}
+
+void CQtChannelInfo::Build() {
+  base_channels.Purge();
+  ClosedChains closed_chains;
+  for (const auto& mode : store->Table<L"<TMode>">()) {
+    Walks walks(*this, mode.first[0], closed_chains);
+    for (const auto& channel : store->Table<L"<TChannel>">()) {
+      const QIdx2 key(mode.first[0], channel.first[0]);
+      base_channels.insert(base_channels.end(), {key, walks.From(key[1])});
+    }
+  }
+}
+
+int CQtChannelInfo::ParentChannel(int mode, int channel) const {
+  const auto& parents = store->Table<L"<TChannelInheritance>">();
+  auto row = parents.find({channel, mode});
+  if (row == parents.end()) row = parents.find({channel, every_mode});
+  return row == parents.end() ? no_channel : row->second.ref;
+}
+
+unsigned CQtChannelInfo::ResamplingType(int channel) const {
+  const auto& properties = store->Table<L"<TChannelProperty>">();
+  const auto row = properties.find(channel);
+  return row == properties.end() ? 0U : row->second.resampling_type;
+}
+
+QVRefFlag CQtChannelInfo::Derived(int mode, int channel) const {
+  const auto row = base_channels.find({mode, channel});
+  return row == base_channels.end() ? QVRefFlag(0, 0) : row->second;
+}
+
+int CQtChannelInfo::BaseChannel(int mode, int channel) const { return Derived(mode, channel).ref; }
+
+int CQtChannelInfo::ChannelFlags(int mode, int channel) const {
+  return Derived(mode, channel).flags;
+}
+
+int CQtParamInstance::ParentChannel(int mode, int channel) const {
+  return store_->Derived().ChannelInfo().ParentChannel(VirtMode2BaseMode(mode), channel);
+}
+
+int CQtParamInstance::BaseChannel(int mode, int channel) const {
+  return store_->Derived().ChannelInfo().BaseChannel(VirtMode2BaseMode(mode), channel);
+}
+
+int CQtParamInstance::ChannelFlags(int mode, int channel) const {
+  return store_->Derived().ChannelInfo().ChannelFlags(VirtMode2BaseMode(mode), channel);
+}
+
+unsigned CQtParamInstance::ChannelResamplingType(int channel) const {
+  return store_->Derived().ChannelInfo().ResamplingType(channel);
+}
+
+bool CQtParamInstance::ChannelIsSync(int channel) const {
+  return (ChannelResamplingType(channel) & channel_sync) != 0;
+}
+
+bool CQtParamInstance::ChannelIsMix(int channel) const {
+  return (ChannelResamplingType(channel) & channel_mix) != 0;
+}
+
+bool CQtParamInstance::ChannelIsFix(int channel) const {
+  return (ChannelResamplingType(channel) & channel_fix) != 0;
+}

@@ -1,0 +1,67 @@
+// Channels and the channels that they are derived from. <TChannelInheritance> gives a channel its
+// parent, for one test step or for all without a row of their own; a chain of parents ends at the
+// base channel. Each load walks the chain of every channel in every test step and keeps where it
+// ends and what the channels on it are resampled for, so that a query is one search however long
+// the chain:
+//
+//   <PiBaseChannelId>   mode, channel | base channel, resampling types of the chain together
+//
+// A chain that closes on itself has no end. Its walk stops where it would step on a channel for the
+// second time: the base channel is then the last one before that step, and the resampling types are
+// those of all channels met. One line of the log names each closed chain and the first test step in
+// which it stands:
+//
+//   a -> b -> c -> b   from a: base c    from b: base c    from c: base b
+#pragma once
+
+#include "tables/MapContainers.h"
+#include "tables/QParamBaseTable.h"
+#include "tables/RowRecords.h"
+
+class CQtParamStore;
+class CQtSpeedInfo;
+
+// A reference and a set of bits.
+struct QVRefFlag : QValueBase, TableType::Fields<QVRefFlag> {
+  int ref = -1;
+  int flags = 0;
+
+  QVRefFlag() = default;
+  QVRefFlag(int id, int bits) : ref(id), flags(bits) {}
+
+  static constexpr auto fields() {
+    return TableType::List(TableType::Field("ref", &QVRefFlag::ref),
+                           TableType::Field("flags", &QVRefFlag::flags));
+  }
+};
+
+using CBaseChannels = CUniqueTreeMap<QIdx2, QVRefFlag>;
+
+extern template class CQParamTypedTable<CBaseChannels>;
+
+// Modes are base modes here.
+class CQtChannelInfo {
+ public:
+  CQtChannelInfo(const CQtParamStore& param_store, const CQtSpeedInfo& speeds);
+
+  // Derives the table anew.
+  void Build();
+
+  // Logs the derived table; all rows with limit 0.
+  void Dump(int limit) const { base_channels.Dump(limit); }
+
+  // Read from the tables as they are: the direct parent or -1, and the channel's own type or 0.
+  int ParentChannel(int mode, int channel) const;
+  unsigned ResamplingType(int channel) const;
+
+  // As the last load derived them; 0 for a pair that it didn't have.
+  int BaseChannel(int mode, int channel) const;
+  int ChannelFlags(int mode, int channel) const;
+
+ private:
+  QVRefFlag Derived(int mode, int channel) const;
+
+  const CQtParamStore* store;
+  [[maybe_unused]] const CQtSpeedInfo* speed_info;  // at hand for channels that follow a rotor
+  CQParamTypedTable<CBaseChannels> base_channels;
+};
