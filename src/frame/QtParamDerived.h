@@ -7,6 +7,7 @@
 #include "queries/QtModeInfo.h"
 #include "queries/QtRotorInfo.h"
 #include "queries/QtSpeedInfo.h"
+#include "spec/QtSpecIntervalStore.h"
 
 class CQtParamStore;
 
@@ -30,6 +31,7 @@ class CQtParamDerived {
   int TriggerId(int instrument_param) const;
 
   const CQtSpeedInfo& SpeedInfo() const { return speed_info; }
+  const CQtSpecIntervalStore& SpecIntervals() const { return spec_intervals; }
   const CQtChannelInfo& ChannelInfo() const { return channel_info; }
   const CQtRotorInfo& RotorInfo() const { return rotor_info; }
   const CQtModeInfo& ModeInfo() const { return mode_info; }
@@ -41,6 +43,7 @@ class CQtParamDerived {
   // Filled by Build, so that reading it from a query changes nothing.
   mutable DataSource::CCandidateSeaDataSource<int> trigger_ids;
   CQtSpeedInfo speed_info;
+  CQtSpecIntervalStore spec_intervals;
   CQtChannelInfo channel_info;
   CQtRotorInfo rotor_info;
   CQtModeInfo mode_info;

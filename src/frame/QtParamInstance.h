@@ -13,15 +13,18 @@
 
 #include <bitset>
 #include <cstddef>
+#include <map>
 #include <utility>
 
 #include "frame/TableList.h"
 #include "interfaces/Export.h"
 #include "interfaces/Text.h"
+#include "spec/OrderInterpreter.h"
 
 class CComboBox;
 class CMeasuringUnit;
 class CQtParamDistillery;
+struct QVIpSvOfSpec;
 
 class KESTRIN_API CQtParamInstance {
  public:
@@ -383,6 +386,24 @@ class KESTRIN_API CQtParamInstance {
   using OrderSourceMap = CUniqueTreeMap<QIdx4, QVRefIdx>;
   using OrderSources = std::pair<OrderSourceMap::const_iterator, OrderSourceMap::const_iterator>;
   OrderSources OrderSourceRange(int mode, int channel, int rotor) const;
+
+  // --- Spectrum intervals (queries/SpecIntervals.cpp) ---------------------------------------
+  // By instrument parameter, as the last load read its order definition (QtSpecIntervalStore.h).
+  // CQtSpecInterval turns them into spectral lines.
+
+  // Of each parameter that has them: how the interval is read, definition, base order.
+  using SpecRecordMap = std::map<QIdx1, QVIpSvOfSpec>;
+  const SpecRecordMap& IpSvOfSpec() const;
+
+  // The order definition, good until the tables are purged or loaded; null without one.
+  const wchar_t* SpecIntervalDefinition(unsigned id) const;
+
+  // First and end of a parameter's intervals, in the order of the definition; equal if it has none.
+  // A row's key is the parameter and the index of the interval's lower position: 0, 2, 4. Good
+  // until the next load.
+  using SpecIntervalMap = std::map<QIdx2, QVSpecIntervalEntry>;
+  using SpecIntervals = std::pair<SpecIntervalMap::const_iterator, SpecIntervalMap::const_iterator>;
+  SpecIntervals SpecIntervalRange(unsigned id) const;
 
  private:
   CQtParamDistillery* store_;
