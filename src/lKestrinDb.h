@@ -15,6 +15,7 @@
 #include "frame/QtParamServer.h"
 #include "frame/TableCatalogue.h"
 #include "interfaces/Clavis.h"
+#include "interfaces/ComboBoxX.h"
 #include "interfaces/MeasuringUnit.h"
 #include "interfaces/PrWin.h"
 #include "interfaces/ResourceSea.h"

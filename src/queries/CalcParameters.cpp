@@ -62,6 +62,7 @@ QVIpCalcParameter::QVIpCalcParameter(const QVIpCalcParameter& other) : QValueBas
 }
 
 QVIpCalcParameter& QVIpCalcParameter::operator=(const QVIpCalcParameter& other) {
+  if (this == &other) return *this;
   TableType::strcopy(text, other.text, TableType::text_width);
   return *this;
 }

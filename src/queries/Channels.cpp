@@ -77,13 +77,15 @@ class Walks {
   // left is the path in front of it.
   std::vector<int> SettleClosed(const std::vector<int>& path, int entry) {
     const auto first = std::find(path.begin(), path.end(), entry);
+    const std::vector<int> chain(first, path.end());
     int types = 0;
-    std::for_each(first, path.end(), [&](int channel) { types |= TypeOf(channel); });
-    int before = path.back();
-    for (auto channel = first; channel != path.end(); before = *channel++) {
-      ends_[*channel] = QVRefFlag(before, types);
+    for (const int channel : chain) types |= TypeOf(channel);
+    int before = chain.back();
+    for (const int channel : chain) {
+      ends_[channel] = QVRefFlag(before, types);
+      before = channel;
     }
-    closed_chains_->Report({first, path.end()}, mode_);
+    closed_chains_->Report(chain, mode_);
     return {path.begin(), first};
   }
 
