@@ -206,16 +206,19 @@ CVIpSvTrackPolygon CGrexInfo::Record(const QVIpSvTrackPolygon& row, int& free_id
   CVIpSvTrackPolygon record{row.track_a, row.track_c, row.polygon_id};
   if (row.polygon_mode != made_of_two_points) return record;
   record.polygon_id = free_id;
-  IpPolygonValues[{free_id, 0}] = {row.x_start, row.y_start + row.offset};
-  IpPolygonValues[{free_id, 1}] = {row.x_end, row.y_end + row.offset};
+  const auto add = [this, free_id](int number, const CVPoint& point) {
+    IpPolygonValues.try_emplace(IpPolygonValues.end(), {free_id, number}, point);
+  };
+  add(0, {row.x_start, row.y_start + row.offset});
+  add(1, {row.x_end, row.y_end + row.offset});
   free_id = FreeIdAfter(free_id);
   return record;
 }
 
 int CGrexInfo::FreeIdAfter(int id) const {
   const auto has_points = [this](int polygon) {
-    const auto first = IpPolygonValues.lower_bound({polygon, 0});
-    return first != IpPolygonValues.end() && first->first.first == polygon;
+    if (IpPolygonValues.empty() || IpPolygonValues.rbegin()->first.first < polygon) return false;
+    return IpPolygonValues.contains({polygon, 0});
   };
   do {
     id = id == std::numeric_limits<int>::max() ? 0 : id + 1;
