@@ -64,6 +64,7 @@ int CQtParamInstance::VirtModeDigit(int id, std::size_t row) {
 }
 
 int CQtParamInstance::VirtModeExtension(const int* indices) const {
+  if (indices == nullptr) return 0;
   unsigned extension = 0;
   unsigned factor = 1;
   for (std::size_t i = 0; i < AutoModeParams().size(); ++i) {
