@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <initializer_list>
 #include <map>
+#include <vector>
 
 #include "test_store.h"
 
@@ -26,7 +26,7 @@ int Find(const std::map<int, int>& map, int instrument, int otherwise) {
 }
 
 TEST(Instruments, AreClassifiedByTheirIds) {
-  const std::map<int, std::initializer_list<int>> instruments_by_type = {
+  const std::map<int, std::vector<int>> instruments_by_type = {
       {-1, {8000, 8999}},
       {1, {1001, 1002, 1003, 1004,  1005,  1006,  1007,  1050,  1051,  1060,  1061,
            1070, 1100, 1110, 1150,  1151,  1152,  1700,  3000,  5002,  9000,  9500,

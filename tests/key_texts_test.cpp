@@ -157,11 +157,11 @@ TEST(NiceKeyText, JoinsFourFields) {
 }
 
 TEST(NiceKeyText, EndsAfter499Characters) {
-  const std::string longest(199, 'n');
+  const std::string longest(190, 'n');
   const TestStore small(names);
   const TestStore large("<TMode>: {\n1 " + longest + "\n}\n<TInstrument>: {\n10 " + longest +
                         "\n}\n<TApplicationSignal>: {\n7 " + longest + "\n}\n");
-  const std::wstring wide(199, L'n');
+  const std::wstring wide(190, L'n');
   for (const std::size_t length : {0U, 47U, 157U, 158U, 159U, 240U, 241U, 247U, 248U, 10000U}) {
     const std::wstring separator(length, L's');
     const std::wstring between = L" " + separator + L" ";
@@ -200,14 +200,17 @@ TEST(TypeNameCombo, KeepsWhatItShowed) {
     const wchar_t* asked;
     int entries, selected;
   };
-  const Case cases[] = {
-      {"1 b\n2 a", nullptr, nullptr, 2, -1}, {"1 b\n2 a", L"a", nullptr, 2, 1},
-      {"1 b\n2 a", L"a", L"", 2, 1},         {"1 b\n2 a", L"a", L"b", 2, 0},
-      {"1 b\n2 a", L"a", L"gone", 2, -1},    {"1 b\n2 a", L"gone", nullptr, 2, -1},
-      {"", L"abc", nullptr, 1, 0},           {"", nullptr, L"abc", 1, 0},
-      {"", nullptr, nullptr, 0, -1}};
+  const Case cases[] = {{"1 b\n2 a\n", nullptr, nullptr, 2, -1},
+                        {"1 b\n2 a\n", L"a", nullptr, 2, 1},
+                        {"1 b\n2 a\n", L"a", L"", 2, 1},
+                        {"1 b\n2 a\n", L"a", L"b", 2, 0},
+                        {"1 b\n2 a\n", L"a", L"gone", 2, -1},
+                        {"1 b\n2 a\n", L"gone", nullptr, 2, -1},
+                        {"", L"abc", nullptr, 1, 0},
+                        {"", nullptr, L"abc", 1, 0},
+                        {"", nullptr, nullptr, 0, -1}};
   for (const Case& c : cases) {
-    const TestStore data("<TAliasType>: {\n" + std::string(c.aliases) + "\n}\n");
+    const TestStore data("<TAliasType>: {\n" + std::string(c.aliases) + "}\n");
     CComboBox combo;
     if (c.shown != nullptr) combo.SetCurSel(combo.AddString(c.shown));
     EXPECT_EQ(data.params.FillTypeNameCombo(combo, c.asked), *c.aliases != 0 ? 2 : 0);

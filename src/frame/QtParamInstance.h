@@ -224,7 +224,7 @@ class KESTRIN_API CQtParamInstance {
   static int VirtModeDigit(int id, std::size_t row);
 
   // The extension for one band index, -1 to 62, for each row of <TAutoModeParam> in key order.
-  // Modulo 2^32: whether the digits fit into an id is the caller's to see.
+  // Modulo 2^32: whether the digits fit into an id is the caller's to see. 0 for null.
   int VirtModeExtension(const int* indices) const;
 
   // The centre of a band, rounded to a whole number, in the unit of the signal.
