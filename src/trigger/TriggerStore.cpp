@@ -4,7 +4,6 @@
 #include "trigger/TriggerStore.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <optional>
 
@@ -57,7 +56,7 @@ float PlaceOf(std::int64_t cell, std::int64_t offset, unsigned dim, float start,
 unsigned WholeSteps(float start, float step, float stop) {
   constexpr float behind_last = 4294967296.0F;
   const float quotient = (stop - start) / step;
-  if (!std::isfinite(quotient) || quotient < 1.0F) return 0;
+  if (!(step > 0.0F) || !(quotient >= 1.0F)) return 0;
   return quotient < behind_last ? static_cast<unsigned>(quotient)
                                 : std::numeric_limits<unsigned>::max();
 }

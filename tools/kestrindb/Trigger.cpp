@@ -42,9 +42,8 @@ CTriggerStore::CIntervals AxesOf(const CTriggerStore& store, const Request& requ
 CTriggerStore::CDimensions ValuesFor(const CTriggerStore::CIntervals& axes,
                                      const std::vector<float>& values) {
   if (values.size() > axes.is_set.count()) {
-    throw Failure(data_bad, "The trigger has " + std::to_string(axes.is_set.count()) +
-                                " axes, but there are " + std::to_string(values.size()) +
-                                " values.");
+    throw Failure(data_bad, "There are more values (" + std::to_string(values.size()) +
+                                ") than axes (" + std::to_string(axes.is_set.count()) + ").");
   }
   CTriggerStore::CDimensions dimensions;
   auto value = values.begin();
