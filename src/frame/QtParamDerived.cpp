@@ -10,14 +10,18 @@ CQtParamDerived::CQtParamDerived(CQtParamStore& param_store)
     : store(&param_store),
       trigger_ids(param_store, QVIpCalcParameter::trigger),
       speed_info(param_store),
+      spec_intervals(param_store),
       channel_info(param_store, speed_info),
       rotor_info(param_store, speed_info, channel_info),
-      mode_info(param_store) {}
+      mode_info(param_store),
+      grex_info(param_store) {}
 
 void CQtParamDerived::Build() {
   trigger_ids.Reset();
   channel_info.Build();
+  spec_intervals.Rebuild();
   rotor_info.Build();
+  grex_info.Init();
   trigger_ids.begin();
   if (store->Table<L"<TResamplingM>">().empty()) ExpandResampling();
   Units::RefreshTextsOfAutoModes(*store);
@@ -50,7 +54,10 @@ bool CQtParamDerived::CompleteRelativeLimitKeys() {
   return true;
 }
 
-void CQtParamDerived::Dump(int limit) const { channel_info.Dump(limit); }
+void CQtParamDerived::Dump(int limit) const {
+  channel_info.Dump(limit);
+  spec_intervals.Dump(limit);
+}
 
 int CQtParamDerived::TriggerId(int instrument_param) const {
   int trigger = -1;

@@ -3,10 +3,12 @@
 #pragma once
 
 #include "frame/DataSource.h"
+#include "queries/Grex.h"
 #include "queries/QtChannelInfo.h"
 #include "queries/QtModeInfo.h"
 #include "queries/QtRotorInfo.h"
 #include "queries/QtSpeedInfo.h"
+#include "spec/QtSpecIntervalStore.h"
 
 class CQtParamStore;
 
@@ -30,9 +32,11 @@ class CQtParamDerived {
   int TriggerId(int instrument_param) const;
 
   const CQtSpeedInfo& SpeedInfo() const { return speed_info; }
+  const CQtSpecIntervalStore& SpecIntervals() const { return spec_intervals; }
   const CQtChannelInfo& ChannelInfo() const { return channel_info; }
   const CQtRotorInfo& RotorInfo() const { return rotor_info; }
   const CQtModeInfo& ModeInfo() const { return mode_info; }
+  const CGrexInfo& GrexInfo() const { return grex_info; }
 
  private:
   void ExpandResampling();
@@ -41,7 +45,9 @@ class CQtParamDerived {
   // Filled by Build, so that reading it from a query changes nothing.
   mutable DataSource::CCandidateSeaDataSource<int> trigger_ids;
   CQtSpeedInfo speed_info;
+  CQtSpecIntervalStore spec_intervals;
   CQtChannelInfo channel_info;
   CQtRotorInfo rotor_info;
   CQtModeInfo mode_info;
+  CGrexInfo grex_info;
 };

@@ -13,15 +13,19 @@
 
 #include <bitset>
 #include <cstddef>
+#include <map>
 #include <utility>
 
 #include "frame/TableList.h"
 #include "interfaces/Export.h"
 #include "interfaces/Text.h"
+#include "queries/Grex.h"
+#include "spec/OrderInterpreter.h"
 
 class CComboBox;
 class CMeasuringUnit;
 class CQtParamDistillery;
+struct QVIpSvOfSpec;
 
 class KESTRIN_API CQtParamInstance {
  public:
@@ -220,7 +224,7 @@ class KESTRIN_API CQtParamInstance {
   static int VirtModeDigit(int id, std::size_t row);
 
   // The extension for one band index, -1 to 62, for each row of <TAutoModeParam> in key order.
-  // Modulo 2^32: whether the digits fit into an id is the caller's to see.
+  // Modulo 2^32: whether the digits fit into an id is the caller's to see. 0 for null.
   int VirtModeExtension(const int* indices) const;
 
   // The centre of a band, rounded to a whole number, in the unit of the signal.
@@ -383,6 +387,35 @@ class KESTRIN_API CQtParamInstance {
   using OrderSourceMap = CUniqueTreeMap<QIdx4, QVRefIdx>;
   using OrderSources = std::pair<OrderSourceMap::const_iterator, OrderSourceMap::const_iterator>;
   OrderSources OrderSourceRange(int mode, int channel, int rotor) const;
+
+  // --- Spectrum intervals (queries/SpecIntervals.cpp) ---------------------------------------
+  // By instrument parameter, as the last load read its order definition (QtSpecIntervalStore.h).
+  // CQtSpecInterval turns them into spectral lines.
+
+  // Of each parameter that has them: how the interval is read, definition, base order.
+  using SpecRecordMap = std::map<QIdx1, QVIpSvOfSpec>;
+  const SpecRecordMap& IpSvOfSpec() const;
+
+  // The order definition, good until the tables are purged or loaded; null without one.
+  const wchar_t* SpecIntervalDefinition(unsigned id) const;
+
+  // First and end of a parameter's intervals, in the order of the definition; equal if it has none.
+  // A row's key is the parameter and the index of the interval's lower position: 0, 2, 4. Good
+  // until the next load.
+  using SpecIntervalMap = std::map<QIdx2, QVSpecIntervalEntry>;
+  using SpecIntervals = std::pair<SpecIntervalMap::const_iterator, SpecIntervalMap::const_iterator>;
+  SpecIntervals SpecIntervalRange(unsigned id) const;
+
+  // --- Track polygons (queries/Polygons.cpp) ------------------------------------------------
+  // A key of <TIpParamAndStore> without an entry has no track polygon. The points of a polygon are
+  // the entries from lower_bound({polygon_id, 0}) as long as the first number is the polygon's:
+  // there may be none. The numbers count from 0, for a stored polygon in ascending x, for one made
+  // of two points from its start to its end. References stay good over loads, positions don't.
+
+  const std::map<QClavis, CVIpSvTrackPolygon>& IpTrackPolygon() const;
+
+  // By polygon id and point number.
+  const std::map<std::pair<int, int>, CVPoint>& IpPolygonValues() const;
 
  private:
   CQtParamDistillery* store_;

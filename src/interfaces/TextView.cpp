@@ -303,6 +303,7 @@ Lines DrawEntries(const CComboBox& combo, Frame frame) {
   texts.reserve(static_cast<std::size_t>(combo.GetCount()));
   for (int i = 0; i < combo.GetCount(); ++i) texts.push_back(combo.GetLBText(i));
   std::vector<EntryText> entries;
+  entries.reserve(texts.capacity());
   for (int i = 0; i < combo.GetCount(); ++i) {
     entries.push_back({&texts[static_cast<std::size_t>(i)], i == combo.GetCurSel()});
   }

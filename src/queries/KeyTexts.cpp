@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <array>
 #include <cassert>
+#include <initializer_list>
 #include <string_view>
+#include <utility>
 
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"

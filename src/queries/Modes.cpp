@@ -31,11 +31,11 @@ constexpr wchar_t name_separator = L'\u00B7';
 // As a stream of that precision writes it. More digits than the longest float has change nothing.
 void AppendNumber(std::wstring& text, float value, unsigned precision) {
   if (precision == 0) return Number::Append(text, value);
-  constexpr unsigned all_digits = 120;
+  constexpr std::size_t all_digits = 120;
   std::array<char, 2 * all_digits> buffer;
   const auto [end, error] =
       std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::general,
-                    static_cast<int>(std::min(precision, all_digits)));
+                    static_cast<int>(std::min<std::size_t>(precision, all_digits)));
   text.append(buffer.data(), end);
 }
 
@@ -64,6 +64,7 @@ int CQtParamInstance::VirtModeDigit(int id, std::size_t row) {
 }
 
 int CQtParamInstance::VirtModeExtension(const int* indices) const {
+  if (indices == nullptr) return 0;
   unsigned extension = 0;
   unsigned factor = 1;
   for (std::size_t i = 0; i < AutoModeParams().size(); ++i) {

@@ -9,6 +9,7 @@
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
 #include "interfaces/Clavis.h"
+#include "interfaces/ComboBoxX.h"
 #include "interfaces/ResourceSea.h"
 
 namespace {
@@ -128,7 +129,7 @@ const CDynNameIdTable& CQtParamInstance::IdNameMap(int element) const {
     case Clavis::Sensor:
       return ApplicationSignal();
     default:
-      assert(!"an element with names by id");
+      assert(false && "an element with names by id");
       return Mode();
   }
 }
@@ -147,4 +148,18 @@ bool CQtParamInstance::ShowIdsInDialogs() {
 void CQtParamInstance::ShowIdsInDialogs(bool show) {
   constexpr int store_value = 2;
   CSeaBase::MessagesSea()->LookupBool(store_value, show_ids_setting, show, 0);
+}
+
+int CQtParamInstance::FillTypeNameCombo(CComboBox& combo, const wchar_t* selection) const {
+  CString kept = NeverNull(selection);
+  if (kept.empty() && combo.GetCurSel() >= 0) kept = combo.GetLBText(combo.GetCurSel());
+  combo.ResetContent();
+  for (const auto& [id, name] : TypeNames()) {
+    combo.SetItemData(combo.AddString(name.text), id[0]);
+  }
+  const auto count = static_cast<int>(TypeNames().size());
+  if (kept.empty()) return count;
+  if (count == 0) combo.AddString(kept);
+  combo.SetCurSel(count == 0 ? 0 : combo.FindStringExact(-1, kept));
+  return count;
 }

@@ -12,6 +12,7 @@
 
 #include <array>
 #include <cstddef>
+#include <tuple>
 
 #include "interfaces/Export.h"
 #include "keys/IndexRecords.h"
@@ -45,6 +46,9 @@ class KESTRIN_API QVSpecIntervalEntry : public QValueBase {
 
     void clear() { *this = Definition(); }
 
+    // What a dump shows.
+    auto tuple() const { return std::tie(frequency_, order_, harmonic_, modulation_, lines_); }
+
     friend bool operator==(const Definition&, const Definition&) = default;
 
    private:
@@ -68,6 +72,8 @@ class KESTRIN_API QVSpecIntervalEntry : public QValueBase {
   domain_t domain() const {
     return lower().domain() == upper().domain() ? lower().domain() : domain_mixed;
   }
+
+  auto tuple() const { return std::tuple_cat(lower().tuple(), upper().tuple()); }
 
  private:
   std::array<Definition, 2> bounds_;

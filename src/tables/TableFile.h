@@ -61,7 +61,8 @@ template <class File>
 std::size_t ReadWord(File& file, std::uint32_t& word) {
   std::array<unsigned char, 4> bytes{};
   const std::size_t got = file.Read(bytes.data(), 4);
-  word = bytes[0] | bytes[1] << 8U | bytes[2] << 16U | static_cast<std::uint32_t>(bytes[3]) << 24U;
+  word = 0;
+  for (std::size_t i = bytes.size(); i-- > 0;) word = word << 8U | bytes[i];
   return got;
 }
 

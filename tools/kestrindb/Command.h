@@ -100,5 +100,9 @@ void AddKey(CommandLine& line);
 void AddChannel(CommandLine& line);
 void AddRotors(CommandLine& line);
 void AddCalc(CommandLine& line);
+void AddOrder(CommandLine& line);
+void AddIntervals(CommandLine& line);
+void AddPolygon(CommandLine& line);
+void AddTrigger(CommandLine& line);
 
 }  // namespace kestrindb

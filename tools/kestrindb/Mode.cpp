@@ -35,7 +35,8 @@ Json Describe(const CQtParamInstance& params, int id) {
 }
 
 std::string WithName(const Json& id, const Json& name) {
-  return id.dump() + "  " + name.get<std::string>();
+  const auto text = name.get<std::string>();
+  return text.empty() ? id.dump() : id.dump() + "  " + text;
 }
 
 void PrintAsText(const Json& json) {

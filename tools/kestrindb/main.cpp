@@ -22,6 +22,10 @@ int main(int argc, char** argv) {
     kestrindb::AddChannel(line);
     kestrindb::AddRotors(line);
     kestrindb::AddCalc(line);
+    kestrindb::AddOrder(line);
+    kestrindb::AddIntervals(line);
+    kestrindb::AddPolygon(line);
+    kestrindb::AddTrigger(line);
     CLI11_PARSE(line.app, argc, argv);
     return line.status;
   } catch (const kestrindb::Failure& failure) {

@@ -6,19 +6,13 @@
 
 #include "frame/ModuleStrings.h"
 #include "frame/strings/EmbeddedTexts.h"
-#include "interfaces/Number.h"
+#include "frame/strings/TextLines.h"
 #include "interfaces/Text.h"
 
 namespace {
 
 constexpr int system_default = 2048;
 constexpr std::string_view no_file;
-
-std::optional<int> ReadNumber(std::wstring_view text) {
-  const auto number = Number::ScanInt(text);
-  if (number.state != Number::State::ok || number.used != text.size()) return std::nullopt;
-  return number.value;
-}
 
 std::optional<int> ReadGroup(std::wstring_view line) {
   constexpr std::wstring_view head = L"[dialog ";
@@ -31,10 +25,7 @@ std::optional<int> ReadGroup(std::wstring_view line) {
 TextCatalogue::TextCatalogue(std::string_view file) {
   const std::wstring whole = Text::FromUtf8(file);
   int group = string_table;
-  for (std::wstring_view rest = whole; !rest.empty();) {
-    const std::size_t end = std::min(rest.find(L'\n'), rest.size() - 1);
-    const std::wstring_view line = Text::Trim(rest.substr(0, end + 1));
-    rest.remove_prefix(end + 1);
+  for (const std::wstring_view line : Split(whole, L'\n')) {
     const std::size_t tab = line.find(L'\t');
     if (const auto next = ReadGroup(line)) {
       group = *next;

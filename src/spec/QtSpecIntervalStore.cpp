@@ -1,0 +1,113 @@
+// How three views on the calculation parameters become records and intervals.
+#include "spec/QtSpecIntervalStore.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+#include "catalogue/IpCalcParameter.h"
+#include "frame/QtParamStore.h"
+#include "interfaces/PrWin.h"
+#include "tables/QParamBaseTableImpl.h"
+
+template class CQParamTypedTable<CSpecIntervalMap>;
+
+namespace {
+
+using Positions = std::array<QVSpecIntervalEntry::Definition, CQtSpecIntervalStore::max_orders>;
+
+unsigned ReadPositions(const wchar_t* definition, Positions& positions, unsigned max_positions) {
+  return OrderInterpreter::GetSpecPositions(
+      definition, positions.data(), std::min(max_positions, CQtSpecIntervalStore::max_orders));
+}
+
+}  // namespace
+
+CQtSpecIntervalStore::CQtSpecIntervalStore(const CQtParamStore& store)
+    : table(L"<PiSpecIntervalStore>"),
+      interpretations(store, QVIpCalcParameter::interpretation),
+      definitions(store, QVIpCalcParameter::definition),
+      references(store, QVIpCalcParameter::base_order_reference) {}
+
+void CQtSpecIntervalStore::Rebuild() {
+  table.Purge();
+  ip_sv_of_spec.clear();
+  interpretations.Reset();
+  definitions.Reset();
+  references.Reset();
+  Load(max_orders);
+}
+
+void CQtSpecIntervalStore::Load(unsigned nr_orders) {
+  if (nr_orders > max_orders) {
+    PrWin::Output(PrWin::category_data_base, PrWin::style_bad_line,
+                  L"QtSpecIntervalStore: nr_orders %d > max_orders %d.\n",
+                  static_cast<int>(nr_orders), static_cast<int>(max_orders));
+    return;
+  }
+  // The three ascend by id, so one walk side by side finds the ids that stand in all of them.
+  auto interpretation = interpretations.begin();
+  auto definition = definitions.begin();
+  auto reference = references.begin();
+  while (interpretation != interpretations.end() && definition != definitions.end() &&
+         reference != references.end()) {
+    const int id = interpretation->first;
+    if (definition->first < id) {
+      ++definition;
+    } else if (definition->first > id) {
+      ++interpretation;
+    } else if (reference->first < id) {
+      ++reference;
+    } else if (reference->first > id) {
+      ++interpretation;
+      ++definition;
+    } else {
+      ip_sv_of_spec.insert_or_assign(
+          id, QVIpSvOfSpec{interpretation->second, definition->second, reference->second});
+      ProcessTables(id, definition->second, nr_orders);
+      ++interpretation;
+      ++definition;
+      ++reference;
+    }
+  }
+}
+
+void CQtSpecIntervalStore::ProcessTables(int id, const wchar_t* definition, unsigned nr_orders) {
+  Positions positions;
+  const unsigned count = ReadPositions(definition, positions, nr_orders);
+  if (count > 1 && count % 2 != 0) {
+    PrWin::Output(PrWin::category_data_base, PrWin::style_bad_line,
+                  L"CQtSpecIntervalStore::ProcessTables():\nIpSvOfSpec contains entry with %u "
+                  L"terms. Number of terms has to be one ore even. Entrys id is %d. Definition "
+                  L"ignored\n",
+                  count, id);
+    return;
+  }
+  for (unsigned i = 0; i < count; i += 2) {
+    const auto& upper = positions[std::min(i + 1, count - 1)];  // a single one is its own partner
+    table.insert_or_assign(QIdx2(id, static_cast<int>(i)),
+                           QVSpecIntervalEntry(positions[i], upper));
+  }
+}
+
+const wchar_t* CQtSpecIntervalStore::SpecIntervalDefinition(int id) const {
+  const auto record = ip_sv_of_spec.find(id);
+  return record == ip_sv_of_spec.end() ? nullptr : record->second.definition;
+}
+
+CQtSpecIntervalStore::IntervalRange CQtSpecIntervalStore::SpecIntervalRange(int id) const {
+  // Not up to the next id: the largest one has none.
+  return {table.lower_bound(QIdx2(id, -1)),
+          table.upper_bound(QIdx2(id, std::numeric_limits<int>::max()))};
+}
+
+unsigned CQtSpecIntervalStore::Range(const wchar_t* definition, QVSpecIntervalEntry* ranges,
+                                     unsigned max_orders) {
+  Positions positions;
+  const unsigned intervals = ReadPositions(definition, positions, max_orders) / 2;
+  for (unsigned i = 0; i < intervals; ++i) {
+    ranges[i].lower() = positions[2 * i];
+    ranges[i].upper() = positions[2 * i + 1];
+  }
+  return intervals;
+}

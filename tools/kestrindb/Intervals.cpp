@@ -1,0 +1,306 @@
+// kestrindb intervals FILE MODE [PARAMETER]: the spectrum intervals of instrument parameters in a
+// test step, on the spectrum's axis and in spectral lines, as a table, as JSON and as a picture.
+
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+#include <memory>
+#include <optional>
+
+#include "Command.h"
+#include "Svg.h"
+
+namespace kestrindb {
+namespace {
+
+struct Request {
+  int mode = 0;
+  std::optional<int> parameter;
+  int speed_source = 0;
+  std::optional<int> assembly;
+  float resolution = 0.0F;
+  unsigned lines = 0;
+  float order_scale = 1.0F;
+  std::string unit = "Hz";
+};
+
+const char* Name(CQtSpecInterval::index_range_result_t result) {
+  constexpr const char* names[] = {"index_range_ok", "index_range_beyond_spectrum",
+                                   "index_range_no_base_order", "index_range_no_ratio",
+                                   "index_range_invalid"};
+  return names[result];
+}
+
+// Bounds are given wherever they can be computed, lines only where they are good.
+Json Describe(const CQtSpecInterval& evaluation, const QVSpecIntervalEntry& entry,
+              const Request& request) {
+  float low = NAN;
+  float high = NAN;
+  evaluation.FrequencyRange(entry, request.resolution, request.order_scale, low, high);
+  CQtSpecInterval::IndexInterval interval;
+  const auto result = evaluation.IndexRange(entry, interval, request.lines, request.resolution,
+                                            request.order_scale);
+  const bool ok = result == CQtSpecInterval::index_range_ok;
+  Json json;
+  json["unit"] = entry.domain() == QVSpecIntervalEntry::domain_order ? "orders" : request.unit;
+  json["low"] = ShortNumber(ok ? interval.start_frequency : low);
+  json["high"] = ShortNumber(ok ? interval.stop_frequency : high);
+  json["first_line"] = ok ? Json(interval.start_index) : Json();
+  json["last_line"] = ok ? Json(interval.stop_index) : Json();
+  json["result"] = Name(result);
+  return json;
+}
+
+Json Describe(const CQtParamInstance& params, int parameter, const QVIpSvOfSpec& record,
+              const Request& request) {
+  const int assembly = request.assembly.value_or(record.reference);
+  CQtSpecInterval evaluation(params);
+  evaluation.LoadTransformParams(request.mode, request.speed_source, assembly);
+  Json json;
+  json["parameter"] = parameter;
+  json["name"] = Utf8(params.InstrumentParamName(parameter));
+  json["definition"] = Utf8(record.definition);
+  json["interpretation"] = record.interpretation;
+  json["assembly"] = assembly;
+  json["base_order"] = ShortNumber(params.BaseOrder(request.mode, assembly));
+  json["ratio"] = ShortNumber(evaluation.RatioAssembly2SpeedSrc());
+  json["intervals"] = Json::array();
+  const auto [first, last] = params.SpecIntervalRange(static_cast<unsigned>(parameter));
+  for (auto row = first; row != last; ++row) {
+    json["intervals"].push_back(Describe(evaluation, row->second, request));
+  }
+  return json;
+}
+
+Json Describe(const CQtParamInstance& params, const Request& request) {
+  Json json;
+  json["mode"] = request.mode;
+  json["mode_name"] = Utf8(params.ModeName(request.mode));
+  json["speed_source"] = request.speed_source;
+  json["resolution"] = ShortNumber(request.resolution);
+  json["lines"] = request.lines;
+  json["order_scale"] = ShortNumber(request.order_scale);
+  json["parameters"] = Json::array();
+  for (const auto& [key, record] : params.IpSvOfSpec()) {
+    if (request.parameter.value_or(key[0]) == key[0]) {
+      json["parameters"].push_back(Describe(params, key[0], record, request));
+    }
+  }
+  if (request.parameter && json["parameters"].empty()) {
+    throw Failure(data_bad, "The parameter " + std::to_string(*request.parameter) +
+                                " has no spectrum intervals: it lacks one of the calculation "
+                                "parameters 2, 3 and 4, or the data base doesn't have it.");
+  }
+  return json;
+}
+
+std::string String(const Json& json) { return json.is_string() ? json.get<std::string>() : ""; }
+
+std::string Number(const Json& json) { return json.is_null() ? "" : json.dump(); }
+
+void PrintAsText(const Json& json) {
+  std::cout << "test step     " << json["mode"] << "  " << String(json["mode_name"])
+            << "\nspeed source  " << json["speed_source"] << "\nresolution    "
+            << json["resolution"] << "\nlines         " << json["lines"] << "\norder scale   "
+            << json["order_scale"] << "\n\n";
+  std::vector<std::vector<std::string>> rows;
+  for (const Json& parameter : json["parameters"]) {
+    std::vector<std::string> head = {parameter["parameter"].dump(), String(parameter["name"]),
+                                     String(parameter["definition"]), parameter["assembly"].dump()};
+    const auto add = [&](const std::vector<std::string>& cells) {
+      rows.push_back(head);
+      rows.back().insert(rows.back().end(), cells.begin(), cells.end());
+      head.assign(head.size(), "");
+    };
+    for (const Json& interval : parameter["intervals"]) {
+      add({Number(interval["low"]), Number(interval["high"]), String(interval["unit"]),
+           Number(interval["first_line"]), Number(interval["last_line"]),
+           String(interval["result"])});
+    }
+    if (parameter["intervals"].empty()) add({"", "", "", "", "", "no intervals; see the log"});
+  }
+  PrintTable({"parameter", "name", "definition", "assembly", "low", "high", "unit", "first line",
+              "last line", "result"},
+             rows);
+}
+
+// --- The picture: a chart for each unit that occurs, in it a row for each parameter
+// ---------------
+
+constexpr double plot_left = 232;
+constexpr double plot_right = 610;
+constexpr double lines_left = 624;
+constexpr double row_height = 22;
+constexpr double head_height = 72;
+constexpr double axis_height = 64;
+
+// The first characters of a text that is too long for its column.
+std::string Shortened(const std::string& text, std::size_t characters) {
+  std::size_t count = 0;
+  std::size_t cut = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool starts_character = (static_cast<unsigned char>(text[i]) & 0xC0U) != 0x80U;
+    if (!starts_character) continue;
+    if (count == characters - 1) cut = i;
+    if (++count > characters) return text.substr(0, cut) + "…";
+  }
+  return text;
+}
+
+bool IsDrawn(const Json& interval) {
+  return interval["result"] == Name(CQtSpecInterval::index_range_ok) &&
+         interval["low"].is_number() && interval["high"].is_number();
+}
+
+// "252–260", "256", or "beyond spectrum".
+std::string LinesText(const Json& interval) {
+  if (interval["first_line"].is_null()) {
+    std::string text = String(interval["result"]).substr(std::string("index_range_").size());
+    std::replace(text.begin(), text.end(), '_', ' ');
+    return text;
+  }
+  const std::string first = interval["first_line"].dump();
+  const std::string last = interval["last_line"].dump();
+  return first == last ? first : first + "–" + last;
+}
+
+std::string BoundsText(const Json& interval) {
+  return ShortText(interval["low"]) + "–" + ShortText(interval["high"]) + " " +
+         String(interval["unit"]);
+}
+
+struct Row {
+  std::string name;
+  std::vector<Json> intervals;
+};
+
+std::vector<Row> RowsOf(const Json& parameters, const std::string& unit) {
+  std::vector<Row> rows;
+  for (const Json& parameter : parameters) {
+    const std::string name = String(parameter["name"]);
+    const std::string id = parameter["parameter"].dump();
+    Row row{name.empty() ? id : Shortened(name, 26) + " (" + id + ")", {}};
+    for (const Json& interval : parameter["intervals"]) {
+      if (interval["unit"] == unit) row.intervals.push_back(interval);
+    }
+    if (!row.intervals.empty()) rows.push_back(std::move(row));
+  }
+  return rows;
+}
+
+// From the lowest to the highest bound, with room for a few lines beside them.
+Axis AxisOf(const std::vector<Row>& rows, double resolution) {
+  std::optional<double> low;
+  double high = 0;
+  for (const Row& row : rows) {
+    for (const Json& interval : row.intervals) {
+      if (!IsDrawn(interval)) continue;
+      low = std::min(low.value_or(interval["low"]), interval["low"].get<double>());
+      high = std::max({high, interval["low"].get<double>(), interval["high"].get<double>()});
+    }
+  }
+  const double room = std::max(0.03 * (high - low.value_or(0)), 4 * resolution);
+  return {std::max(0.0, low.value_or(0) - room), high + room, plot_left, plot_right};
+}
+
+// One parameter; an interval of less than a few units' width stays visible.
+void DrawRow(Svg& svg, const Axis& axis, const Row& row, double top) {
+  std::string lines;
+  svg.Text({plot_left - 12, top + 15}, row.name, Svg::Anchor::end);
+  for (const Json& interval : row.intervals) {
+    const std::string text = LinesText(interval);
+    if (!lines.ends_with(text)) lines += (lines.empty() ? "" : ", ") + text;
+    if (!IsDrawn(interval)) continue;
+    const double from = axis.At(interval["low"]);
+    const double to = std::max(axis.At(interval["high"]), from);
+    const double widening = std::max(0.0, 2.5 - (to - from)) / 2;
+    svg.Box({from - widening, top + 4}, {to + widening, top + row_height - 4}, Svg::data,
+            row.name + ": " + BoundsText(interval) + ", lines " + text);
+  }
+  svg.Text({lines_left, top + 15}, Shortened(lines, 28), Svg::Anchor::start, Svg::faint_ink);
+}
+
+void DrawChart(Svg& svg, const std::vector<Row>& rows, const std::string& unit, double resolution,
+               double top) {
+  const double bottom = top + row_height * static_cast<double>(rows.size());
+  for (std::size_t i = 0; i < rows.size(); i += 2) {
+    const double stripe = top + row_height * static_cast<double>(i);
+    svg.Box({8, stripe}, {Svg::width - 8, stripe + row_height}, Svg::stripe);
+  }
+  const Axis axis = AxisOf(rows, resolution);
+  axis.DrawBelow(svg, top, bottom, unit == "orders" ? "order" : "frequency in " + unit);
+  double row_top = top;
+  for (const Row& row : rows) {
+    DrawRow(svg, axis, row, row_top);
+    row_top += row_height;
+  }
+}
+
+void SavePicture(const Json& json, const std::string& unit, const std::string& file_name) {
+  struct Chart {
+    std::string unit;
+    std::vector<Row> rows;
+  };
+  std::vector<Chart> charts;
+  double height = head_height;
+  for (const std::string& each : {std::string("orders"), unit}) {
+    Chart chart{each, RowsOf(json["parameters"], each)};
+    if (chart.rows.empty() || (!charts.empty() && charts.front().unit == each)) continue;
+    height += row_height * static_cast<double>(chart.rows.size()) + axis_height;
+    charts.push_back(std::move(chart));
+  }
+  Svg svg(height);
+  svg.Text({12, 24}, "Spectrum intervals: " + String(json["mode_name"]), Svg::Anchor::start,
+           Svg::ink, 16);
+  svg.Text({12, 44},
+           "test step " + json["mode"].dump() + ", speed source " + json["speed_source"].dump() +
+               ", resolution " + json["resolution"].dump() + ", " + json["lines"].dump() + " lines",
+           Svg::Anchor::start, Svg::faint_ink);
+  svg.Text({lines_left, head_height - 8}, "spectral lines", Svg::Anchor::start, Svg::faint_ink);
+  const double resolution = json["resolution"].is_number() ? json["resolution"].get<double>() : 0.0;
+  double top = head_height;
+  for (const Chart& chart : charts) {
+    DrawChart(svg, chart.rows, chart.unit, resolution, top);
+    top += row_height * static_cast<double>(chart.rows.size()) + axis_height;
+  }
+  svg.Save(file_name);
+}
+
+}  // namespace
+
+void AddIntervals(CommandLine& line) {
+  auto file = std::make_shared<std::string>();
+  auto picture = std::make_shared<std::string>();
+  auto request = std::make_shared<Request>();
+  CLI::App* command = line.Add(
+      "intervals", "Spectrum intervals in a test step: bounds on the axis and spectral lines",
+      [file, picture, request, &line] {
+        const DataBase data(*file);
+        data.RequireAccepted();
+        data.RequireMode(request->mode);
+        const Json json = Describe(data.params, *request);
+        if (!picture->empty()) SavePicture(json, request->unit, *picture);
+        line.json ? Print(json) : PrintAsText(json);
+        return data.LoadStatus();
+      });
+  command->add_option("FILE", *file, "Parameter file")->required();
+  command->add_option("MODE", request->mode, "Id of a test step")->required();
+  command->add_option("PARAMETER", request->parameter,
+                      "Id of a parameter; without it all that have intervals");
+  command->add_option("--speed-source", request->speed_source, "Order source that tells the speed")
+      ->required();
+  command->add_option("--assembly", request->assembly,
+                      "Order source that harmonics refer to; without it the one in calculation "
+                      "parameter 4 of each parameter");
+  command
+      ->add_option("--resolution", request->resolution,
+                   "Distance of two spectral lines on the spectrum's axis")
+      ->required();
+  command->add_option("--lines", request->lines, "Number of spectral lines")->required();
+  command->add_option("--order-scale", request->order_scale,
+                      "Value of one order in the unit of F, for mixed intervals; 1 without it");
+  command->add_option("--unit", request->unit, "Unit of F; Hz without it");
+  command->add_option("--svg", *picture, "Draw the intervals into this file");
+}
+
+}  // namespace kestrindb
