@@ -42,7 +42,7 @@ void PrintAsText(const Json& json) {
     rows.push_back({row["number"].dump(), row["text"].get<std::string>(),
                     row["value"].get<std::string>(), row["value_text"].get<std::string>()});
   }
-  PrintTable({"number", "calculation parameter", "value", ""}, rows);
+  PrintTable({"number", "calculation parameter", "value", "meaning"}, rows);
 }
 
 }  // namespace

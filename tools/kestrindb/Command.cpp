@@ -1,7 +1,6 @@
 #include "Command.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -45,8 +44,8 @@ void RequireUsable(const std::string& file_name) {
 }
 
 bool LooksLikeNumber(const std::string& cell) {
-  const auto first = cell.find_first_not_of('-');
-  return first != std::string::npos && std::isdigit(static_cast<unsigned char>(cell[first])) != 0;
+  return cell.find_first_of("0123456789") != std::string::npos &&
+         cell.find_first_not_of("0123456789.+-e") == std::string::npos;
 }
 
 // Places on a terminal: one a character, without combining marks and wide characters being told
