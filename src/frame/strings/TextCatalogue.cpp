@@ -1,7 +1,5 @@
 #include "frame/strings/TextCatalogue.h"
 
-#include <algorithm>
-#include <map>
 #include <optional>
 
 #include "frame/ModuleStrings.h"
@@ -30,11 +28,9 @@ TextCatalogue::TextCatalogue(std::string_view file) {
     if (const auto next = ReadGroup(line)) {
       group = *next;
     } else if (const auto id = ReadNumber(line.substr(0, tab)); id && tab < line.size()) {
-      entries_.push_back({{group, *id}, std::wstring(Text::Trim(line.substr(tab)))});
+      texts_.emplace(std::pair(group, *id), Text::Trim(line.substr(tab)));
     }
   }
-  std::stable_sort(entries_.begin(), entries_.end(),
-                   [](const Entry& a, const Entry& b) { return a.key < b.key; });
 }
 
 const TextCatalogue& TextCatalogue::Of(const Language& language) {
@@ -51,9 +47,6 @@ const TextCatalogue& TextCatalogue::Of(const Language& language) {
 }
 
 const std::wstring* TextCatalogue::Find(int group, int id) const {
-  const std::pair key(group, id);
-  const auto found =
-      std::lower_bound(entries_.begin(), entries_.end(), key,
-                       [](const Entry& entry, const auto& wanted) { return entry.key < wanted; });
-  return found == entries_.end() || found->key != key ? nullptr : &found->text;
+  const auto found = texts_.find({group, id});
+  return found == texts_.end() ? nullptr : &found->second;
 }

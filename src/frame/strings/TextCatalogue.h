@@ -11,10 +11,10 @@
 // pen costs one text and not the language; of two lines with one id the first counts.
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 struct Language;
 
@@ -33,10 +33,5 @@ class TextCatalogue {
   const std::wstring* Find(int group, int id) const;
 
  private:
-  struct Entry {
-    std::pair<int, int> key;  // group, id
-    std::wstring text;
-  };
-
-  std::vector<Entry> entries_;  // in ascending order of their keys
+  std::map<std::pair<int, int>, std::wstring> texts_;  // by group and id
 };
