@@ -90,7 +90,8 @@ TEST(InstrumentText, ShowsTheParameterOnlyWhereThereAreSeveral) {
   const TestStore data(names);
   for (const Case& c : cases) {
     CString text = L"old";
-    EXPECT_EQ(data.params.FormatInstrParamText(text, c.instrument, c.parameter), text.c_str());
+    const wchar_t* const given = data.params.FormatInstrParamText(text, c.instrument, c.parameter);
+    EXPECT_EQ(given, text.c_str());
     EXPECT_EQ(text, c.text) << c.instrument << ' ' << c.parameter;
     const QClavis key(1, c.instrument, 1, 1, c.parameter, 1);
     EXPECT_STREQ(data.params.FormatInstrParamText(text, key), c.text);
@@ -127,7 +128,8 @@ TEST(PlaceText, ShowsWhatTellsTheChannelFromOthersOfItsKind) {
     const std::string start = text_of_names.substr(0, text_of_names.find("<TChannelProperty>"));
     const TestStore data(start + "<TChannelProperty>: {\n" + c.properties + "\n}\n");
     CString text = L"old";
-    EXPECT_EQ(data.params.FormatLocaChanText(text, c.location, c.channel), text.c_str());
+    const wchar_t* const given = data.params.FormatLocaChanText(text, c.location, c.channel);
+    EXPECT_EQ(given, text.c_str());
     EXPECT_EQ(text, c.text);
     const QClavis key(1, 1, c.channel, c.location, 1, 1);
     EXPECT_STREQ(data.params.FormatLocaChanText(text, key), c.text);

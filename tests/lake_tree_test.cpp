@@ -152,11 +152,23 @@ TEST(LakeTree, FaultsOfTheCallerChangeNothing) {
   EXPECT_DEBUG_DEATH(lake[L"q"] = L"{", "");
   EXPECT_DEBUG_DEATH(lake[L""] = L"x", "");
   EXPECT_DEBUG_DEATH((*lake[L"p"])[L"k"] = L"x", "");
-  EXPECT_DEBUG_DEATH(CLake::CNodeProxy(constant[L"q"]).push_back(L"x"), "");
+  for (const wchar_t* key : {L"q", L"p"}) {
+    EXPECT_DEBUG_DEATH(CLake::CNodeProxy(constant[key]).push_back(L"x"), "");
+  }
+  EXPECT_DEBUG_DEATH(CLake::CNode(*lake[L"p"]).push_back(L"x"), "");  // a copy is in no list
   EXPECT_DEBUG_DEATH(lake[L"s"]->comment(L"x"), "");
   EXPECT_DEBUG_DEATH(CLake::CNode().push_back(L"x"), "");
   EXPECT_DEBUG_DEATH(EXPECT_FALSE(CLake::CNode()[L"x"].exists()), "");
   EXPECT_EQ(ToBytes(lake), before);
+}
+
+TEST(LakeTree, RowsAreAddedAtTheCostOfOneEach) {
+  CLake lake;
+  for (int i = 0; i < 100000; ++i) lake[L"t"].push_back(L"row");
+  EXPECT_EQ(lake[L"t"]->unnamed_size(), 100000U);
+  // A line that became the start of a section by reading it has an end as soon as it is used.
+  std::wistringstream(L"{") >> *lake[L"t"]->begin_unnamed()[0];
+  EXPECT_EQ(lake[L"t"]->begin_unnamed()[0]->push_back(L"inner"), 0U);
 }
 
 TEST(LakeTree, AMillionLevelsNeedNoStack) {

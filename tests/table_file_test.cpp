@@ -144,6 +144,9 @@ TEST(TableFile, AFileOnDiskTellsWhatItCannotDo) {
         full.Close();
       },
       CFileException);
+  // A zero doesn't cut the name to that of another file.
+  EXPECT_THROW(CFile(scratch.name() + L'\0' + L".tmp", CFile::modeWrite), CFileException);
+  EXPECT_EQ(scratch.bytes().size(), DynTables::table_header_size);
   for (const wchar_t* name : {L"/nowhere/at/all", L"/"}) {
     EXPECT_THROW(CFile(name, CFile::modeRead), CFileException);
   }

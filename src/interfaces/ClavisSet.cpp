@@ -53,11 +53,16 @@ CClavisSet& CClavisSet::insertInstrPar(int instrument, int parameter, bool all_i
 }
 
 CClavisSet& CClavisSet::operator-=(const int* ids) {
-  for (unsigned int i = 0; i < elements.size(); ++i) elements[i].erase(ids[i]);
+  std::array<bool, Clavis::element_count> removed{};
+  for (unsigned int i = 0; i < elements.size(); ++i) removed[i] = elements[i].erase(ids[i]) != 0;
   loca_chan.erase(LocaChan(ids));
   instr_param.erase(InstrParam(ids));
-  RemoveUncoupled(loca_chan, elements[Clavis::Location], elements[Clavis::Channel]);
-  RemoveUncoupled(instr_param, elements[Clavis::Instrument], elements[Clavis::Parameter]);
+  if (removed[Clavis::Location] || removed[Clavis::Channel]) {
+    RemoveUncoupled(loca_chan, elements[Clavis::Location], elements[Clavis::Channel]);
+  }
+  if (removed[Clavis::Instrument] || removed[Clavis::Parameter]) {
+    RemoveUncoupled(instr_param, elements[Clavis::Instrument], elements[Clavis::Parameter]);
+  }
   return *this;
 }
 

@@ -87,7 +87,8 @@ void AppendQuoted(std::wstring& out, std::wstring_view text) {
     } else if (IsHighSurrogate(c) && text.size() > 1 && IsLowSurrogate(text[1])) {
       out += text.substr(0, 2);
       text.remove_prefix(1);
-    } else if (c < L' ' || c == 0x7F || IsHighSurrogate(c) || IsLowSurrogate(c)) {
+    } else if (static_cast<char32_t>(c) < U' ' || c == 0x7F || IsHighSurrogate(c) ||
+               IsLowSurrogate(c)) {
       AppendCodeUnit(out, c);
     } else {
       out += c;
@@ -245,6 +246,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// A name with a zero in it would end there for the system, and be that of another file.
+bool NamesAFile(const std::wstring& name) { return name.find(L'\0') == std::wstring::npos; }
+
 fs::path PathOf(const std::wstring& file_name) {
   const std::string utf8 = Text::ToUtf8(file_name);
   return std::u8string(utf8.begin(), utf8.end());
@@ -356,7 +360,8 @@ bool CResourceSea::Load(const std::wstring& file_name) {
                   line, why);
     return false;
   };
-  const std::optional<std::string> bytes = ReadWhole(PathOf(file_name));
+  const std::optional<std::string> bytes =
+      NamesAFile(file_name) ? ReadWhole(PathOf(file_name)) : std::nullopt;
   if (!bytes) return refuse(0, L"the file can't be read");
 
   const std::wstring wide = Text::FromUtf8(*bytes);
@@ -373,7 +378,8 @@ bool CResourceSea::Load(const std::wstring& file_name) {
 
 bool CResourceSea::Save(const std::wstring& file_name) const {
   const std::string bytes = Text::ToUtf8(SeaText::Write(content_));
-  const wchar_t* const why = ReplaceFile(PathOf(file_name), bytes);
+  const wchar_t* const why = NamesAFile(file_name) ? ReplaceFile(PathOf(file_name), bytes)
+                                                   : L"a file name can't hold a zero character";
   if (!why) return true;
   PrWin::Output(PrWin::category_data_base, PrWin::style_bad_line,
                 L"CResourceSea::Save(): '%s' is not saved: %s\n", file_name.c_str(), why);

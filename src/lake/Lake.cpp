@@ -94,9 +94,8 @@ const CLake::CNode::Extra& CLake::CNode::no_extra() {
 }
 
 void CLake::CNode::value(const std::wstring& text) {
-  const bool allowed = !is_section_ && text != L"{";
-  assert(allowed);
-  if (allowed) value_ = text;
+  assert(!is_section_);
+  if (!is_section_) value_ = text;
 }
 
 void CLake::CNode::comment(const std::wstring& text) {
@@ -105,16 +104,19 @@ void CLake::CNode::comment(const std::wstring& text) {
 }
 
 CLake::CNode& CLake::CNode::operator=(const std::wstring& text) {
-  value(text);
+  assert(text != L"{");
+  if (text != L"{") value(text);
   return *this;
 }
 
 CLake::NodeList::iterator CLake::CNode::find(const std::wstring& key) const {
+  if (!is_section_) return extra().end;
   const auto found = extra().named.find(key);
   return found != extra().named.end() ? found->second : extra().end;
 }
 
 int CLake::CNode::find_value(const std::wstring& value) const {
+  if (!is_section_) return -1;
   const auto& lines = extra().unnamed;
   const auto found =
       std::find_if(lines.begin(), lines.end(), [&](auto line) { return line->value_ == value; });
@@ -137,12 +139,22 @@ const CLake::CNodeProxy CLake::CNode::operator[](const std::wstring& key) const 
 unsigned int CLake::CNode::push_back(const std::wstring& text) {
   assert(collection_);
   if (!collection_) return 0;
-  if (!is_section_) make_section(position());
+  if (!is_section_) {
+    const auto self = position();
+    assert(self != collection_->end());
+    if (self == collection_->end()) return 0;
+    make_section(self);
+  }
+  make_end();
   auto& unnamed = own_extra().unnamed;
-  unnamed.reserve(unnamed.size() + 1);
-  const auto line = collection_->emplace(extra_->end, *collection_, L"", text, L"");
+  auto& line = unnamed.emplace_back(extra_->end);
+  try {
+    line = collection_->emplace(extra_->end, *collection_, L"", text, L"");
+  } catch (...) {
+    unnamed.pop_back();
+    throw;
+  }
   line->depth_ = depth_ + 1;
-  unnamed.push_back(line);
   return unnamed_size() - 1;
 }
 
@@ -190,7 +202,6 @@ CLake::NodeList::iterator CLake::CNode::link(NodeList::iterator first) {
       open.push_back(target);
     }
   }
-  for (CNode* section : open) section->extra_->end = collection_->end();
   return collection_->end();
 }
 
@@ -221,6 +232,7 @@ void CLake::CNode::begin_section() {
   Extra& children = own_extra();
   children.named.clear();
   children.unnamed.clear();
+  children.end = collection_->end();
   is_section_ = true;
 }
 
@@ -230,6 +242,7 @@ CLake::NodeList::iterator CLake::CNode::insert(const std::wstring& key) {
   if (const auto there = children.named.find(key); there != children.named.end()) {
     return there->second;
   }
+  make_end();
   const auto line = collection_->emplace(children.end, *collection_, key, L"", L"");
   line->depth_ = depth_ + 1;
   children.named.emplace(key, line);
@@ -248,11 +261,20 @@ void CLake::CNode::make_section(NodeList::iterator self) {
   is_section_ = true;
 }
 
-// Where this node stands in its list. Searched from the back, where lines made in memory stand.
+// A node that was read from a stream as the start of a section has no end until it is linked.
+void CLake::CNode::make_end() {
+  Extra& own = own_extra();
+  if (own.end == NodeList::iterator()) own.end = collection_->end();
+}
+
+// Where this node stands in its list, or the end if it is a copy. Searched from the back, where
+// lines made in memory stand.
 CLake::NodeList::iterator CLake::CNode::position() const {
-  auto place = std::prev(collection_->end());
-  while (&*place != this) --place;
-  return place;
+  auto place = collection_->end();
+  while (place != collection_->begin()) {
+    if (&*--place == this) return place;
+  }
+  return collection_->end();
 }
 
 // -------------------------------------------------------------------------- CLake::CNodeProxy
@@ -283,7 +305,7 @@ const CLake::CNode& CLake::CNodeProxy::operator*() const {
 
 // True when there is a line now, found or added.
 bool CLake::CNodeProxy::insert_missing() {
-  if (exists()) return true;
+  if (exists() && section_) return true;
   const bool allowed = collection_ && section_ && section_->is_section() && !key_.empty();
   assert(allowed);
   if (allowed) target_ = section_->insert(key_);

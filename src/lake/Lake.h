@@ -1,7 +1,7 @@
 // The lake: a parameter text file in memory.
 //
 // Every line of the file is one node, in file order, in one list. Over that list lies a tree of
-// sections: a section's indexes hold list iterators of its direct children, so no text stands in
+// sections: a section's indexes hold list iterators of its direct children, so no line stands in
 // memory twice and the file can be written back line for line, comments and blank lines included.
 //
 //     list      root  <QType>: "G"  <TMode>: {   1 "Up"   2 "Down"   }
@@ -15,8 +15,8 @@
 // else. So a node holds its value, and keeps key, comment and indexes aside, for those lines that
 // have them.
 //
-// Threads: a lake has no lock. Constant operations may run on any number of threads as long as no
-// other operation runs beside them.
+// Threads: a lake has no lock. Constant operations but `write`, which stores a name that it is
+// given, may run on any number of threads as long as no other operation runs beside them.
 #pragma once
 
 #include <concepts>
@@ -42,7 +42,8 @@ class KESTRIN_API CLake {
   explicit CLake(CString filename = {});
   // The same lines under a root of its own; the file name is empty.
   CLake(const CLake& other);
-  // The same lines; the file name stays. If memory runs out while copying, nothing has changed.
+  // The same lines; the file name stays. If memory runs out while they are copied, nothing has
+  // changed; if it runs out while they are linked, not all of them are found by key.
   CLake& operator=(const CLake& other);
   ~CLake();
 
@@ -55,7 +56,8 @@ class KESTRIN_API CLake {
 
   // Writes all lines, as UTF-8 behind the mark; without lines, a file of zero bytes. The file name
   // as in `read`. False if the file can't be opened; a failure while writing ends the writing and
-  // is not reported. A surrogate without its partner and an element above 0xFFFF become U+FFFD.
+  // is not reported. A high surrogate that no low one follows and an element above 0xFFFF become
+  // U+FFFD.
   bool write(const CString& filename) const;
 
   const CString& filename() const { return filename_; }
@@ -112,8 +114,9 @@ class KESTRIN_API CLake::CNode {
   const std::wstring& value() const { return value_; }
   const std::wstring& comment() const { return extra().comment; }
 
-  // Set value or comment. A section's own line is fixed, and "{" makes no section (`push_back`
-  // does): both are faults of the caller, asserted in a debug build and without effect otherwise.
+  // Set value or comment. A section's own line is fixed, and "{" can't be assigned (`push_back`
+  // makes a section): both are faults of the caller, asserted in a debug build and without effect
+  // otherwise. A value "{" that is set is a text until the file that it is written to is read.
   // A comment is read back as a comment from lines without key and value, and behind a "}".
   void value(const std::wstring& text);
   void comment(const std::wstring& text);
@@ -189,6 +192,7 @@ class KESTRIN_API CLake::CNode {
   void begin_section();
   NodeList::iterator insert(const std::wstring& key);
   void make_section(NodeList::iterator self);
+  void make_end();
   NodeList::iterator position() const;
 
   void set_line(std::wstring_view line);
@@ -232,8 +236,8 @@ class KESTRIN_API CLake::CNodeProxy {
 
   // Sets the value of the line found, or on a miss adds a line of that key at the end of the
   // section. Faults of the caller, asserted in a debug build and without effect otherwise: a
-  // section found, the text "{", an empty key, and a miss where the lookup was made on a constant
-  // node or in a line that is no section.
+  // section found, the text "{", an empty key, and a lookup that was made on a constant
+  // node, and a miss in a line that is no section.
   CNodeProxy& operator=(const std::wstring& text);
 
   // Makes the line found a section as `CNode::push_back` does, having added it on a miss; no
