@@ -16,6 +16,7 @@
 #include "frame/TableCatalogue.h"
 #include "interfaces/Clavis.h"
 #include "interfaces/ComboBoxX.h"
+#include "interfaces/File.h"
 #include "interfaces/MeasuringUnit.h"
 #include "interfaces/PrWin.h"
 #include "interfaces/ResourceSea.h"

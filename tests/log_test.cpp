@@ -128,7 +128,6 @@ TEST_F(Log, OneThreadAtATimeIsInTheSinkAndNoneAfterItsReplacement) {
 }
 
 TEST(Trace, IsSilentUnlessAskedFor) {
-  // The environment is asked once in a process, so each case has one of its own.
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   const auto trace = [](const char* wish, bool sink) {
     setenv("KESTRIN_TRACE", wish, 1);

@@ -381,6 +381,16 @@ TEST(SpecIntervals, CanBeCutOutOfOneAnother) {
   }
 }
 
+// Two cuts whose ends fall on one line: the piece behind them begins at the later end.
+TEST(SpecIntervals, PiecesBeginBehindTheFurthestCutOnTheAxis) {
+  std::vector<Spec::IndexInterval> collection = {
+      {0.0F, 100.0F, 0, 100}, {10.1F, 20.1F, 10, 20}, {15.0F, 20.3F, 15, 20}};
+  ASSERT_EQ(Spec::InvertIndexIntervalCollection(collection), 2U);
+  EXPECT_EQ(collection[0].stop_frequency, 10.1F);
+  EXPECT_EQ(collection[1].start_frequency, 20.3F);
+  EXPECT_EQ(collection[1].start_index, 21U);
+}
+
 TEST(SpecIntervals, KeepExactlyTheLinesThatNoCutCovers) {
   std::mt19937 random(4711);
   constexpr unsigned line_count = 64;

@@ -97,6 +97,8 @@ struct QVLearnProcedures : QValueBase, TableType::Fields<QVLearnProcedures> {
 
 // The track polygon of a key.
 struct QVIpSvTrackPolygon : QValueBase, TableType::Fields<QVIpSvTrackPolygon> {
+  static constexpr unsigned s_version = 1;
+
   int track_a = 0;
   int track_b = -1;
   int track_c = -1;

@@ -6,7 +6,8 @@
 // ids. Ids are 32-bit signed integers chosen by the data base; -1 is no value.
 //
 // Threads: after a load, constant queries may run on any number of threads. Loading, purging,
-// clearing, AddVModeName and changes through the non-constant tables must not run beside them.
+// clearing, AddVModeName, ShowIdsInDialogs(bool) and changes through the non-constant tables must
+// not run beside them.
 //
 // The operations are defined in queries/, a file a topic, and in frame/QtParamInstance.cpp.
 #pragma once

@@ -126,11 +126,8 @@ void OutputFormat(Category category, Style style, const wchar_t* format,
 }
 
 bool TraceIsWanted() {
-  static const bool wanted = [] {
-    const char* const value = std::getenv("KESTRIN_TRACE");
-    return value && *value;
-  }();
-  return wanted;
+  const char* const value = std::getenv("KESTRIN_TRACE");
+  return value && *value;
 }
 
 }  // namespace

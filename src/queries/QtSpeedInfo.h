@@ -1,3 +1,4 @@
+// clang-format off
 // The plain chains through the tables of the machine: from a test step to its physical mode, from a
 // gear to its physical gear, from an order source to its rotor, from there to the speed source and
 // its signal.
@@ -6,8 +7,8 @@
 //
 //   order source --(p) <TOrderSource2Rotor>--> rotor --(p) <TRotorSpeedSource>--> speed source
 //        |                                       |                                   |
-//        | (p) <TVirtual2PhysGear>               | (p) <TRotorSpeed>                 |
-//        <TSpeedSource> v                                       v v
+//        | (p) <TVirtual2PhysGear>               | (p) <TRotorSpeed>                 | <TSpeedSource>
+//        v                                       v                                   v
 //   physical gear --<TBaseOrder>--> order      speed                               signal
 //
 // Gears, order sources, rotors and speed sources share one space of ids. The first two steps from
@@ -15,8 +16,9 @@
 // table maps is the rotor, or the physical gear, of the same number. All other steps end in -1, or
 // for a number in 0.
 //
-// Modes are base modes here: whoever asks has folded a virtual one. Nothing is stored;
-// each answer is read from the tables as they are.
+// Modes are base modes here: whoever asks has folded a virtual one. Nothing is stored; each answer
+// is read from the tables as they are.
+// clang-format on
 #pragma once
 
 class CQtParamStore;

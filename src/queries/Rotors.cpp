@@ -90,7 +90,9 @@ int CQtParamInstance::SpeedInfoOfRotor(int mode, int rotor) const {
 }
 
 float CQtParamInstance::BaseOrder(int mode, int gear) const {
-  const float* const order = store_->Derived().SpeedInfo().BaseOrderOf(PhysicalGear(mode, gear));
+  const int physical = PhysicalGear(mode, gear);
+  if (physical == -1) return 0.0F;
+  const float* const order = store_->Derived().SpeedInfo().BaseOrderOf(physical);
   return order ? *order : 0.0F;
 }
 

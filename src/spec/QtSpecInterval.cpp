@@ -2,6 +2,7 @@
 // are held against the number of lines before they become indices.
 #include "spec/QtSpecInterval.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 
@@ -76,7 +77,15 @@ unsigned CQtSpecInterval::InvertIndexIntervalCollection(std::vector<IndexInterva
   for (std::size_t i = 1; i < collection.size() && pieces != 0; ++i) {
     const IndexInterval cut = collection[i];
     const IndexInterval piece = collection[pieces - 1];
-    if (cut.stop_index < piece.start_index || cut.start_index > piece.stop_index) continue;
+    if (cut.start_index > piece.stop_index) continue;
+    if (cut.stop_index < piece.start_index) {
+      // It may share its last line with the cut before and reach further on the axis.
+      if (piece.start_index - cut.stop_index == 1) {
+        collection[pieces - 1].start_frequency =
+            std::max(piece.start_frequency, cut.stop_frequency);
+      }
+      continue;
+    }
     --pieces;
     if (cut.start_index > piece.start_index) {
       collection[pieces++] = {piece.start_frequency, cut.start_frequency, piece.start_index,

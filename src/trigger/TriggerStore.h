@@ -47,7 +47,7 @@ class KESTRIN_API CTriggerStore {
     // As they are; the stop follows.
     CInterval(float start, float step, unsigned len, bool raising);
     // Of a row, the bounds in ascending order. Its direction plays no part.
-    explicit CInterval(const QVTriggerParams& row);
+    CInterval(const QVTriggerParams& row);
     CInterval& operator=(const QVTriggerParams& row);
 
     // An axis from start to stop. One that falls has its bounds exchanged.

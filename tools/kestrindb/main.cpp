@@ -17,6 +17,7 @@ int main(int argc, char** argv) {
     kestrindb::AddNames(line);
     kestrindb::AddDump(line);
     kestrindb::AddTables(line);
+    kestrindb::AddCheck(line);
     kestrindb::AddMode(line);
     kestrindb::AddKey(line);
     kestrindb::AddChannel(line);
@@ -27,6 +28,9 @@ int main(int argc, char** argv) {
     kestrindb::AddPolygon(line);
     kestrindb::AddTrigger(line);
     CLI11_PARSE(line.app, argc, argv);
+    if (!std::cout.flush()) {
+      throw kestrindb::Failure(kestrindb::file_unusable, "The answer can't be written.");
+    }
     return line.status;
   } catch (const kestrindb::Failure& failure) {
     std::cerr << "kestrindb: " << failure.what() << '\n';
