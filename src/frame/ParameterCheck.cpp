@@ -23,7 +23,7 @@ using TableCatalogue::TableInfo;
 using TableType::FieldKind;
 using TableType::FieldRef;
 
-// A text that leaves fewer characters than this of its limit is told.
+// A line with at least this many characters from a text on is told to be near the limit.
 constexpr std::size_t near_limit = RowText::max_text_rest - 18;
 
 using LineNumbers = std::unordered_map<const CLake::CNode*, std::size_t>;
@@ -97,17 +97,11 @@ class TableCheck {
   void Run(const CLake::CNode& section) {
     for (auto child = section.begin_unnamed(); child != section.end_unnamed(); ++child) {
       CheckLine(**child);
-    }
-    for (auto child = section.begin_named(); child != section.end_named(); ++child) {
-      Tell(Kind::keyed_line, Line(*child->second),
-           "the colon makes this a line with the key " + Quoted(child->first) +
-               ", which is no row of the table");
+      first_line_ = false;
     }
   }
 
  private:
-  std::size_t Line(const CLake::CNode& node) const { return numbers_.at(&node); }
-
   Finding& Tell(Kind kind, std::size_t line, std::string message) {
     findings_.push_back({kind, line, 0, table_.section, "", 0, std::move(message)});
     return findings_.back();
@@ -119,34 +113,41 @@ class TableCheck {
     finding.position = field + 1;
   }
 
+  // As a table reads a line: whatever becomes of its fields, a row is made.
   void CheckLine(const CLake::CNode& node) {
-    const std::size_t line = Line(node);
+    const std::size_t line = numbers_.at(&node);
     if (IsBlankOrComment(node)) {
-      CheckBlank(line);
+      EmptyTexts(0);
+      TellBlank(line, EnterKey(line));
       return;
     }
-    std::wstring_view rest = node.value();
-    if (ReadFields(line, rest)) CheckKey(line);
-    first_line_ = false;
+    const bool whole = ReadFields(line, node.value());
+    const std::size_t first = EnterKey(line);
+    if (first == 0) return;
+    const std::string dropped =
+        "having the key of line " + std::to_string(first) + ", whose row stays";
+    Finding& finding = whole ? Tell(Kind::duplicate_key, line,
+                                    "the key " + ShownKey() + " stands already: the row is dropped")
+                             : findings_.back();
+    finding.message += whole ? ", " + dropped : "; the row is dropped, " + dropped;
+    finding.other_line = first;
   }
 
-  // As a table reads a line, field by field. False if the line has no key of its own.
-  bool ReadFields(std::size_t line, std::wstring_view& rest) {
-    const std::size_t key_size = buffer_->key.size();
+  // False if the line was told to be bad or short.
+  bool ReadFields(std::size_t line, std::wstring_view rest) {
     for (std::size_t i = 0; i < fields_.size(); ++i) {
-      if (rest.empty() && fields_[i].ref.kind != FieldKind::text) {
+      if (rest.empty()) {
+        EmptyTexts(i);
         TellShort(line, i);
-        ReadEmptyTexts(i);
-        return i >= key_size;
+        return false;
       }
-      const bool is_text = fields_[i].ref.kind == FieldKind::text;
       const std::size_t length = rest.size();
       const RowText::Result result = RowText::ReadFields({&fields_[i].ref, 1}, rest);
       if (!result.ok) {
         TellBad(line, i, result.reason, rest);
-        return i >= key_size;
+        return false;
       }
-      if (is_text && length >= near_limit) {
+      if (IsText(i) && length >= near_limit) {
         TellField(Kind::text_near_limit, line, i,
                   std::to_string(length) + " characters from this text to the end of the line; " +
                       std::to_string(RowText::max_text_rest + 1) + " can't be read");
@@ -160,26 +161,29 @@ class TableCheck {
     return true;
   }
 
+  bool IsText(std::size_t field) const { return fields_[field].ref.kind == FieldKind::text; }
+
   // Texts that a line doesn't reach become empty, unlike numbers.
-  void ReadEmptyTexts(std::size_t first) {
+  void EmptyTexts(std::size_t first) {
     for (std::size_t i = first; i < fields_.size(); ++i) {
-      if (fields_[i].ref.kind == FieldKind::text) *static_cast<wchar_t*>(fields_[i].ref.place) = 0;
+      if (IsText(i)) *static_cast<wchar_t*>(fields_[i].ref.place) = L'\0';
     }
   }
 
   void TellShort(std::size_t line, std::size_t field) {
     std::string kept;
+    std::string emptied;
     for (std::size_t i = field; i < fields_.size(); ++i) {
-      if (fields_[i].ref.kind == FieldKind::text) continue;
-      std::wstring value;
-      const TableType::FieldView view{fields_[i].ref.kind, fields_[i].ref.place};
-      RowText::Append(value, {&view, 1});
-      kept += (kept.empty() ? "" : ", ") + fields_[i].name + " = " + Text::ToUtf8(value);
+      std::string& list = IsText(i) ? emptied : kept;
+      list += (list.empty() ? "" : ", ") + fields_[i].name + (IsText(i) ? "" : " = " + Shown(i));
     }
-    TellField(Kind::short_line, line, field,
-              std::string("the line ends here; ") +
-                  (first_line_ ? "left at their defaults: " : "taken over from the line before: ") +
-                  kept);
+    std::string message = "the line ends here";
+    if (!kept.empty()) {
+      message += first_line_ ? "; left at their defaults: " : "; taken over from the line before: ";
+      message += kept;
+    }
+    if (!emptied.empty()) message += "; empty: " + emptied;
+    TellField(Kind::short_line, line, field, std::move(message));
   }
 
   void TellBad(std::size_t line, std::size_t field, const char* reason, std::wstring_view rest) {
@@ -195,36 +199,40 @@ class TableCheck {
     TellField(Kind::bad_line, line, field, std::move(message));
   }
 
-  void CheckBlank(std::size_t line) {
-    const std::string makes = "a blank or comment line inside a table makes a row";
-    if (!table_.unique_keys) {
-      Tell(Kind::blank_line, line, makes + ": one more with the key of the line before");
+  void TellBlank(std::size_t line, std::size_t first_of_key) {
+    std::string message = "a blank or comment line inside a table makes a row";
+    if (first_of_key != 0) {
+      message += "; it is dropped, having the key of line " + std::to_string(first_of_key);
     } else if (first_line_) {
-      Tell(Kind::blank_line, line, makes + ": one with the key's defaults");
+      message += ", of defaults";
     } else {
-      Tell(Kind::blank_line, line, makes + "; it is dropped, having the key of the line before");
+      message += ": empty texts, and the numbers of the line before";
     }
-    ReadEmptyTexts(0);
-    first_line_ = false;
+    Tell(Kind::blank_line, line, std::move(message)).other_line = first_of_key;
   }
 
-  void CheckKey(std::size_t line) {
-    if (!table_.unique_keys) return;
+  // The line whose row has the key already, or 0.
+  std::size_t EnterKey(std::size_t line) {
+    if (!table_.unique_keys) return 0;
     std::wstring key;
+    for (std::size_t i = 0; i < buffer_->key.size(); ++i) key += KeyText(fields_[i].ref) + L'\n';
+    const auto [first, is_new] = lines_by_key_.emplace(std::move(key), line);
+    return is_new ? 0 : first->second;
+  }
+
+  std::string Shown(std::size_t field) const {
+    std::wstring text;
+    const TableType::FieldView view{fields_[field].ref.kind, fields_[field].ref.place};
+    RowText::Append(text, {&view, 1});
+    return Text::ToUtf8(text);
+  }
+
+  std::string ShownKey() const {
     std::string shown;
     for (std::size_t i = 0; i < buffer_->key.size(); ++i) {
-      key += KeyText(fields_[i].ref) + L'\n';
-      const TableType::FieldView view{fields_[i].ref.kind, fields_[i].ref.place};
-      std::wstring text;
-      RowText::Append(text, {&view, 1});
-      shown += (shown.empty() ? "" : " ") + Text::ToUtf8(text);
+      shown += (shown.empty() ? "" : " ") + Shown(i);
     }
-    const auto [first, is_new] = lines_by_key_.emplace(std::move(key), line);
-    if (is_new) return;
-    Tell(Kind::duplicate_key, line,
-         "the key " + shown + " stands in line " + std::to_string(first->second) +
-             " already; that row stays, this one is dropped")
-        .other_line = first->second;
+    return shown;
   }
 
   const TableInfo& table_;
@@ -236,6 +244,10 @@ class TableCheck {
   bool first_line_ = true;
   bool told_index_ = false;
 };
+
+bool IsTable(const std::wstring& key) {
+  return key.starts_with(L'<') && TableCatalogue::Find(key) != nullptr;
+}
 
 // Checks how the lines nest and what stands at the top.
 class NestingCheck {
@@ -255,12 +267,22 @@ class NestingCheck {
         open_.pop_back();
         continue;
       }
-      if (open_.empty() && node.is_named()) CheckTop(node, number);
+      if (open_.empty()) CheckTop(node, number);
+      if (open_.size() == 1 && node.is_named() && IsTable(open_.back().key)) {
+        Tell(Kind::keyed_line, number, 0, open_.back().key,
+             "the colon makes this a line with the key " + Quoted(node.key()) +
+                 ", which is no row of the table");
+      }
       if (node.value() == L"{") open_.push_back({number, node.key()});
     }
     for (const Open& section : open_) {
       Tell(Kind::unclosed_section, section.line, 0, section.key,
            "the section has no closing bracket and takes in all that follows");
+    }
+    for (const auto& [key, top] : tops_) {
+      if (top.opened || !IsTable(key)) continue;
+      Tell(Kind::no_section, top.line, 0, key,
+           "a table's name that opens no section: the value must be { alone");
     }
   }
 
@@ -269,6 +291,11 @@ class NestingCheck {
     std::size_t line;
     std::wstring key;
   };
+  // The first line of a key, and whether it or a later one opens a section.
+  struct Top {
+    std::size_t line;
+    bool opened;
+  };
 
   void Tell(Kind kind, std::size_t line, std::size_t other, const std::wstring& section,
             std::string message) {
@@ -276,41 +303,44 @@ class NestingCheck {
   }
 
   void TellUnreachable(std::size_t line, std::size_t last) {
-    if (line == last) {
-      Tell(Kind::unreachable_lines, line, 0, L"", "this bracket closes no section");
-      return;
+    std::string message = "this bracket closes no section";
+    if (last == line + 1) message += " and ends the data base; the line behind it is not read";
+    if (last > line + 1) {
+      message += " and ends the data base; lines " + std::to_string(line + 1) + " to " +
+                 std::to_string(last) + " are not read";
     }
-    Tell(Kind::unreachable_lines, line, last, L"",
-         "this bracket closes no section and ends the data base; lines " +
-             std::to_string(line + 1) + " to " + std::to_string(last) + " are not read");
+    Tell(Kind::unreachable_lines, line, last == line ? 0 : last, L"", std::move(message));
   }
 
   void CheckTop(const CLake::CNode& node, std::size_t line) {
     const bool is_section = node.value() == L"{";
-    const bool is_table =
-        TableCatalogue::Find(node.key()) != nullptr && node.key().starts_with(L'<');
-    if (is_section && !is_table) {
-      Tell(Kind::unknown_section, line, 0, node.key(), "no table of this name is known; not read");
-    } else if (is_table && !is_section) {
-      Tell(Kind::no_section, line, 0, node.key(),
-           "a table's name that opens no section: the value must be { alone");
+    if (!node.is_named()) {
+      if (IsBlankOrComment(node)) return;
+      Tell(Kind::outside_section, line, 0, L"",
+           is_section ? "a section without a name; its lines are not read"
+                      : "a row outside every section; it is not read");
+      return;
     }
-    const auto [first, is_new] = lines_by_key_.emplace(node.key(), line);
+    if (is_section && !IsTable(node.key())) {
+      Tell(Kind::unknown_section, line, 0, node.key(), "no table of this name is known; not read");
+    }
+    const auto [first, is_new] = tops_.try_emplace(node.key(), Top{line, is_section});
     if (is_new) return;
-    const std::string before = "line " + std::to_string(first->second);
-    if (is_section) {
-      Tell(Kind::duplicate_section, line, first->second, node.key(),
-           "stands in " + before + " already, whose lines give way to those of this section");
-    } else {
-      Tell(Kind::duplicate_line, line, first->second, L"",
+    const std::string before = "line " + std::to_string(first->second.line);
+    if (!is_section) {
+      Tell(Kind::duplicate_line, line, first->second.line, L"",
            "the key " + Quoted(node.key()) + " stands in " + before +
                " already; that line stays, this one is ignored");
+    } else if (first->second.opened) {
+      Tell(Kind::duplicate_section, line, first->second.line, node.key(),
+           "stands in " + before + " already, whose lines give way to those of this section");
     }
+    first->second.opened = first->second.opened || is_section;
   }
 
   std::vector<Finding>& findings_;
   std::vector<Open> open_;
-  std::map<std::wstring, std::size_t> lines_by_key_;
+  std::map<std::wstring, Top> tops_;
 };
 
 void CheckVersion(const CLake& lake, const LineNumbers& numbers, std::vector<Finding>& findings) {
@@ -384,6 +414,8 @@ const char* Name(Kind kind) {
       return "duplicate_section";
     case Kind::duplicate_line:
       return "duplicate_line";
+    case Kind::outside_section:
+      return "outside_section";
     case Kind::unclosed_section:
       return "unclosed_section";
     case Kind::unreachable_lines:
@@ -396,6 +428,10 @@ const char* Name(Kind kind) {
 
 std::vector<Finding> Check(const CLake& lake) {
   std::vector<Finding> findings;
+  if (lake.empty()) {
+    findings.push_back({Kind::refused_version, 0, 0, L"", "", 0, "there are no lines; refused"});
+    return findings;
+  }
   const LineNumbers numbers = NumberLines(lake);
   CheckVersion(lake, numbers, findings);
   NestingCheck(findings).Run(lake);

@@ -14,11 +14,11 @@ class CLake;
 namespace ParameterCheck {
 
 enum class Kind {
-  refused_version,    // the load refuses the data base
+  refused_version,    // the load refuses the data base, for its version or because it is empty
   bad_line,           // a field can't be converted: the row is stored as far as it was read
   duplicate_key,      // the row is dropped, that of the other line stays
   blank_line,         // a blank or comment line inside a table makes a row
-  short_line,         // numbers behind the end of the line keep the values of the line before
+  short_line,         // behind its end numbers keep the values of the line before, texts are empty
   extra_fields,       // what stands behind the last field is ignored
   text_near_limit,    // little room is left in the line from a text on
   keyed_line,         // a line with a colon inside a table is no row
@@ -26,6 +26,7 @@ enum class Kind {
   unknown_section,    // a section that no table reads
   duplicate_section,  // a section's rows are replaced by those of a later one
   duplicate_line,     // a named line at the top that is ignored, an earlier one has its key
+  outside_section,    // a row, or a section without a name, that nothing reads
   unclosed_section,   // the section ends with the file
   unreachable_lines,  // lines behind a closing bracket too many
   unknown_parameter,  // a relative limit's parameter is in no table: the load fails

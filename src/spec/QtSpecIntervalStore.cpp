@@ -102,9 +102,9 @@ CQtSpecIntervalStore::IntervalRange CQtSpecIntervalStore::SpecIntervalRange(int 
 }
 
 unsigned CQtSpecIntervalStore::Range(const wchar_t* definition, QVSpecIntervalEntry* ranges,
-                                     unsigned max_orders) {
+                                     unsigned order_limit) {
   Positions positions;
-  const unsigned intervals = ReadPositions(definition, positions, max_orders) / 2;
+  const unsigned intervals = ReadPositions(definition, positions, order_limit) / 2;
   for (unsigned i = 0; i < intervals; ++i) {
     ranges[i].lower() = positions[2 * i];
     ranges[i].upper() = positions[2 * i + 1];

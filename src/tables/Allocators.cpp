@@ -19,11 +19,15 @@ NodePool& NodePool::OfSize(std::size_t size) {
 }
 
 void* NodePool::Take() {
-  const std::lock_guard lock(mutex_);
-  if (free_ == nullptr) return ::operator new(size_);
-  Link* block = free_;
-  free_ = block->next;
-  return block;
+  {
+    const std::lock_guard lock(mutex_);
+    if (free_ != nullptr) {
+      Link* block = free_;
+      free_ = block->next;
+      return block;
+    }
+  }
+  return ::operator new(size_);
 }
 
 void NodePool::Give(void* block) noexcept {

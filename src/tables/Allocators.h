@@ -7,7 +7,7 @@
 //
 // Pools are made on first use and never destroyed: a table that is emptied while the process ends
 // still finds its pool. Each pool has a mutex of its own, held for the taking or giving back of one
-// block and never across another call, so allocators may be used from any thread.
+// block and across no other call, so allocators may be used from any thread.
 #pragma once
 
 #include <cstddef>

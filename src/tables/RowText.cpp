@@ -29,11 +29,22 @@ bool strcopy(wchar_t* dst, const wchar_t* src, unsigned int dst_size) {
 
 }  // namespace TableType
 
+namespace {
+
+// A zero would end the log's text in the middle of a line.
+std::wstring WithoutZeros(std::wstring_view line) {
+  std::wstring text(line);
+  std::replace(text.begin(), text.end(), L'\0', L'\xFFFD');
+  return text;
+}
+
+}  // namespace
+
 namespace DynTables {
 
 void log_error(const wchar_t* where, const wchar_t* table, const std::wstring& line) {
   std::wstring text(where);
-  text.append(L": Error reading line '").append(line);
+  text.append(L": Error reading line '").append(WithoutZeros(line));
   text.append(L"' of table '").append(table).append(L"'\n");
   PrWin::Output(text.c_str(), PrWin::category_data_base, PrWin::style_bad_line);
 }
@@ -175,7 +186,7 @@ bool Read(std::span<const FieldRef> fields, std::wstring_view& line) {
     PrWin::Output(PrWin::category_data_base,
                   L"Error converting parameter sea to parameter tables: '%s' for substring '%s'\n",
                   Formatting::ansi2unicode(result.reason, latin_code_page).c_str(),
-                  std::wstring(line).c_str());
+                  WithoutZeros(line).c_str());
   }
   return result.ok;
 }

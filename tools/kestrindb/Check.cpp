@@ -11,21 +11,43 @@
 namespace kestrindb {
 namespace {
 
+// Where the text of a file with a mark ceases to be UTF-8, as the lake reads it (long and overlong
+// forms are let through); the size of the text if nowhere.
+std::size_t FirstBadByte(const std::string& bytes) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+  std::size_t i = 0;
+  while (i < bytes.size()) {
+    const unsigned lead = byte(i);
+    const std::size_t length = lead < 0x80   ? 1
+                               : lead < 0xC0 ? 0
+                               : lead < 0xE0 ? 2
+                               : lead < 0xF0 ? 3
+                               : lead < 0xF8 ? 4
+                               : lead < 0xFC ? 5
+                                             : 6;
+    if (length == 0 || i + length > bytes.size()) return i;
+    unsigned long code = length == 1 ? lead : lead & (0x7FU >> length);
+    for (std::size_t k = 1; k < length; ++k) {
+      if ((byte(i + k) & 0xC0U) != 0x80U) return i;
+      code = code << 6U | (byte(i + k) & 0x3FU);
+    }
+    if (code > 0x10FFFF) return i;
+    i += length;
+  }
+  return bytes.size();
+}
+
 // What only the bytes of the file show: text that is not UTF-8 ends a load early.
-void CheckBytes(const std::string& file_name, const CLake& lake, Json& findings) {
+void CheckBytes(const std::string& file_name, Json& findings) {
   std::ifstream file(file_name, std::ios::binary);
   const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-  auto lines = static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), '\n'));
-  if (!bytes.empty() && bytes.back() != '\n') ++lines;
-  const auto read = static_cast<std::size_t>(std::distance(lake.begin(), lake.end()));
   const bool marked = bytes.starts_with("\xEF\xBB\xBF");
-  if (marked && read < lines) {
-    findings.push_back({{"kind", "not_utf8"},
-                        {"line", read},
-                        {"message",
-                         "the text is not UTF-8 in or behind this line; nothing from "
-                         "there on is read (the file has " +
-                             std::to_string(lines) + " lines)"}});
+  if (const std::size_t bad = FirstBadByte(bytes); marked && bad != bytes.size()) {
+    const auto place = bytes.begin() + static_cast<std::ptrdiff_t>(bad);
+    findings.push_back(
+        {{"kind", "not_utf8"},
+         {"line", 1 + std::count(bytes.begin(), place, '\n')},
+         {"message", "the text is not UTF-8 in this line; nothing from there on is read"}});
   }
   const bool beyond_ascii =
       std::any_of(bytes.begin(), bytes.end(), [](char byte) { return byte < 0; });
@@ -63,7 +85,8 @@ void PrintAsText(const std::string& file_name, const Json& findings) {
     std::cout << finding["message"].get<std::string>() << '\n';
   }
   std::cout << (findings.empty() ? "Nothing to report."
-                                 : std::to_string(findings.size()) + " findings.")
+                                 : std::to_string(findings.size()) +
+                                       (findings.size() == 1 ? " finding." : " findings."))
             << '\n';
 }
 
@@ -78,7 +101,10 @@ void AddCheck(CommandLine& line) {
              for (const auto& finding : ParameterCheck::Check(CParameterLake::Lake())) {
                findings.push_back(ToJson(finding));
              }
-             CheckBytes(*file, CParameterLake::Lake(), findings);
+             CheckBytes(*file, findings);
+             std::stable_sort(findings.begin(), findings.end(), [](const Json& a, const Json& b) {
+               return a["line"].get<std::size_t>() < b["line"].get<std::size_t>();
+             });
              line.json ? Print(findings) : PrintAsText(*file, findings);
              return findings.empty() ? fine : data_bad;
            })

@@ -43,6 +43,17 @@ void RequireUsable(const std::string& file_name) {
   }
 }
 
+std::string WhyNotAccepted() {
+  CLake& lake = CParameterLake::Lake();
+  if (lake.empty()) return "it has no lines";
+  const int major = lake[L"<DbDesign.CacheVersion>"];
+  const int minor = lake[L"<DbDesign.CacheMinorVersion>"];
+  if (!CQTableManager::IsSupported(major, minor)) {
+    return "version " + std::to_string(major) + "." + std::to_string(minor) + " is not supported";
+  }
+  return "a relative limit names an unknown parameter; kestrindb check tells which";
+}
+
 bool LooksLikeNumber(const std::string& cell) {
   return cell.find_first_of("0123456789") != std::string::npos &&
          cell.find_first_not_of("0123456789.+-e") == std::string::npos;
@@ -74,14 +85,13 @@ DataBase::DataBase(const std::string& file_name) : file_name_(file_name) {
   const LogKeeper keeper(log);
   ReadLake(file_name);
   accepted = params.ReadTablesFromCandidateLake();
+  if (!accepted) reason = WhyNotAccepted();
 }
 
 void DataBase::RequireAccepted() const {
   if (accepted) return;
-  throw Failure(data_bad, "The file '" + file_name_ + "' was not accepted as a data base" +
-                              (log.empty() ? ": it is empty, or a relative limit names an unknown "
-                                             "parameter."
-                                           : "; the log says why."));
+  throw Failure(data_bad,
+                "The file '" + file_name_ + "' was not accepted as a data base: " + reason + ".");
 }
 
 void DataBase::RequireMode(int mode) const {

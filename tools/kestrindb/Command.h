@@ -49,6 +49,7 @@ class DataBase {
 
   CQtParamInstance params;
   bool accepted = false;
+  std::string reason;        // why not, as the end of a sentence
   std::vector<LogLine> log;  // what the load logged; it also went to standard error
 
   Status LoadStatus() const { return accepted && log.empty() ? fine : data_bad; }

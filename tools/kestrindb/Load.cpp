@@ -11,6 +11,7 @@ namespace {
 Json ToJson(const DataBase& data) {
   Json json;
   json["accepted"] = data.accepted;
+  if (!data.accepted) json["reason"] = data.reason;
   CLake& lake = CParameterLake::Lake();
   const int major = lake[L"<DbDesign.CacheVersion>"];
   const int minor = lake[L"<DbDesign.CacheMinorVersion>"];
@@ -38,7 +39,8 @@ std::string OrNone(const Json& text) {
 
 void PrintAsText(const Json& json) {
   std::cout << "version          " << json["version"]["major"] << '.' << json["version"]["minor"]
-            << (json["accepted"] ? "" : "  not accepted") << '\n'
+            << (json["accepted"] ? "" : "  not accepted: " + json["reason"].get<std::string>())
+            << '\n'
             << "base type        " << OrNone(json["base_type"]) << '\n'
             << "alias type       " << OrNone(json["alias_type"]) << '\n'
             << "calibration file " << OrNone(json["calibration_file"]) << '\n'
