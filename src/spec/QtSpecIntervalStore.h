@@ -71,7 +71,7 @@ class CQtSpecIntervalStore {
 
   // Reads any definition without touching a store: each pair of positions goes into one element of
   // ranges, from the first on, and the number of these is returned. At most order_limit positions
-  // of the definition are read, never more than the constant of that name, so room for half as many
+  // of the definition are read, never more than max_orders, so room for half as many
   // elements is enough. A position without a partner is dropped: a single one gives no interval. A
   // syntax error is logged and gives 0. May be called from any number of threads.
   KESTRIN_API static unsigned Range(const wchar_t* definition, QVSpecIntervalEntry* ranges,
