@@ -31,6 +31,8 @@ class LineSource;
 
 class CQParamBaseTable {
  public:
+  CQParamBaseTable(const CQParamBaseTable&) = delete;
+  CQParamBaseTable& operator=(const CQParamBaseTable&) = delete;
   virtual ~CQParamBaseTable() = 0;
 
   // The section's name with its angle brackets.
@@ -39,8 +41,6 @@ class CQParamBaseTable {
  protected:
   // The text must outlive the table.
   explicit CQParamBaseTable(const wchar_t* section_name) : name(section_name) {}
-  CQParamBaseTable(const CQParamBaseTable&) = delete;
-  CQParamBaseTable& operator=(const CQParamBaseTable&) = delete;
 };
 
 inline CQParamBaseTable::~CQParamBaseTable() = default;

@@ -127,17 +127,11 @@ const char* ReadNumber(const FieldRef& field, std::wstring_view& line) {
 bool ReadText(wchar_t* text, std::wstring_view& line) {
   if (line.size() > max_text_rest) return false;
   const auto first = std::find_if_not(line.begin(), line.end(), Text::IsSpace);
-  auto begin = first;
-  auto end = first;
-  auto rest = first;
-  if (first != line.end() && *first == L'"') {
-    begin = first + 1;
-    end = std::find(begin, line.end(), L'"');
-    rest = end == line.end() ? end : end + 1;
-  } else {
-    end = std::find_if(begin, line.end(), Text::IsSpace);
-    rest = end;
-  }
+  const bool quoted = first != line.end() && *first == L'"';
+  const auto begin = quoted ? first + 1 : first;
+  const auto end =
+      quoted ? std::find(begin, line.end(), L'"') : std::find_if(begin, line.end(), Text::IsSpace);
+  const auto rest = quoted && end != line.end() ? end + 1 : end;
   *std::copy(begin, end, text) = L'\0';
   line.remove_prefix(static_cast<std::size_t>(rest - line.begin()));
   return true;
