@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <limits>
 
 #include "catalogue/IpCalcParameter.h"
@@ -105,7 +106,7 @@ unsigned CQtSpecIntervalStore::Range(const wchar_t* definition, QVSpecIntervalEn
                                      unsigned order_limit) {
   Positions positions;
   const unsigned intervals = ReadPositions(definition, positions, order_limit) / 2;
-  for (unsigned i = 0; i < intervals; ++i) {
+  for (std::size_t i = 0; i < intervals; ++i) {
     ranges[i].lower() = positions[2 * i];
     ranges[i].upper() = positions[2 * i + 1];
   }

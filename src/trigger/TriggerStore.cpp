@@ -98,8 +98,8 @@ std::pair<CTriggerStore::Row, CTriggerStore::Row> CTriggerStore::param_range(int
                                                                              int trigger) const {
   const Rows& rows = params_.TriggerParam();
   const int base = CQtParamInstance::VirtMode2BaseMode(mode);
-  const Row first = rows.lower_bound({base, trigger, 1});
-  const Row last = std::find_if(first, rows.end(), [base, trigger](const auto& row) {
+  const auto first = rows.lower_bound({base, trigger, 1});
+  const auto last = std::find_if(first, rows.end(), [base, trigger](const auto& row) {
     return row.first[0] != base || row.first[1] != trigger || Dimension(row.first) >= dimensions_d;
   });
   return {first, last};
@@ -108,7 +108,7 @@ std::pair<CTriggerStore::Row, CTriggerStore::Row> CTriggerStore::param_range(int
 const QVTriggerParams* CTriggerStore::param(int mode, int trigger, unsigned dim) const {
   if (dim >= dimensions_d) return nullptr;
   const Rows& rows = params_.TriggerParam();
-  const Row row =
+  const auto row =
       rows.find({CQtParamInstance::VirtMode2BaseMode(mode), trigger, static_cast<int>(dim) + 1});
   return row == rows.end() ? nullptr : &row->second;
 }
