@@ -44,7 +44,10 @@ bool IsClosing(const CLake::CNode& node) {
 
 std::string Quoted(const std::wstring& text) {
   constexpr std::size_t shown = 60;
-  return "'" + Text::ToUtf8(text.substr(0, shown)) + (text.size() > shown ? "...'" : "'");
+  std::string quoted("'");
+  quoted += Text::ToUtf8(text.substr(0, shown));
+  quoted += text.size() > shown ? "...'" : "'";
+  return quoted;
 }
 
 // A field of a line at hand; the ints of a key inside a row are fields of their own.
