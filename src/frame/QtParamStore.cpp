@@ -15,8 +15,8 @@ namespace {
 CString CutName(std::wstring_view value) {
   const auto word = std::find_if_not(value.begin(), value.end(), Text::IsSpace);
   if (word == value.end()) return CString(value);
-  if (*word == L'"') return CString(word + 1, std::find(word + 1, value.end(), L'"'));
-  return CString(value.begin(), std::find_if(word, value.end(), Text::IsSpace));
+  if (*word == L'"') return {word + 1, std::find(word + 1, value.end(), L'"')};
+  return {value.begin(), std::find_if(word, value.end(), Text::IsSpace)};
 }
 
 CString ReadName(CLake& lake, const wchar_t* key) { return CutName(std::wstring(lake[key])); }

@@ -67,10 +67,10 @@ class Walks {
 
   // From the end of the path back to its start, gathering the types.
   void Settle(const std::vector<int>& path, QVRefFlag end) {
-    for (auto channel = path.rbegin(); channel != path.rend(); ++channel) {
-      end.flags |= TypeOf(*channel);
-      ends_[*channel] = end;
-    }
+    std::for_each(path.rbegin(), path.rend(), [&](int channel) {
+      end.flags |= TypeOf(channel);
+      ends_[channel] = end;
+    });
   }
 
   // From `entry` on the path is closed: each channel there ends at the one before itself. What is

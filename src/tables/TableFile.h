@@ -97,7 +97,7 @@ void WriteText(File& file, const wchar_t* text, std::size_t length) {
   while (length > 0) {
     const std::size_t count = std::min(length, block.size() / 2);
     for (std::size_t i = 0; i < count; ++i) {
-      const auto unit = static_cast<std::uint32_t>(*text++);
+      const auto unit = static_cast<char32_t>(*text++);
       block[2 * i] = static_cast<unsigned char>(unit);
       block[2 * i + 1] = static_cast<unsigned char>(unit >> 8U);
     }

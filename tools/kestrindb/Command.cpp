@@ -139,6 +139,7 @@ void Print(const Json& json) { std::cout << json.dump(2) << '\n'; }
 void PrintTable(const std::vector<std::string>& headings,
                 const std::vector<std::vector<std::string>>& rows) {
   std::vector<std::size_t> widths;
+  widths.reserve(headings.size());
   for (const std::string& heading : headings) widths.push_back(Width(heading));
   for (const auto& row : rows) {
     for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], Width(row[i]));

@@ -111,6 +111,7 @@ void Draw(const Json& json, const Picture& picture) {
   x_axis.DrawBelow(svg, top, bottom, picture.x_title);
   y_axis.DrawLeft(svg, left, right, picture.y_title);
   std::vector<Point> places;
+  places.reserve(points.size());
   for (const Point& point : points) places.push_back({x_axis.At(point.x), y_axis.At(point.y)});
   svg.Polyline(places, Svg::data);
   for (std::size_t i = 0; i < places.size(); ++i) {

@@ -143,9 +143,10 @@ double Axis::At(double value) const {
 std::vector<double> Axis::Ticks(double distance) const {
   const double steps = std::max(1.0, std::abs(high_place_ - low_place_) / distance);
   const double step = RoundStep((high_ - low_) / steps);
-  std::vector<double> ticks;
   const double first = std::ceil(low_ / step);
   const int count = static_cast<int>(std::floor(high_ / step) - first) + 1;
+  std::vector<double> ticks;
+  ticks.reserve(static_cast<std::size_t>(std::max(count, 0)));
   for (int i = 0; i < count; ++i) ticks.push_back((first + i) * step);
   return ticks;
 }
