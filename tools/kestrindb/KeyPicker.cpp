@@ -102,7 +102,7 @@ void EntryFinder::Draw(ScreenSize screen, CPoint place, ScreenPicture& picture) 
 
   // What was typed stands in the upper border; of a long text the end.
   std::wstring_view end = typed_;
-  while (TextColumns(end) > width - 2 * borders) end.remove_prefix(1);
+  while (!end.empty() && TextColumns(end) > width - 2 * borders) end.remove_prefix(1);
   if (!end.empty()) picture.layers.push_back({x + 1, y, {L' ' + CString(end) + L' '}});
 
   const int line = y + 1 + marked - first_shown_;
@@ -146,6 +146,13 @@ KeyPicker::Stop KeyPicker::Marked() const { return Stops().at(static_cast<std::s
 
 void KeyPicker::MoveTo(int stop) {
   marked_ = std::clamp(stop, 0, static_cast<int>(Stops().size()) - 1);
+}
+
+void KeyPicker::MoveToDefaultButton() {
+  const std::vector<Stop> stops = Stops();
+  const auto button =
+      std::find_if(stops.begin(), stops.end(), [](const Stop& stop) { return stop.row == -1; });
+  MoveTo(static_cast<int>(button - stops.begin()));
 }
 
 void KeyPicker::MoveToButtonBeside(bool right) {
@@ -196,7 +203,7 @@ void KeyPicker::Press(Key key) {
       return MoveTo(0);
     case Key::end:
     case Key::page_down:
-      return MoveTo(std::numeric_limits<int>::max());
+      return MoveToDefaultButton();
     case Key::escape:
       return Close();
     case Key::backspace:

@@ -93,6 +93,7 @@ class KeyPicker {
   std::vector<Stop> Stops() const;
   Stop Marked() const;
   void MoveTo(int stop);
+  void MoveToDefaultButton();
   void MoveToButtonBeside(bool right);
   void Open();
   void Choose();

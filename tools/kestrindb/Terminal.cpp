@@ -78,6 +78,16 @@ std::optional<Key> FunctionKey(wint_t code) {
   }
 }
 
+// Reads what the terminal has sent already; false if that is nothing.
+bool SkipPendingInput() {
+  bool any = false;
+  wint_t ignored = 0;
+  wtimeout(stdscr, 0);
+  while (get_wch(&ignored) != ERR) any = true;
+  wtimeout(stdscr, -1);
+  return any;
+}
+
 std::optional<Key> ControlKey(wint_t character) {
   switch (character) {
     case L'\t':
@@ -147,6 +157,8 @@ Terminal::Input Terminal::Next() {
   if (kind == ERR) return {{}, {}, errno != EINTR};
   if (kind == KEY_CODE_YES) return {FunctionKey(character), {}, false};
   if (character == control_c) return {{}, {}, true};
+  // A key that curses doesn't know comes as Esc with something behind it, and isn't Esc.
+  if (character == escape && SkipPendingInput()) return {};
   if (const auto key = ControlKey(character)) return {key, {}, false};
   if (character < L' ') return {};
   return {{}, CodeUnits(character), false};
