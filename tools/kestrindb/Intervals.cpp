@@ -186,7 +186,7 @@ std::vector<Row> RowsOf(const Json& parameters, const std::string& unit) {
   for (const Json& parameter : parameters) {
     const std::string name = String(parameter["name"]);
     const std::string id = parameter["parameter"].dump();
-    Row row{name.empty() ? id : Shortened(name, 26) + " (" + id + ")", {}};
+    Row row{name.empty() ? id : Shortened(name, 32) + " (" + id + ")", {}};
     for (const Json& interval : parameter["intervals"]) {
       if (interval["unit"] == unit) row.intervals.push_back(interval);
     }
@@ -224,7 +224,7 @@ void DrawRow(Svg& svg, const Axis& axis, const Row& row, double top) {
     svg.Box({from - widening, top + 4}, {to + widening, top + row_height - 4}, Svg::data,
             row.name + ": " + BoundsText(interval) + ", lines " + text);
   }
-  svg.Text({lines_left, top + 15}, Shortened(lines, 28), Svg::Anchor::start, Svg::faint_ink);
+  svg.Text({lines_left, top + 15}, Shortened(lines, 24), Svg::Anchor::start, Svg::faint_ink);
 }
 
 void DrawChart(Svg& svg, const std::vector<Row>& rows, const std::string& unit, double resolution,
