@@ -2,6 +2,8 @@
 
 #define NCURSES_NOMACROS 1
 #include <curses.h>
+#include <poll.h>
+#include <sys/ioctl.h>
 
 #include <cerrno>
 #include <clocale>
@@ -131,7 +133,22 @@ void Terminal::EndScreen::operator()(screen* taken) const {
   delscreen(taken);
 }
 
-ScreenSize Terminal::Size() const { return {getmaxx(stdscr), getmaxy(stdscr)}; }
+Terminal::ResizeSignal::ResizeSignal() {
+  sigset_t resize;
+  sigemptyset(&resize);
+  sigaddset(&resize, SIGWINCH);
+  sigprocmask(SIG_BLOCK, &resize, &before_);
+}
+
+Terminal::ResizeSignal::~ResizeSignal() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+
+ScreenSize Terminal::Size() const {
+  winsize size{};
+  const bool known =
+      ioctl(fileno(tty_.get()), TIOCGWINSZ, &size) == 0 && size.ws_row > 0 && size.ws_col > 0;
+  if (known && is_term_resized(size.ws_row, size.ws_col)) resizeterm(size.ws_row, size.ws_col);
+  return {getmaxx(stdscr), getmaxy(stdscr)};
+}
 
 void Terminal::Show(const ScreenPicture& picture) {
   const ScreenSize size = Size();
@@ -151,10 +168,11 @@ void Terminal::Show(const ScreenPicture& picture) {
 }
 
 Terminal::Input Terminal::Next() {
+  pollfd terminal{fileno(tty_.get()), POLLIN, 0};
+  if (ppoll(&terminal, 1, nullptr, &resize_signal_.WhileWaiting()) < 0) return {};
   wint_t character = 0;
-  errno = 0;
   const int kind = get_wch(&character);
-  if (kind == ERR) return {{}, {}, errno != EINTR};
+  if (kind == ERR) return {{}, {}, true};
   if (kind == KEY_CODE_YES) return {FunctionKey(character), {}, false};
   if (character == control_c) return {{}, {}, true};
   // A key that curses doesn't know comes as Esc with something behind it, and isn't Esc.

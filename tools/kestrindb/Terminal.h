@@ -5,6 +5,7 @@
 // object ends, however that comes about.
 #pragma once
 
+#include <csignal>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -20,6 +21,7 @@ class Terminal {
   // Takes the screen. Throws Failure if there is no terminal or none that can show a screen.
   Terminal();
 
+  // As the user has it now.
   ScreenSize Size() const;
   // What goes beyond the screen is cut.
   void Show(const ScreenPicture& picture);
@@ -40,6 +42,21 @@ class Terminal {
     void operator()(screen* taken) const;
   };
 
+  // Holds the signal of a new size back until Next waits, so that none falls between drawing and
+  // waiting and is lost.
+  class ResizeSignal {
+   public:
+    ResizeSignal();
+    ResizeSignal(const ResizeSignal&) = delete;
+    ResizeSignal& operator=(const ResizeSignal&) = delete;
+    ~ResizeSignal();
+    const sigset_t& WhileWaiting() const { return before_; }
+
+   private:
+    sigset_t before_{};
+  };
+
+  ResizeSignal resize_signal_;
   std::unique_ptr<std::FILE, CloseFile> tty_;
   std::unique_ptr<screen, EndScreen> screen_;
 };
