@@ -455,7 +455,7 @@ TEST(Dialogs, ShowTheirItemsAndHearTheirButtons) {
             "│  ├───────────┼───┤  │\n"
             "│  │·Other    ·│·…·▲  │\n"
             "│  └───────────┴───┘  │\n"
-            "│  [ Cancel «  OK  »  │\n"
+            "│  [ Cancel…«  OK  »  │\n"
             "│                     │\n"
             "└─────────────────────┘\n");
   for (const int size : {INT_MIN, 1, 3, 6, 9}) {
