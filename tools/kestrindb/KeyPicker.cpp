@@ -1,9 +1,8 @@
 #include "KeyPicker.h"
 
-#include <wctype.h>
-
 #include <algorithm>
 #include <clocale>
+#include <cwctype>
 #include <limits>
 
 namespace kestrindb {
