@@ -86,7 +86,7 @@ std::wstring Wide(std::string_view text);
 
 void Print(const Json& json);
 
-// A table for a terminal: columns aligned, numbers (cells that look like one) to the right.
+// A table for a terminal: columns aligned, those with nothing but numbers to the right.
 void PrintTable(const std::vector<std::string>& headings,
                 const std::vector<std::vector<std::string>>& rows);
 
@@ -105,5 +105,6 @@ void AddOrder(CommandLine& line);
 void AddIntervals(CommandLine& line);
 void AddPolygon(CommandLine& line);
 void AddTrigger(CommandLine& line);
+void AddBench(CommandLine& line);
 
 }  // namespace kestrindb
