@@ -433,6 +433,44 @@ TEST(Dialogs, ShowTheirItemsAndHearTheirButtons) {
             "│  [ Cancel ]   «  OK  »  │\n"
             "│                         │\n"
             "└─────────────────────────┘\n");
+  // Larger in both directions, and smaller than its rows.
+  EXPECT_EQ(Utf8(TextView::Draw(dialog, {31, 12, 0})),
+            "╒═ Pick ══════════════════════╕\n"
+            "│  ┌───────────┬───────────┐  │\n"
+            "│  │ Section   │ Value     │  │\n"
+            "│  ├───────────┼───────────┤  │\n"
+            "│  │ Fruit     │ apple   ▾ │  │\n"
+            "│  │·Other    ·│·pear    ▾·│  │\n"
+            "│  │           │           │  │\n"
+            "│  │           │           │  │\n"
+            "│  └───────────┴───────────┘  │\n"
+            "│  [ Cancel ]       «  OK  »  │\n"
+            "│                             │\n"
+            "└─────────────────────────────┘\n");
+  EXPECT_EQ(Utf8(TextView::Draw(dialog, {23, 9, 1})),
+            "╒═ Pick ══════════════╕\n"
+            "│  ┌───────────┬───┐  │\n"
+            "│  │ Section   │ … │  │\n"
+            "│  ├───────────┼───┤  │\n"
+            "│  │·Other    ·│·…·▲  │\n"
+            "│  └───────────┴───┘  │\n"
+            "│  [ Cancel…«  OK  »  │\n"
+            "│                     │\n"
+            "└─────────────────────┘\n");
+  for (const int size : {INT_MIN, 1, 3, 6, 9}) {
+    EXPECT_FALSE(TextView::Draw(dialog, {size, size, size}).empty()) << size;
+  }
+  // Places: a button and the list, and in the list a cell that the scrolling has moved.
+  const auto at = [](CRect place) {
+    return std::vector{place.left, place.top, place.right, place.bottom};
+  };
+  EXPECT_EQ(at(TextView::ItemPlace(dialog, 1, {31, 12, 0})), (std::vector{20, 9, 28, 10}));
+  EXPECT_EQ(at(TextView::ItemPlace(dialog, 30, {23, 9, 0})), (std::vector{3, 1, 20, 6}));
+  EXPECT_EQ(at(TextView::CellPlace(dialog.list, 1, 1, {17, 5, 1})), (std::vector{13, 3, 16, 4}));
+  for (const auto& [row, column] : {std::pair{0, 1}, {1, 2}, {1, -1}, {2, 0}}) {  // not shown
+    EXPECT_EQ(TextView::CellPlace(dialog.list, row, column, {17, 5, 1}).Width(), 0);
+  }
+  EXPECT_EQ(TextView::ItemPlace(dialog, 77).Width(), 0);
   EXPECT_TRUE(dialog.PressButton(1));
   EXPECT_TRUE(dialog.PressButton(2));
   EXPECT_TRUE(dialog.Close());

@@ -150,6 +150,10 @@ CString DrawRow(const CXListCtrl& list, int row, const std::vector<int>& widths)
   return line + L'│';
 }
 
+// Around the rows of a list: the upper border, the headings, the line below them, the lower border.
+constexpr int lines_above_rows = 3;
+constexpr int lines_around_rows = lines_above_rows + 1;
+
 // The rows to show: the frame's, but never past the last screenful.
 std::pair<int, int> VisibleRows(int count, Frame frame, int around) {
   const int lines = frame.height > 0 ? std::max(frame.height - around, 0) : count;
@@ -203,11 +207,47 @@ CString DrawButton(const DialogItem& item) {
   return (is_default ? L'«' : L'[') + label + (is_default ? L'»' : L']');
 }
 
-Lines DrawItem(const CDialog3d& dialog, const DialogItem& item) {
-  using Kind = DialogItem::Kind;
-  if (item.kind == Kind::button || item.kind == Kind::default_button) return {DrawButton(item)};
-  const int top = LinesOf(item.area.top);
-  const Frame frame{ColumnsOf(item.area.Width()), LinesOf(item.area.bottom) - top, 0};
+bool IsButton(const DialogItem& item) {
+  return item.kind == DialogItem::Kind::button || item.kind == DialogItem::Kind::default_button;
+}
+
+// The template at the size of the frame.
+DialogTemplate Stretched(DialogTemplate layout, Frame frame) {
+  constexpr int border = 2;
+  constexpr int largest = 1 << 16;
+  const auto stretch = [](int size, int& begin, int& end, int by) {
+    if (2 * begin > size) begin += by;
+    if (2 * end > size) end += by;
+  };
+  const int wider =
+      frame.width > 0 ? (std::min(frame.width, largest) - border - ColumnsOf(layout.width)) * 4 : 0;
+  const int higher = frame.height > 0
+                         ? (std::min(frame.height, largest) - border - LinesOf(layout.height)) * 8
+                         : 0;
+  for (DialogItem& item : layout.items) {
+    CRect& area = item.area;
+    stretch(layout.width, area.left, area.right, wider);
+    stretch(layout.height, area.top, area.bottom, higher);
+  }
+  layout.width += wider;
+  layout.height += higher;
+  return layout;
+}
+
+// In the inside of the dialog, in columns and lines.
+CRect PlaceOf(const DialogItem& item) {
+  const CRect& area = item.area;
+  const int left = ColumnsOf(area.left);
+  const int top = LinesOf(area.top);
+  return {left, top, left + ColumnsOf(area.Width()),
+          IsButton(item) ? top + 1 : LinesOf(area.bottom)};
+}
+
+Lines DrawItem(const CDialog3d& dialog, const DialogItem& item, int first_row) {
+  if (IsButton(item)) return {DrawButton(item)};
+  const CRect place = PlaceOf(item);
+  // A frame without room would be as large as the content.
+  const Frame frame{std::max(place.Width(), 1), std::max(place.Height(), 1), first_row};
   const CWnd* const control = dialog.GetDlgItem(item.id);
   return control ? TextView::Draw(*control, frame) : DrawEntryBox({}, frame);
 }
@@ -244,9 +284,8 @@ class Canvas {
 namespace TextView {
 
 Lines Draw(const CXListCtrl& list, Frame frame) {
-  constexpr int around = 4;  // the two borders, the headings, and the line below them
   const std::vector<int> widths = ColumnWidths(list, frame);
-  const auto [first, lines] = VisibleRows(list.GetItemCount(), frame, around);
+  const auto [first, lines] = VisibleRows(list.GetItemCount(), frame, lines_around_rows);
   Lines rows;
   for (int row = first; row < first + lines; ++row) rows.push_back(DrawRow(list, row, widths));
   MarkScrolling(rows, first > 0, first + lines < list.GetItemCount());
@@ -271,16 +310,16 @@ Lines Draw(const CComboBox& combo, Frame frame) {
           Rule({width}, L'└', L'─', L'┘')};
 }
 
-Lines Draw(const CDialog3d& dialog) {
-  const DialogTemplate& layout = dialog.Template();
+Lines Draw(const CDialog3d& dialog, Frame frame) {
+  DialogTemplate layout = Stretched(dialog.Template(), frame);
   const int width = ColumnsOf(layout.width);
   Canvas canvas(width, LinesOf(layout.height));
-  std::vector<DialogItem> items = layout.items;
-  std::stable_sort(items.begin(), items.end(), [](const DialogItem& a, const DialogItem& b) {
-    return a.area.left < b.area.left;
-  });
-  for (const DialogItem& item : items) {
-    canvas.Put(ColumnsOf(item.area.left), LinesOf(item.area.top), DrawItem(dialog, item));
+  std::stable_sort(
+      layout.items.begin(), layout.items.end(),
+      [](const DialogItem& a, const DialogItem& b) { return a.area.left < b.area.left; });
+  for (const DialogItem& item : layout.items) {
+    const CRect place = PlaceOf(item);
+    canvas.Put(place.left, place.top, DrawItem(dialog, item, frame.first_row));
   }
   Lines picture = canvas.Finish();
   const CString title = layout.title.empty() ? CString() : L' ' + layout.title + L' ';
@@ -294,7 +333,9 @@ Lines Draw(const CDialog3d& dialog) {
 Lines Draw(const CWnd& window, Frame frame) {
   if (const auto* const list = dynamic_cast<const CXListCtrl*>(&window)) return Draw(*list, frame);
   if (const auto* const combo = dynamic_cast<const CComboBox*>(&window)) return Draw(*combo, frame);
-  if (const auto* const dialog = dynamic_cast<const CDialog3d*>(&window)) return Draw(*dialog);
+  if (const auto* const dialog = dynamic_cast<const CDialog3d*>(&window)) {
+    return Draw(*dialog, frame);
+  }
   return {};
 }
 
@@ -316,6 +357,29 @@ Lines DrawEntries(const CXListCtrl& list, int row, int column, Frame frame) {
   std::vector<EntryText> entries;
   for (const auto& [id, text] : *cell->list) entries.push_back({&text, id == cell->selected});
   return DrawEntryBox(entries, frame);
+}
+
+CRect CellPlace(const CXListCtrl& list, int row, int column, Frame frame) {
+  const std::vector<int> widths = ColumnWidths(list, frame);
+  const auto [first, lines] = VisibleRows(list.GetItemCount(), frame, lines_around_rows);
+  const bool shown = row >= first && row < first + lines && column >= 0 &&
+                     column < static_cast<int>(widths.size());
+  if (!shown || !list.GetCell(row, column)) return {};
+  int left = 1;
+  for (int before = 0; before < column; ++before) {
+    left += widths[static_cast<std::size_t>(before)] + 1;
+  }
+  const int top = lines_above_rows + row - first;
+  return {left, top, left + widths[static_cast<std::size_t>(column)], top + 1};
+}
+
+CRect ItemPlace(const CDialog3d& dialog, int item, Frame frame) {
+  for (const DialogItem& candidate : Stretched(dialog.Template(), frame).items) {
+    if (candidate.id != item) continue;
+    const CRect inside = PlaceOf(candidate);
+    return {inside.left + 1, inside.top + 1, inside.right + 1, inside.bottom + 1};
+  }
+  return {};
 }
 
 }  // namespace TextView

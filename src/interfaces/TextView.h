@@ -14,10 +14,10 @@
 #include <vector>
 
 #include "interfaces/Text.h"
+#include "interfaces/Wnd.h"
 
 class CComboBox;
 class CDialog3d;
-class CWnd;
 class CXListCtrl;
 
 namespace TextView {
@@ -38,8 +38,10 @@ KESTRIN_API Lines Draw(const CXListCtrl& list, Frame frame = {});
 // The box with the selected entry.
 KESTRIN_API Lines Draw(const CComboBox& combo, Frame frame = {});
 
-// The dialog at the size of its template, with the controls that stand in it.
-KESTRIN_API Lines Draw(const CDialog3d& dialog);
+// The dialog with the controls that stand in it. At another size than its template's, an edge of an
+// item that lies in the right or the lower half keeps its distance to that border, and so a list in
+// the middle grows. `first_row` is that of its lists.
+KESTRIN_API Lines Draw(const CDialog3d& dialog, Frame frame = {});
 
 // Whichever of the three it is; no lines for another window.
 KESTRIN_API Lines Draw(const CWnd& window, Frame frame = {});
@@ -47,5 +49,10 @@ KESTRIN_API Lines Draw(const CWnd& window, Frame frame = {});
 // The open list of a combo, and that of a drop-down cell; no lines for a cell that is none.
 KESTRIN_API Lines DrawEntries(const CComboBox& combo, Frame frame = {});
 KESTRIN_API Lines DrawEntries(const CXListCtrl& list, int row, int column, Frame frame = {});
+
+// Where the picture in that frame shows a cell of a list, its borders left out, or an item of a
+// dialog, in columns and lines from the upper left corner. Empty if it doesn't show it.
+KESTRIN_API CRect CellPlace(const CXListCtrl& list, int row, int column, Frame frame = {});
+KESTRIN_API CRect ItemPlace(const CDialog3d& dialog, int item, Frame frame = {});
 
 }  // namespace TextView

@@ -21,6 +21,8 @@ enum Status : int {
   fine = 0,
   data_bad = 1,       // the data base was refused, or lines of it were bad
   file_unusable = 2,  // the file is missing, a folder or unreadable
+  cancelled = 3,      // the user wanted no answer
+  no_terminal = 4,    // there is none, or none that can show a screen
 };
 
 // Ends a command: one clear sentence for standard error, and the exit status.
@@ -98,6 +100,7 @@ void AddDump(CommandLine& line);
 void AddTables(CommandLine& line);
 void AddMode(CommandLine& line);
 void AddKey(CommandLine& line);
+void AddPick(CommandLine& line);
 void AddChannel(CommandLine& line);
 void AddRotors(CommandLine& line);
 void AddCalc(CommandLine& line);
