@@ -627,10 +627,31 @@ TEST(TextPictures, KeepTheirShapeWhateverTheTextsAre) {
             "└───────┘\n");
   EXPECT_TRUE(TextView::DrawEntries(list, 0, 0).empty());
 
-  // No frame is too small or too large a wish.
-  for (const int size : {INT_MIN, -1, 1, 2, 3, 4, 5}) {
-    EXPECT_FALSE(TextView::Draw(list, {size, size, size}).empty()) << size;
-    EXPECT_FALSE(TextView::Draw(combo, {size, size, size}).empty()) << size;
+  EXPECT_EQ(TextView::Draw(list, {10, 5, 3})[3], L"│ row 3  ↕");
+
+  // A picture has the size of its frame, however small or large the wish is.
+  list.InsertColumn(1, L"second", ColumnFormat::right, 40);
+  list.SetItemText(0, 1, L"\x9B m");  // would steer a terminal
+  TestResources resources;
+  PickDialog dialog(resources);
+  EXPECT_TRUE(TextView::Draw(dialog).empty());
+  ASSERT_TRUE(dialog.DisplayDialog());
+  const CWnd* const windows[] = {&list, &combo, &dialog};
+  for (const CWnd* const window : windows) {
+    for (const int width : {1, 2, 3, 4, 5, 9, 10, 11, 12, 40}) {
+      for (const int height : {1, 2, 3, 4, 6, 30}) {
+        const TextView::Lines lines = TextView::Draw(*window, {width, height, width});
+        const bool is_combo = window == &combo;
+        EXPECT_EQ(lines.size(), static_cast<std::size_t>(is_combo ? std::min(height, 3) : height));
+        for (const CString& line : lines) {
+          EXPECT_EQ(TextColumns(line), width) << Text::ToUtf8(line);
+          EXPECT_EQ(line.find(L'\x9B'), CString::npos);
+        }
+      }
+    }
+    EXPECT_FALSE(TextView::Draw(*window, {INT_MIN, INT_MIN, INT_MIN}).empty());
+    EXPECT_LE(TextView::Draw(*window, {10, INT_MAX, INT_MAX}).size(), 10'000U);
+    EXPECT_LE(TextColumns(TextView::Draw(*window, {INT_MAX, 5, INT_MAX})[0]), 10'000);
   }
 }
 
