@@ -151,7 +151,7 @@ void Change(CLake& lake, Input& input) {
 }  // namespace
 
 void Lake(Bytes bytes) {
-  constexpr std::size_t most = 65536;
+  constexpr std::size_t most = 8192;  // a bracket costs a tab in each line behind it
   constexpr std::size_t changes = 24;
   if (bytes.size() > most) return;
   const QuietLog log;
