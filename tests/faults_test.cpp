@@ -84,6 +84,7 @@ struct Host {
 struct Operation {
   const char* name;
   std::function<void(Host&)> run;
+  bool also_for_good = false;  // with a memory that stays exhausted, too
 };
 
 void AskAll(const CQtParamInstance& params) {
@@ -96,7 +97,7 @@ void AskAll(const CQtParamInstance& params) {
 }
 
 const Operation operations[] = {
-    {"ReadLake", [](Host& host) { host.lake.read({}); }},
+    {"ReadLake", [](Host& host) { host.lake.read({}); }, true},
     {"CopyLake", [](Host& host) { host.lake = CLake(host.lake); }},
     {"MergeLakes", [](Host& host) { host.lake.merge(host.lake); }},
     {"ChangeLake",
@@ -107,7 +108,7 @@ const Operation operations[] = {
     {"WriteLake", [](Host& host) { static_cast<void>(host.lake.write({})); }},
     {"MakeAndLoad",
      [](Host&) { static_cast<void>(CQtParamDistillery().ReadTablesFromCandidateLake()); }},
-    {"LoadAgain", [](Host& host) { host.params.ReadTablesFromCandidateLake(); }},
+    {"LoadAgain", [](Host& host) { host.params.ReadTablesFromCandidateLake(); }, true},
     {"PurgeAndLoad",
      [](Host& host) {
        host.params.PurgeTables();
@@ -115,9 +116,9 @@ const Operation operations[] = {
      }},
     {"Dump", [](Host& host) { host.params.DumpTables(0); }},
     {"Ask", [](Host& host) { AskAll(host.params); }},
-    {"NameVirtualMode",
+    {"NameVirtualModes",
      [](Host& host) {
-       host.params.AddVModeName(2049, L"a name that is longer than a short text");
+       for (int id = 2049; id < 60000; id += 2048) host.params.AddVModeName(id, L"made");
      }},
     {"Check", [](Host& host) { static_cast<void>(ParameterCheck::Check(host.lake)); }},
     {"LoadSea", [](Host& host) { host.sea.Load(host.sea_file.name()); }},
@@ -125,7 +126,8 @@ const Operation operations[] = {
      [](Host& host) {
        host.AddLine(L"another line that is longer than a short text");
        host.sea.Save(host.sea_file.name());
-     }},
+     },
+     true},
 };
 
 class OutOfMemory : public testing::TestWithParam<Operation> {
@@ -177,6 +179,7 @@ class OutOfMemory : public testing::TestWithParam<Operation> {
 
 TEST_P(OutOfMemory, CostsOneOperationAndNoMemory) {
   for (const auto kind : {MemoryFailure::Kind::one, MemoryFailure::Kind::all_from}) {
+    if (kind == MemoryFailure::Kind::all_from && !GetParam().also_for_good) break;
     Round(kind, std::numeric_limits<std::size_t>::max() / 2);  // what is made once is made now
     std::size_t block = 0;
     for (bool happened = true; happened; ++block) {
@@ -185,7 +188,7 @@ TEST_P(OutOfMemory, CostsOneOperationAndNoMemory) {
       ASSERT_EQ(LiveBlocks(), live) << "block " << block;
       ASSERT_FALSE(HasFailure()) << "block " << block;
     }
-    EXPECT_GT(block, 3U);
+    EXPECT_GT(block, 1U) << "nothing was refused";
   }
 }
 
@@ -394,16 +397,17 @@ TEST(FailingMedium, IsNoConcernOfADump) {
 // Reads a real file of a lake; after the first piece the file changes its size.
 std::vector<std::wstring> LinesOfChanged(const std::string& bytes, std::size_t new_size) {
   const ScratchFile file(bytes);
-  std::ifstream in(file.path(), std::ios::binary);
-  in.rdbuf()->pubsetbuf(nullptr, 0);
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> in(std::fopen(file.path().c_str(), "rb"),
+                                                           std::fclose);
+  std::setvbuf(in.get(), nullptr, _IONBF, 0);
   CLake lake;
   bool changed = false;
   EXPECT_TRUE(LakeReader::read(lake, [&](std::span<char> block) -> std::optional<std::size_t> {
-    const auto count =
-        in.rdbuf()->sgetn(block.data(), std::min<std::streamsize>(4, std::ssize(block)));
+    const std::size_t count =
+        std::fread(block.data(), 1, std::min<std::size_t>(4, block.size()), in.get());
     if (!changed) fs::resize_file(file.path(), new_size);
     changed = true;
-    return static_cast<std::size_t>(count);
+    return count;
   }));
   return Lines(lake);
 }
