@@ -30,6 +30,7 @@
 #include "interfaces/File.h"
 #include "interfaces/ResourceSea.h"
 #include "lake/LakeReader.h"
+#include "tables/Allocators.h"
 #include "tables/TableFile.h"
 #include "test_store.h"
 
@@ -130,14 +131,42 @@ const Operation operations[] = {
      true},
 };
 
+// The nodes of trees come from pools, which keep what they once had: emptied, they ask for memory
+// again, and what they hold is no leak.
+class Pools {
+  using Pool = stdext::allocators::NodePool;
+
+ public:
+  // Those in use so far.
+  Pools() {
+    for (std::size_t size = sizeof(void*); size < 4096; size += sizeof(void*)) {
+      if (Empty(Pool::OfSize(size)) > 0) used_.push_back(&Pool::OfSize(size));
+    }
+  }
+  void Empty() const {
+    std::for_each(used_.begin(), used_.end(), [](Pool* pool) { Empty(*pool); });
+  }
+
+ private:
+  static int Empty(Pool& pool) {
+    for (int count = 0;; ++count) {
+      const std::size_t before = AllocationCount();
+      ::operator delete(pool.Take());
+      if (AllocationCount() != before) return count;
+    }
+  }
+
+  std::vector<Pool*> used_;
+};
+
 class OutOfMemory : public testing::TestWithParam<Operation> {
  protected:
   // The log stays out of the way, and allocates nothing.
   OutOfMemory() : log_(PrWin::SetSink([](std::wstring_view, auto, auto) {})) {
     testing_support::FillCandidateLake(testing_support::version + std::string(small_text));
-    const Host host;
-    lines_ = Lines(host.lake);
-    rows_ = RowCounts(host.store);
+    const auto host = std::make_unique<Host>();
+    lines_ = Lines(host->lake);
+    rows_ = RowCounts(host->store);
   }
   ~OutOfMemory() override {
     CParameterLake::Lake().clear();
@@ -148,6 +177,7 @@ class OutOfMemory : public testing::TestWithParam<Operation> {
   // a way around it.
   bool Round(MemoryFailure::Kind kind, std::size_t block) {
     Host host;
+    pools_.Empty();
     bool happened = false;
     try {
       const MemoryFailure failure(kind, block);
@@ -171,6 +201,8 @@ class OutOfMemory : public testing::TestWithParam<Operation> {
     EXPECT_TRUE(host.sea.Load(host.sea_file.name())) << "neither old nor new";
   }
 
+  Pools pools_;
+
  private:
   PrWin::Sink log_;
   std::vector<std::wstring> lines_;
@@ -181,10 +213,12 @@ TEST_P(OutOfMemory, CostsOneOperationAndNoMemory) {
   for (const auto kind : {MemoryFailure::Kind::one, MemoryFailure::Kind::all_from}) {
     if (kind == MemoryFailure::Kind::all_from && !GetParam().also_for_good) break;
     Round(kind, std::numeric_limits<std::size_t>::max() / 2);  // what is made once is made now
+    pools_ = Pools();
     std::size_t block = 0;
     for (bool happened = true; happened; ++block) {
       const std::ptrdiff_t live = LiveBlocks();
       happened = Round(kind, block);
+      pools_.Empty();
       ASSERT_EQ(LiveBlocks(), live) << "block " << block;
       ASSERT_FALSE(HasFailure()) << "block " << block;
     }

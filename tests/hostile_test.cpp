@@ -24,7 +24,7 @@
 
 namespace {
 
-constexpr std::size_t small_count = 1000;
+constexpr std::size_t small_count = 400;
 constexpr std::size_t times = 8;
 constexpr double bound = 24;
 
@@ -133,6 +133,7 @@ const Hostile files[] = {
      }},
     {"PolygonsThatNoKeyHas",
      [](std::size_t n) {
+       n /= 4;
        return Section("<TIpParamAndStore>", n,
                       [](auto i) { return "1 2 3 4 " + Number(i) + " 6\n"; }) +
               Section("<TGrex10001>", n,
@@ -140,6 +141,7 @@ const Hostile files[] = {
      }},
     {"OrderDefinitions",
      [](std::size_t n) {
+       n /= 4;
        return Section("<TIpCalcParameter>", 3 * n,
                       [](auto i) {
                         return Number(i / 3) + (i % 3 == 0   ? " 2 1\n"
@@ -181,9 +183,6 @@ TEST_P(HostileFile, CostsWorkInProportionToItsLength) {
   PrWin::SetSink(std::move(before));
   EXPECT_LT(large_time, bound * small_time)
       << "milliseconds: " << 1000 * small_time << " and " << 1000 * large_time;
-  if (std::getenv("KESTRIN_SHOW"))
-    std::printf("%-28s %8.2f %8.2f  %6.2f\n", GetParam().name, 1000 * small_time, 1000 * large_time,
-                large_time / small_time);
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, HostileFile, testing::ValuesIn(files),
