@@ -8,6 +8,12 @@
 //   }
 #pragma once
 
+#include "controls/ClavisComboBox.h"
+#include "controls/ClavisListCtrl.h"
+#include "controls/KestrinCtrl.h"
+#include "controls/KestrinDialog.h"
+#include "controls/KestrinRangeSelectCtrl.h"
+#include "frame/DialogTemplates.h"
 #include "frame/ModuleStrings.h"
 #include "frame/ParameterCheck.h"
 #include "frame/QtParamDistillery.h"
@@ -16,11 +22,15 @@
 #include "frame/TableCatalogue.h"
 #include "interfaces/Clavis.h"
 #include "interfaces/ComboBoxX.h"
+#include "interfaces/Dialog3d.h"
 #include "interfaces/File.h"
 #include "interfaces/MeasuringUnit.h"
 #include "interfaces/PrWin.h"
 #include "interfaces/ResourceSea.h"
 #include "interfaces/Text.h"
+#include "interfaces/TextView.h"
+#include "interfaces/Wnd.h"
+#include "interfaces/XListCtrl.h"
 #include "keys/IndexRecords.h"
 #include "keys/QIdx8Set.h"
 #include "lake/Lake.h"

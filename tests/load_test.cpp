@@ -105,7 +105,8 @@ TEST(Documents, NamesAreCutToOneWord) {
   CParameterLake::Lake().clear();
 }
 
-// The one server of the process, from its first use through all of its states.
+// The one server of the process, from its first use through all of its states. It looks at the seas
+// in that first use, so this takes a process of its own, as ctest gives it to each test.
 TEST(Server, LivesThroughItsStates) {
   CResourceSea application;
   {

@@ -337,8 +337,8 @@ TEST(Combos, EntriesKeepTheirDataAndTheirSelection) {
   EXPECT_EQ(plain.GetCurSel(), -1);
 }
 
-// Filling takes about four times as long for four times the entries, not sixteen times. The best of
-// several runs, since other programs share the machine.
+// Filling takes about 32 times as long for 32 times the entries, not a thousand times. The best of
+// several runs and a wide bound, since other programs share the machine.
 TEST(Combos, FillingStaysLinear) {
   const auto fill_combo = [](int count, CComboBox::Order order) {
     CComboBoxX combo(order);
@@ -358,14 +358,14 @@ TEST(Combos, FillingStaysLinear) {
   for (const auto& [name, fill] : fills) {
     const auto best = [&fill = fill](int count) {
       auto least = std::chrono::steady_clock::duration::max();
-      for (int run = 0; run < 5; ++run) {
+      for (int run = 0; run < 3; ++run) {
         const auto start = std::chrono::steady_clock::now();
         fill(count);
         least = std::min(least, std::chrono::steady_clock::now() - start);
       }
       return least;
     };
-    EXPECT_LT(best(40000), 10 * best(10000)) << name;
+    EXPECT_LT(best(48000), 200 * best(1500)) << name;
   }
 }
 

@@ -167,8 +167,7 @@ const wchar_t* CQtParamInstance::FormatLocaChanText(CString& text, int location,
                                                     int channel) const {
   constexpr unsigned mix = 2;
   constexpr unsigned fix = 4;
-  const auto own_row = ChannelProperty().find(channel);
-  const unsigned type = own_row == ChannelProperty().end() ? 0 : own_row->second.resampling_type;
+  const unsigned type = ChannelResamplingType(channel);
   const bool has_rivals = HasTwo(
       ChannelProperty(), [&](const QVChannelProperty& row) { return row.resampling_type == type; });
   const wchar_t* location_name = LocationName(location);

@@ -1,0 +1,44 @@
+// The life of the key dialog.
+#include "controls/KestrinDialog.h"
+
+#include "frame/DialogTemplates.h"
+
+namespace {
+
+constexpr int key_item = 3000;
+
+}  // namespace
+
+CKestrinDialog::CKestrinDialog(CWnd* parent)
+    : CDialog3d(DialogId::key_specification, parent, LibraryResources()) {
+  OnCommand(id_ok, [this] { OnBnClickedOk(); });
+  OnCommand(id_cancel, [this] { OnBnClickedCancel(); });
+}
+
+void CKestrinDialog::DoDataExchange(CDataExchange& exchange) {
+  CDialog3d::DoDataExchange(exchange);
+  DDX_Control(exchange, key_item, key_control_);
+}
+
+void CKestrinDialog::Display(const CClavis& key) {
+  // An owner that went has taken the window along without a button.
+  if (is_displayed_ && IsWindow()) return;
+  is_displayed_ = true;
+  DisplayDialog();
+  key_control_.fill(key);
+}
+
+void CKestrinDialog::OnBnClickedOk() {
+  const CClavis key = key_control_.retrieve();
+  const WindowHandle self = Handle();
+  const auto handler = on_ok;  // a copy, since it may delete the dialog
+  if (handler) handler(key);
+  if (!::IsWindow(self)) return;
+  is_displayed_ = false;
+  DestroyWindow();
+}
+
+void CKestrinDialog::OnBnClickedCancel() {
+  is_displayed_ = false;
+  DestroyWindow();
+}
