@@ -27,14 +27,15 @@ void Orders(Bytes bytes);
 void TableFile(Bytes bytes);
 void Rows(Bytes bytes);
 void Sea(Bytes bytes);
+void KeyEditor(Bytes bytes);
 
 struct Target {
   const char* name;
   void (*run)(Bytes);
 };
-inline constexpr Target targets[] = {{"lake", Lake},     {"load", Load},
-                                     {"orders", Orders}, {"table_file", TableFile},
-                                     {"rows", Rows},     {"sea", Sea}};
+inline constexpr Target targets[] = {
+    {"lake", Lake}, {"load", Load}, {"orders", Orders},       {"table_file", TableFile},
+    {"rows", Rows}, {"sea", Sea},   {"key_editor", KeyEditor}};
 
 inline void Require(bool holds, const char* property) {
   if (!holds) throw std::logic_error(property);
