@@ -10,6 +10,7 @@ constexpr std::size_t never = std::numeric_limits<std::size_t>::max();
 
 // Plain numbers: they are ready before the first allocation of a thread.
 thread_local std::size_t taken = 0;
+thread_local std::size_t bytes = 0;
 thread_local std::ptrdiff_t live = 0;
 thread_local std::size_t first_refused = never;
 thread_local std::size_t end_refused = never;
@@ -22,7 +23,9 @@ void* Take(std::size_t size) noexcept {
     return nullptr;
   }
   void* const block = std::malloc(size == 0 ? 1 : size);
-  if (block != nullptr) ++live;
+  if (block == nullptr) return nullptr;
+  ++live;
+  bytes += size;
   return block;
 }
 
@@ -34,6 +37,8 @@ void GiveBack(void* block) noexcept {
 }  // namespace
 
 std::size_t AllocationCount() { return taken; }
+
+std::size_t AllocatedBytes() { return bytes; }
 
 std::ptrdiff_t LiveBlocks() { return live; }
 

@@ -8,6 +8,9 @@
 // Blocks taken since the thread began; the difference over a call is what it took.
 std::size_t AllocationCount();
 
+// The size of all of them together.
+std::size_t AllocatedBytes();
+
 // Blocks taken less those given back: the same before and after something that leaks nothing.
 std::ptrdiff_t LiveBlocks();
 

@@ -28,6 +28,10 @@ constexpr std::size_t small_count = 400;
 constexpr std::size_t times = 8;
 constexpr double bound = 24;
 
+// Of all blocks together, those that are given back on the way too.
+constexpr std::size_t bytes_per_line = 20000;
+constexpr std::size_t bytes_per_byte = 200;
+
 double ProcessorSeconds() {
   timespec now{};
   clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
@@ -115,6 +119,10 @@ const Hostile files[] = {
      [](std::size_t n) {
        return Section("<TModeProperty>", n, [](auto i) { return Number(i) + " x\n"; });
      }},
+    {"BlankLinesOutOfOrder",
+     [](std::size_t n) {
+       return Section("<TRetype>", n, [](auto i) { return i == 0 ? "1\n0\n" : "\n"; });
+     }},
     {"BlankLines",
      [](std::size_t n) { return Section("<TModeProperty>", n, [](auto) { return "\n"; }); }},
     {"LongChainOfChannels",
@@ -174,18 +182,55 @@ void Swallow(const std::string& bytes) {
   candidate.clear();
 }
 
-TEST_P(HostileFile, CostsWorkInProportionToItsLength) {
+TEST_P(HostileFile, CostsWorkAndMemoryInProportionToItsLength) {
   PrWin::Sink before = PrWin::SetSink([](std::wstring_view, auto, auto) {});
   const std::string small = GetParam().text(small_count);
   const std::string large = GetParam().text(times * small_count);
   const double small_time = BestOfThree([&] { Swallow(small); });
   const double large_time = BestOfThree([&] { Swallow(large); });
+  const std::size_t bytes = AllocatedBytes();
+  Swallow(large);
+  const std::size_t taken = AllocatedBytes() - bytes;
   PrWin::SetSink(std::move(before));
+
   EXPECT_LT(large_time, bound * small_time)
       << "milliseconds: " << 1000 * small_time << " and " << 1000 * large_time;
+  const auto lines = static_cast<std::size_t>(std::count(large.begin(), large.end(), '\n'));
+  EXPECT_LT(taken, bytes_per_line * lines + bytes_per_byte * large.size());
+  std::printf("%-28s %8.2f %8.2f  %6.2f   %8zu %8zu %7.1f %7.1f\n", GetParam().name,
+              1000 * small_time, 1000 * large_time, large_time / small_time, lines, large.size(),
+              double(taken) / double(lines), double(taken) / double(large.size()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, HostileFile, testing::ValuesIn(files),
                          [](const auto& file) { return std::string(file.param.name); });
+
+// A line that can't be read costs its words in the log; with nobody listening it costs no more than
+// a few blocks beyond what a good line does.
+TEST(HostileLog, IsNotWhatABadLineCosts) {
+  PrWin::Sink before = PrWin::SetSink([](std::wstring_view, auto, auto) {});
+  constexpr std::size_t count = 5000;
+  const auto load = [](const std::string& row_end) {
+    testing_support::FillCandidateLake(
+        testing_support::version +
+        Section("<TModeProperty>", count, [&](auto i) { return Number(i) + row_end; }));
+    double seconds = 0;
+    std::size_t blocks = 0;
+    seconds = BestOfThree([&] {
+      CQtParamDistillery store;
+      const std::size_t start = AllocationCount();
+      store.ReadTablesFromCandidateLake();
+      blocks = AllocationCount() - start;
+    });
+    CParameterLake::Lake().clear();
+    return std::pair(seconds, blocks);
+  };
+  const auto [good_seconds, good_blocks] = load(" 1 0 0 0\n");
+  const auto [bad_seconds, bad_blocks] = load(" x 0 0 0\n");
+  PrWin::SetSink(std::move(before));
+  EXPECT_LT(bad_blocks, good_blocks + 20 * count);
+  std::printf("log %f %f %zu %zu\n", 1000 * good_seconds, 1000 * bad_seconds, good_blocks,
+              bad_blocks);
+}
 
 }  // namespace
