@@ -179,9 +179,7 @@ class World {
   }
 
   static void DestroyWindow(Editor& editor) {
-    if (!editor.control) return;
-    editor.control->DestroyWindow();
-    editor.key = {};
+    if (editor.control && editor.control->DestroyWindow()) editor.key = {};
   }
 
   // ---- gestures ----
