@@ -1,4 +1,4 @@
-# What scripts/demo and scripts/test share. To be sourced, from the root of the project.
+# What scripts/demo, scripts/test and scripts/fuzz share. To be sourced, from the root of the project.
 # shellcheck shell=bash
 
 # Commands of the user's own environment decide nothing here: the presets name the compilers.
@@ -56,3 +56,8 @@ need_packages() {
     apt_get "${install[@]}"
   fi
 }
+
+# The memory layout that the sanitizers of Clang 14 expect is not that of every newer kernel.
+# shellcheck disable=SC2034
+plain_memory=(setarch "$(uname -m)" -R)
+"${plain_memory[@]}" true 2> /dev/null || plain_memory=()

@@ -4,10 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 #include <limits>
-#include <new>
 #include <random>
 #include <sstream>
 #include <string>
@@ -17,23 +15,6 @@
 #include "interfaces/PrWin.h"
 #include "interfaces/Text.h"
 #include "spec/OrderInterpreter.h"
-
-static thread_local std::size_t allocations = 0;
-
-std::size_t AllocationCount() { return allocations; }
-
-void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* block = std::malloc(size == 0 ? 1 : size)) return block;
-  throw std::bad_alloc();
-}
-void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-  ++allocations;
-  return std::malloc(size == 0 ? 1 : size);
-}
-void operator delete(void* block, const std::nothrow_t& /*tag*/) noexcept { std::free(block); }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
 namespace {
 

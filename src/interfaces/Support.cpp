@@ -1,16 +1,12 @@
 #include "interfaces/Support.h"
 
 #include <array>
-#include <cstdlib>
 #include <new>
 #include <string_view>
 
-void* tl_malloc(std::size_t size) {
-  if (void* const block = std::malloc(size ? size : 1)) return block;
-  throw std::bad_alloc();
-}
+void* tl_malloc(std::size_t size) { return ::operator new(size); }
 
-void tl_free(void* block) noexcept { std::free(block); }
+void tl_free(void* block) noexcept { ::operator delete(block); }
 
 namespace Formatting {
 namespace {

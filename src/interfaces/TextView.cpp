@@ -32,7 +32,7 @@ CString Cut(std::wstring_view text, int columns) {
     const std::wstring_view character = text.substr(i, CharacterLength(text, i));
     used += TextColumns(character);
     if (used > columns) break;
-    const bool control = character[0] < L' ' || character[0] == 0x7F;
+    const bool control = character[0] < L' ' || (character[0] >= 0x7F && character[0] < 0xA0);
     out += control ? std::wstring_view(L" ") : character;
     i += character.size();
   }
@@ -56,6 +56,27 @@ CString Fit(std::wstring_view text, int columns, ColumnFormat format = ColumnFor
   }
   const CString blanks(static_cast<std::size_t>(columns - TextColumns(out)), L' ');
   return format == ColumnFormat::left ? out + blanks : blanks + out;
+}
+
+// No wish for a picture is larger than that, in columns and lines.
+constexpr int largest_size = 10'000;
+
+Frame Limited(Frame frame) {
+  return {std::min(frame.width, largest_size), std::min(frame.height, largest_size),
+          frame.first_row};
+}
+
+// What of a picture lies in the frame.
+Lines Clip(Lines picture, Frame frame) {
+  const auto height = static_cast<std::size_t>(std::max(frame.height, 0));
+  if (height > 0 && picture.size() > height) picture.resize(height);
+  if (frame.width <= 0) return picture;
+  for (CString& line : picture) {
+    if (TextColumns(line) <= frame.width) continue;
+    line = Cut(line, frame.width);
+    line.append(static_cast<std::size_t>(frame.width - TextColumns(line)), L' ');
+  }
+  return picture;
 }
 
 // A horizontal line of a box with columns of these widths.
@@ -104,7 +125,7 @@ CString DrawCell(const ListCell& cell, bool enabled, const ListColumn& column, i
   return edges.left + content + edges.right;
 }
 
-// The widths of the columns that go into the frame; the last one takes what is left over.
+// The widths of the columns that go into the frame; the last of them takes what is left over.
 std::vector<int> ColumnWidths(const CXListCtrl& list, Frame frame) {
   std::vector<int> widths;
   int room = frame.width > 0 ? std::max(frame.width - 2, 1) : 0;
@@ -112,13 +133,13 @@ std::vector<int> ColumnWidths(const CXListCtrl& list, Frame frame) {
     int width = std::max(list.GetColumn(column)->width / CXListCtrl::char_width, 2);
     if (frame.width > 0) {
       if (room <= 0) break;
-      const bool last = column + 1 == list.GetColumnCount();
-      width = last ? room : std::min(width, room);
-      room -= width + 1;
+      width = std::min(width, room);
+      room -= width + 1;  // with the line behind it
     }
     widths.push_back(width);
   }
-  if (widths.empty()) widths.push_back(frame.width > 4 ? frame.width - 2 : 2);
+  if (widths.empty()) return {frame.width > 4 ? frame.width - 2 : 2};
+  if (frame.width > 0) widths.back() += room + 1;
   return widths;
 }
 
@@ -128,7 +149,7 @@ CString DrawHeading(const CXListCtrl& list, const std::vector<int>& widths) {
     const auto column = static_cast<int>(i);
     const ListColumn* const head = list.GetColumn(column);
     line += L'│';
-    if (!head) {
+    if (!head || widths[i] < 2) {
       line += Repeat(L" ", widths[i]);
       continue;
     }
@@ -164,7 +185,7 @@ std::pair<int, int> VisibleRows(int count, Frame frame, int around) {
 void MarkScrolling(Lines& rows, bool above, bool below) {
   if (rows.empty()) return;
   if (above) rows.front().back() = L'▲';
-  if (below) rows.back().back() = L'▼';
+  if (below) rows.back().back() = above && rows.size() == 1 ? L'↕' : L'▼';
 }
 
 // --- Entries ---
@@ -175,6 +196,7 @@ struct EntryText {
 };
 
 Lines DrawEntryBox(const std::vector<EntryText>& entries, Frame frame) {
+  frame = Limited(frame);
   int width = frame.width > 4 ? frame.width - 2 : 2;
   if (frame.width <= 0) {
     for (const EntryText& entry : entries) width = std::max(width, TextColumns(*entry.text) + 2);
@@ -190,7 +212,7 @@ Lines DrawEntryBox(const std::vector<EntryText>& entries, Frame frame) {
   MarkScrolling(rows, first > 0, first + lines < count);
   rows.insert(rows.begin(), Rule({width}, L'┌', L'─', L'┐'));
   rows.push_back(Rule({width}, L'└', L'─', L'┘'));
-  return rows;
+  return Clip(std::move(rows), frame);
 }
 
 // --- Dialogs ---
@@ -214,16 +236,12 @@ bool IsButton(const DialogItem& item) {
 // The template at the size of the frame.
 DialogTemplate Stretched(DialogTemplate layout, Frame frame) {
   constexpr int border = 2;
-  constexpr int largest = 1 << 16;
   const auto stretch = [](int size, int& begin, int& end, int by) {
     if (2 * begin > size) begin += by;
     if (2 * end > size) end += by;
   };
-  const int wider =
-      frame.width > 0 ? (std::min(frame.width, largest) - border - ColumnsOf(layout.width)) * 4 : 0;
-  const int higher = frame.height > 0
-                         ? (std::min(frame.height, largest) - border - LinesOf(layout.height)) * 8
-                         : 0;
+  const int wider = frame.width > 0 ? (frame.width - border - ColumnsOf(layout.width)) * 4 : 0;
+  const int higher = frame.height > 0 ? (frame.height - border - LinesOf(layout.height)) * 8 : 0;
   for (DialogItem& item : layout.items) {
     CRect& area = item.area;
     stretch(layout.width, area.left, area.right, wider);
@@ -284,6 +302,7 @@ class Canvas {
 namespace TextView {
 
 Lines Draw(const CXListCtrl& list, Frame frame) {
+  frame = Limited(frame);
   const std::vector<int> widths = ColumnWidths(list, frame);
   const auto [first, lines] = VisibleRows(list.GetItemCount(), frame, lines_around_rows);
   Lines rows;
@@ -294,10 +313,11 @@ Lines Draw(const CXListCtrl& list, Frame frame) {
                 Rule(widths, L'├', L'┼', L'┤')};
   picture.insert(picture.end(), rows.begin(), rows.end());
   picture.push_back(Rule(widths, L'└', L'┴', L'┘'));
-  return picture;
+  return Clip(std::move(picture), frame);
 }
 
 Lines Draw(const CComboBox& combo, Frame frame) {
+  frame = Limited(frame);
   int width = frame.width > 0 ? frame.width - 2 : 0;
   if (frame.width <= 0) {
     for (int i = 0; i < combo.GetCount(); ++i) {
@@ -306,13 +326,16 @@ Lines Draw(const CComboBox& combo, Frame frame) {
   }
   width = std::max(width, 4);
   const CString text = combo.GetLBText(combo.GetCurSel());
-  return {Rule({width}, L'┌', L'─', L'┐'), L"│ " + Fit(text, width - 4) + L" ▾ │",
-          Rule({width}, L'└', L'─', L'┘')};
+  return Clip({Rule({width}, L'┌', L'─', L'┐'), L"│ " + Fit(text, width - 4) + L" ▾ │",
+               Rule({width}, L'└', L'─', L'┘')},
+              frame);
 }
 
 Lines Draw(const CDialog3d& dialog, Frame frame) {
+  if (dialog.Template().width <= 0) return {};
+  frame = Limited(frame);
   DialogTemplate layout = Stretched(dialog.Template(), frame);
-  const int width = ColumnsOf(layout.width);
+  const int width = std::max(ColumnsOf(layout.width), 1);
   Canvas canvas(width, LinesOf(layout.height));
   std::stable_sort(
       layout.items.begin(), layout.items.end(),
@@ -327,7 +350,7 @@ Lines Draw(const CDialog3d& dialog, Frame frame) {
   picture.insert(picture.begin(),
                  L"╒═" + shown + Repeat(L"═", width - 1 - TextColumns(shown)) + L"╕");
   picture.push_back(Rule({width}, L'└', L'─', L'┘'));
-  return picture;
+  return Clip(std::move(picture), frame);
 }
 
 Lines Draw(const CWnd& window, Frame frame) {
@@ -360,6 +383,7 @@ Lines DrawEntries(const CXListCtrl& list, int row, int column, Frame frame) {
 }
 
 CRect CellPlace(const CXListCtrl& list, int row, int column, Frame frame) {
+  frame = Limited(frame);
   const std::vector<int> widths = ColumnWidths(list, frame);
   const auto [first, lines] = VisibleRows(list.GetItemCount(), frame, lines_around_rows);
   const bool shown = row >= first && row < first + lines && column >= 0 &&
@@ -374,7 +398,7 @@ CRect CellPlace(const CXListCtrl& list, int row, int column, Frame frame) {
 }
 
 CRect ItemPlace(const CDialog3d& dialog, int item, Frame frame) {
-  for (const DialogItem& candidate : Stretched(dialog.Template(), frame).items) {
+  for (const DialogItem& candidate : Stretched(dialog.Template(), Limited(frame)).items) {
     if (candidate.id != item) continue;
     const CRect inside = PlaceOf(candidate);
     return {inside.left + 1, inside.top + 1, inside.right + 1, inside.bottom + 1};

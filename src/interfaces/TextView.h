@@ -25,8 +25,8 @@ namespace TextView {
 using Lines = std::vector<CString>;
 
 // The size of a picture, borders included, in columns and lines; 0 or less is what the content
-// needs. What lies outside is cut, and a list scrolls so that `first_row` is its upper row; ▲ and ▼
-// in its right border say that there is more.
+// needs, and 10,000 is the most that is drawn. What lies outside is cut, and a list scrolls so that
+// `first_row` is its upper row; ▲, ▼ and ↕ in its right border say that there is more.
 struct Frame {
   int width = 0;
   int height = 0;
@@ -40,7 +40,8 @@ KESTRIN_API Lines Draw(const CComboBox& combo, Frame frame = {});
 
 // The dialog with the controls that stand in it. At another size than its template's, an edge of an
 // item that lies in the right or the lower half keeps its distance to that border, and so a list in
-// the middle grows. `first_row` is that of its lists.
+// the middle grows. `first_row` is that of its lists. No lines for a dialog that was never
+// displayed.
 KESTRIN_API Lines Draw(const CDialog3d& dialog, Frame frame = {});
 
 // Whichever of the three it is; no lines for another window.

@@ -5,7 +5,6 @@
 
 #include "interfaces/Number.h"
 #include "interfaces/PrWin.h"
-#include "interfaces/Support.h"
 #include "interfaces/Text.h"
 
 namespace TableType {
@@ -31,11 +30,15 @@ bool strcopy(wchar_t* dst, const wchar_t* src, unsigned int dst_size) {
 
 namespace {
 
+// Room for what a message about a line says besides the line. A file of nothing but bad lines must
+// not cost much more than one of good ones, so a message takes one block of memory.
+constexpr std::size_t words_of_a_message = 150;
+
 // A zero would end the log's text in the middle of a line.
-std::wstring WithoutZeros(std::wstring_view line) {
-  std::wstring text(line);
-  std::replace(text.begin(), text.end(), L'\0', L'\xFFFD');
-  return text;
+void AppendWithoutZeros(std::wstring& text, std::wstring_view line) {
+  const std::size_t start = text.size();
+  text.append(line);
+  std::replace(text.begin() + static_cast<std::ptrdiff_t>(start), text.end(), L'\0', L'\xFFFD');
 }
 
 }  // namespace
@@ -43,8 +46,10 @@ std::wstring WithoutZeros(std::wstring_view line) {
 namespace DynTables {
 
 void log_error(const wchar_t* where, const wchar_t* table, const std::wstring& line) {
-  std::wstring text(where);
-  text.append(L": Error reading line '").append(WithoutZeros(line));
+  std::wstring text;
+  text.reserve(line.size() + words_of_a_message);
+  text.append(where).append(L": Error reading line '");
+  AppendWithoutZeros(text, line);
   text.append(L"' of table '").append(table).append(L"'\n");
   PrWin::Output(text.c_str(), PrWin::category_data_base, PrWin::style_bad_line);
 }
@@ -160,6 +165,16 @@ void AppendField(std::wstring& text, const FieldView& field) {
   }
 }
 
+void LogFailure(std::string_view reason, std::wstring_view rest) {
+  std::wstring text;
+  text.reserve(rest.size() + words_of_a_message);
+  text.append(L"Error converting parameter sea to parameter tables: '");
+  text.append(reason.begin(), reason.end()).append(L"' for substring '");
+  AppendWithoutZeros(text, rest);
+  text.append(L"'\n");
+  PrWin::Output(text.c_str(), PrWin::category_data_base, PrWin::style_none);
+}
+
 }  // namespace
 
 Result ReadFields(std::span<const FieldRef> fields, std::wstring_view& line) {
@@ -175,13 +190,7 @@ Result ReadFields(std::span<const FieldRef> fields, std::wstring_view& line) {
 
 bool Read(std::span<const FieldRef> fields, std::wstring_view& line) {
   const Result result = ReadFields(fields, line);
-  if (result.reason != nullptr) {
-    constexpr unsigned latin_code_page = 1252;
-    PrWin::Output(PrWin::category_data_base,
-                  L"Error converting parameter sea to parameter tables: '%s' for substring '%s'\n",
-                  Formatting::ansi2unicode(result.reason, latin_code_page).c_str(),
-                  WithoutZeros(line).c_str());
-  }
+  if (result.reason != nullptr) LogFailure(result.reason, line);
   return result.ok;
 }
 

@@ -1,0 +1,115 @@
+// Fuzzing: bytes that nobody has thought of, put through everything that reads what comes from
+// outside, under the address and undefined-behaviour sanitizers.
+//
+// A target takes any bytes. It fails by crashing, by a sanitizer's word, by taking too long or too
+// much memory, and by breaking a property that it states itself, such as that what was written
+// reads back the same; that is an exception. Each target is a function here, a file of its own, and
+// a program of libFuzzer of the name fuzz_<target>; the tests replay the files under corpus/, from
+// which the search starts, and regressions/, what it found and what has been mended since.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace fuzz {
+
+using Bytes = std::span<const std::uint8_t>;
+
+void Lake(Bytes bytes);
+void Load(Bytes bytes);
+void Orders(Bytes bytes);
+void TableFile(Bytes bytes);
+void Rows(Bytes bytes);
+void Sea(Bytes bytes);
+void KeyEditor(Bytes bytes);
+
+struct Target {
+  const char* name;
+  void (*run)(Bytes);
+};
+inline constexpr Target targets[] = {
+    {"lake", Lake}, {"load", Load}, {"orders", Orders},       {"table_file", TableFile},
+    {"rows", Rows}, {"sea", Sea},   {"key_editor", KeyEditor}};
+
+inline void Require(bool holds, const char* property) {
+  if (!holds) throw std::logic_error(property);
+}
+
+// Takes values off the front of the bytes; behind their end all are 0.
+class Input {
+ public:
+  explicit Input(Bytes bytes) : rest_(bytes) {}
+
+  bool empty() const { return rest_.empty(); }
+
+  template <class T>
+  T Take() {
+    T value{};
+    const std::size_t count = std::min(sizeof value, rest_.size());
+    if (count != 0) std::memcpy(&value, rest_.data(), count);
+    rest_ = rest_.subspan(count);
+    return value;
+  }
+
+  // A number below `count`, which is not 0.
+  std::size_t Below(std::size_t count) { return Take<std::uint8_t>() % count; }
+
+  // Up to `count` bytes.
+  Bytes Some(std::size_t count) {
+    const Bytes front = rest_.first(std::min(count, rest_.size()));
+    rest_ = rest_.subspan(front.size());
+    return front;
+  }
+
+  Bytes Rest() { return Some(rest_.size()); }
+
+ private:
+  Bytes rest_;
+};
+
+inline std::string_view AsText(Bytes bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+// How much has been logged, in place of the log itself, which would cost most of the time.
+struct Logged {
+  std::size_t lines = 0;
+  std::size_t characters = 0;
+};
+
+// Counts what is logged while it lives.
+class QuietLog {
+ public:
+  QuietLog();
+  QuietLog(const QuietLog&) = delete;
+  QuietLog& operator=(const QuietLog&) = delete;
+  ~QuietLog();
+
+  const Logged& logged() const { return logged_; }
+
+ private:
+  Logged logged_;
+};
+
+// A file in memory that has a name for the system: what is written and read by name costs no disk.
+class MemoryFile {
+ public:
+  explicit MemoryFile(Bytes bytes = {});
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+  ~MemoryFile();
+
+  std::wstring name() const;
+  std::string bytes() const;
+
+ private:
+  int handle_;
+};
+
+}  // namespace fuzz

@@ -1,0 +1,252 @@
+// A whole load: the bytes are a parameter file. It is read, checked, loaded, asked about ids that
+// stand in it and about hostile ones, dumped, written back to the sea, loaded again and purged.
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Fuzz.h"
+#include "catalogue/IpCalcParameter.h"
+#include "frame/ParameterCheck.h"
+#include "frame/QtParamDistillery.h"
+#include "frame/QtParamInstance.h"
+#include "frame/TableCatalogue.h"
+#include "interfaces/ComboBoxX.h"
+#include "interfaces/MeasuringUnit.h"
+#include "interfaces/ResourceSea.h"
+#include "lake/Lake.h"
+#include "lake/LakeReader.h"
+#include "spec/QtSpecInterval.h"
+#include "trigger/TriggerStore.h"
+
+namespace fuzz {
+namespace {
+
+// Derived tables hold pairs of rows, so that the size of an input counts twice.
+constexpr std::size_t most_bytes = 8192;
+
+CLake FromBytes(Bytes bytes) {
+  CLake lake;
+  LakeReader::read(lake, [bytes](std::span<char> block) mutable -> std::optional<std::size_t> {
+    const std::size_t count = std::min(block.size(), bytes.size());
+    std::copy_n(bytes.begin(), count, block.begin());
+    bytes = bytes.subspan(count);
+    return count;
+  });
+  return lake;
+}
+
+// An application sea of this input's own, since a load may write to it.
+class OwnSea {
+ public:
+  OwnSea() : before_(CSeaBase::SetApplicationSea(&sea_)) {}
+  OwnSea(const OwnSea&) = delete;
+  OwnSea& operator=(const OwnSea&) = delete;
+  ~OwnSea() { CSeaBase::SetApplicationSea(before_); }
+
+ private:
+  CResourceSea sea_;
+  CResourceSea* before_;
+};
+
+// The version stands in front, so that no input is lost to a refusal.
+void FillCandidateLake(const CLake& lake) {
+  static const CLake version = [] {
+    CLake lines;
+    lines[L"<DbDesign.CacheVersion>"] = L"215";
+    lines[L"<DbDesign.CacheMinorVersion>"] = L"1";
+    return lines;
+  }();
+  CParameterLake::Lake() = version;
+  CParameterLake::Lake().merge(lake);
+}
+
+// Ids to ask for: hostile ones, some that the bytes at the end of the input spell, and the first of
+// each table that has any.
+std::vector<int> Ids(const CQtParamInstance& params, Bytes bytes) {
+  std::vector<int> ids = {INT_MIN, INT_MAX, -2, -1, 0, 1, 2047, 2048, 0x40000001};
+  Input input(bytes.last(std::min<std::size_t>(bytes.size(), 3 * sizeof(int))));
+  while (!input.empty()) ids.push_back(input.Take<int>());
+  const auto add_first = [&](const auto& table, std::size_t count) {
+    for (auto row = table.begin(); row != table.end() && count-- > 0; ++row) {
+      ids.push_back(row->first[0]);
+    }
+  };
+  add_first(params.Mode(), 3);
+  add_first(params.Channel(), 2);
+  add_first(params.Location(), 1);
+  add_first(params.InstrumentParam(), 3);
+  add_first(params.Trigger(), 1);
+  add_first(params.ApplicationSignal(), 1);
+  std::sort(ids.begin(), ids.end());
+  ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+  return ids;
+}
+
+// Walking a text shows that it has an end; comparing it with null that there is one.
+void AskText(const wchar_t* text) {
+  Require(text != nullptr, "a name is never null");
+  Require(std::wstring_view(text).size() < 500, "a name has the length that its field allows");
+}
+
+void AskIntervals(const CQtParamInstance& params, int mode, int id) {
+  CQtSpecInterval interval(params);
+  interval.LoadTransformParams(mode, id, 1);
+  const auto [first, last] = params.SpecIntervalRange(static_cast<unsigned>(id));
+  std::vector<CQtSpecInterval::IndexInterval> lines;
+  for (auto entry = first; entry != last; ++entry) {
+    CQtSpecInterval::IndexInterval range;
+    if (interval.IndexRange(entry->second, range, 1600, 0.125F, 1.0F) !=
+        CQtSpecInterval::index_range_ok) {
+      continue;
+    }
+    Require(range.start_index <= range.stop_index && range.stop_index < 1600,
+            "an interval lies inside the spectrum");
+    lines.push_back(range);
+  }
+  const std::size_t count = CQtSpecInterval::InvertIndexIntervalCollection(lines);
+  Require(count == lines.size(), "the number of pieces is that of the collection");
+}
+
+void AskTrigger(const CQtParamInstance& params, int mode, int trigger) {
+  const CTriggerStore store(params);
+  unsigned mask = 0;
+  CTriggerStore::CIntervals axes;
+  CTriggerStore::CDimensions values;
+  const bool has_axes = store.dimensions(mode, trigger, mask);
+  Require(has_axes == store.field(mode, trigger, axes), "a trigger has its axes, or none");
+  Require(mask == axes.is_set.to_ulong() && mask < 16, "the mask tells the axes");
+  Require(store.dimension(mode, trigger) < 4, "an axis is one of four");
+  std::int64_t cell = 0;
+  store.position(mode, trigger, INT64_MIN, -1, values);
+  values.is_set.set();
+  store.cell(mode, trigger, values, cell, true);
+  store.cell(mode, trigger, values, cell, false);
+  store.position(mode, trigger, cell, 0x0001FFFF80007FFF, values);
+  float value = 0;
+  for (unsigned dim = 0; dim < 5; ++dim) store.position(mode, trigger, cell, dim, value);
+}
+
+void AskPair(const CQtParamInstance& params, int mode, int id) {
+  params.ParentChannel(mode, id);
+  params.BaseChannel(mode, id);
+  params.ChannelFlags(mode, id);
+  params.PhysicalGear(mode, id);
+  params.OrderSource2Rotor(mode, id);
+  params.RotorSpeedSource(mode, id);
+  params.RotorSpeedSourceAppId(mode, id);
+  params.SpeedInfoOfRotor(mode, id);
+  params.BaseOrder(mode, id);
+  params.FrequencyRatioToGeneratingRotor(mode, id, 1);
+  params.RotorFrequencyRelativeToSpeedSourceRotor(mode, id);
+  const auto [first, last] = params.OrderSourceRange(mode, id, 1);
+  for (auto source = first; source != last; ++source) {
+    Require(source->first[0] == params.PhysModeId(mode), "order sources are of the test step");
+  }
+  AskIntervals(params, mode, id);
+  AskTrigger(params, mode, id);
+
+  CString text;
+  params.FormatInstrParamText(text, mode, id);
+  params.FormatLocaChanText(text, mode, id);
+  const QClavis key(mode, id, id, mode, id, mode);
+  params.FormatClavisText(key, CQtParamInstance::ElementMask().set());
+  params.FormatClavisText(key, CQtParamInstance::show_id_always, 0x15);
+  Require(params.FormatClavisTextNice(key, L" / ").size() < 500, "a key's text has its limit");
+}
+
+void AskId(CQtParamInstance& params, int id) {
+  AskText(params.ModeName(id));
+  Require(params.VirtModeName(id).empty() || CQtParamInstance::IsVirtualMode(id),
+          "a name is made for a virtual mode alone");
+  AskText(params.InstrumentParamName(id));
+  AskText(params.TriggerName(id));
+  AskText(params.PhysModeName(id));
+  for (int element = Clavis::Mode; element <= Clavis::Sensor; ++element) {
+    AskText(params.ClavisElementName(element, id));
+  }
+  const wchar_t* const channel = params.ChannelName(id);
+  if (channel[0] != L'\0') params.ChannelId(channel);
+  Require((params.Channel().find(id) != params.Channel().end()) == params.IsValidChannel(id),
+          "an id is valid if it has a row");
+  params.TriggerId(id);
+  params.TriggerId(params.TriggerName(id));
+  params.InstrumentParamId(params.InstrumentParamName(id), id);
+  params.InstrumentParameterToInstrument(id);
+  params.LocationPropertyFlag(id);
+  params.PhysModeId(id);
+  params.ModeIsHidden(id);
+  params.ModeIsOfType(id, QVModeProps::mode_hidden);
+  params.ChannelResamplingType(id);
+  params.ApplicationSignalUnit(id).prefixunit(true);
+  params.SpecIntervalDefinition(static_cast<unsigned>(id));
+  for (std::size_t row = 0; row < 7; ++row) CQtParamInstance::VirtModeDigit(id, row);
+  CQtParamInstance::ScalarInstrumentToTrackInstrument(id);
+  CQtParamInstance::VirtModeGenerateId(id, id);
+  QVIpCalcParameter::GetCalcParamEnumText(id);
+  QVIpCalcParameter::GetCalcParamEnumSubText(id, id);
+}
+
+void AskWhole(CQtParamInstance& params) {
+  const auto& auto_modes = params.AutoModeParams();
+  const std::vector<int> bands(auto_modes.size() + 1, INT_MAX);
+  params.VirtModeExtension(bands.data());
+  for (auto row = auto_modes.begin(); row != auto_modes.end(); ++row) {
+    params.VirtModeNameFragment(row, true, CQtParamInstance::VirtModePosition(row->second, 0), 7);
+  }
+  for (const auto& [key, polygon] : params.IpTrackPolygon()) {
+    const auto& points = params.IpPolygonValues();
+    auto point = points.lower_bound({polygon.polygon_id, 0});
+    for (; point != points.end() && point->first.first == polygon.polygon_id; ++point) {
+    }
+  }
+  CComboBox combo;
+  params.FillTypeNameCombo(combo, L"");
+  params.AddVModeName(2049, L"made");
+  AskText(params.ModeName(2049));
+}
+
+std::size_t RowCount(const CQtParamDistillery& store) {
+  std::size_t count = 0;
+  for (const auto& table : TableCatalogue::Tables()) count += table.row_count(store);
+  return count;
+}
+
+}  // namespace
+
+void Load(Bytes bytes) {
+  if (bytes.size() > most_bytes) return;
+  const QuietLog log;
+  const OwnSea sea;
+  const CLake lake = FromBytes(bytes);
+  ParameterCheck::Check(lake);
+  FillCandidateLake(lake);
+  CQtParamDistillery store;
+  CQtParamInstance params(&store);
+  const bool loaded = params.ReadTablesFromCandidateLake();
+  Require(params.Initialized() == loaded, "a store knows whether it was loaded");
+  const std::size_t rows = RowCount(store);
+
+  const std::vector<int> ids = Ids(params, bytes);
+  for (const int id : ids) {
+    AskId(params, id);
+    for (std::size_t i = 0; i < ids.size(); i += 3) AskPair(params, ids[i], id);
+  }
+  AskWhole(params);
+  params.DumpTables(0);
+  params.WriteTablesToLocalSeas();
+
+  Require(params.ReadTablesFromCandidateLake() == loaded, "a second load ends as the first");
+  Require(RowCount(store) == rows, "a second load finds the rows of the first");
+  params.PurgeTables();
+  Require(RowCount(store) == 0, "a purge leaves no rows");
+  for (const int id : ids) AskId(params, id);
+}
+
+}  // namespace fuzz
