@@ -46,7 +46,7 @@ std::wstring WholeCharacters(std::wstring_view line, int columns) {
 }
 
 CString CodeUnits(wint_t character) {
-  if (character < 0x10000) return CString(1, static_cast<wchar_t>(character));
+  if (character < 0x10000) return {static_cast<wchar_t>(character)};
   const wint_t rest = character - 0x10000;
   return {static_cast<wchar_t>(0xD800 + (rest >> 10U)),
           static_cast<wchar_t>(0xDC00 + (rest & 0x3FFU))};
