@@ -20,6 +20,7 @@
 #include "frame/QtParamInstance.h"
 #include "frame/QtParamServer.h"
 #include "frame/TableCatalogue.h"
+#include "frame/Version.h"
 #include "interfaces/Clavis.h"
 #include "interfaces/ComboBoxX.h"
 #include "interfaces/Dialog3d.h"

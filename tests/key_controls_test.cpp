@@ -138,6 +138,12 @@ std::string Column(const CXListCtrl& list, int column) {
   return all;
 }
 
+std::string Drawn(const CXListCtrl& list) {
+  std::string lines;
+  for (const CString& line : TextView::Draw(list)) lines += Text::ToUtf8(line) + "\n";
+  return lines;
+}
+
 // A window that notes the messages of key editors as "element:id", the second message in brackets.
 class Listener : public CWnd {
  public:
@@ -226,6 +232,7 @@ TEST_F(KeyControls, TheComboOffersTheParametersOfOneInstrument) {
       {2001, 10, " (not assigned)=-1 low=11 high=12 *(parameter 10)=10", 10},
       {2001, -7, " (not assigned)=-1 low=11 high=12", -1},
       {77, 0, " (not assigned)=-1 *(parameter 0)=0", 0},
+      {-2, 0, " (not assigned)=-1 *(parameter 0)=0", 0},
   };
   CClavisComboBox combo;
   for (const Case& c : cases) {
@@ -283,7 +290,19 @@ TEST_F(KeyControls, TheCheckListGivesBackWhatIsChecked) {
   }
 
   list.Init(Clavis::Sensor);
+  EXPECT_EQ(list.GetHeaderCheckedState(0), unchecked);
+  list.Fill({}, 0x80);
+  EXPECT_EQ(list.GetHeaderCheckedState(0), mixed);
   list.Fill({21});
+  EXPECT_EQ(list.GetHeaderCheckedState(0), mixed);
+  EXPECT_EQ(Drawn(list),
+            "┌──────────────────┐\n"
+            "│ [-] all sensors  │\n"
+            "├──────────────────┤\n"
+            "│ [x] Acceleration │\n"
+            "│ [ ] Sound        │\n"
+            "│ [ ] Bare         │\n"
+            "└──────────────────┘\n");
   ASSERT_TRUE(list.ToggleCheckbox(0, 0));
   EXPECT_TRUE(list.Changes());
   ASSERT_TRUE(list.ToggleCheckbox(2, 0));
@@ -422,10 +441,20 @@ TEST_F(KeyControls, TheOwnerHearsIfThereIsNoParent) {
   ASSERT_TRUE(editor.ChooseEntry(0, 1, 9));
   EXPECT_EQ(owner.heard, " 0:7");
   EXPECT_EQ(editor.retrieve().Mode(), 9);
+
+  Listener parent;
+  ASSERT_TRUE(owner.Create(nullptr));
+  ASSERT_TRUE(parent.Create(nullptr));
+  editor.DestroyWindow();
+  ASSERT_TRUE(editor.Create(&parent));
+  editor.fill(CClavis());
+  ASSERT_TRUE(editor.ChooseEntry(0, 1, 7));
+  EXPECT_EQ(parent.heard + "," + owner.heard, " 0:7, 0:7");
 }
 
 TEST_F(KeyControls, ReceiversMayFillCloseAndDelete) {
-  for (const char* const what : {"fill", "reload", "close", "delete", "delete the parent"}) {
+  for (const char* const what :
+       {"fill", "reload", "no second", "close", "delete", "delete the parent"}) {
     SCOPED_TRACE(what);
     auto parent = std::make_unique<Listener>();
     ASSERT_TRUE(parent->Create(nullptr));
@@ -438,13 +467,14 @@ TEST_F(KeyControls, ReceiversMayFillCloseAndDelete) {
       heard = parent->heard;
       if (task == "fill") editor->fill(Key(9, 1001, -1, -1, -1, -1));
       if (task == "reload") Load("<TMode>: {\n1 One\n}\n");
+      if (task == "no second") editor->set_on_change_message(0);
       if (task == "close") editor->DestroyWindow();
       if (task == "delete") editor.reset();
       if (task == "delete the parent") parent.reset();
     };
     ASSERT_TRUE(editor->ChooseEntry(1, 1, -1));
-    EXPECT_EQ(heard, parent ? " 1:-1 [1:-1]" : " 1:-1");
     const std::string task = what;
+    EXPECT_EQ(heard, parent && task != "no second" ? " 1:-1 [1:-1]" : " 1:-1");
     if (task == "fill") {
       EXPECT_EQ(editor->retrieve(), Key(9, 1001, -1, -1, -1, -1));
     }
@@ -463,7 +493,8 @@ TEST_F(KeyControls, RowsShowFlagsExtraRowsAndIds) {
   CKestrinCtrl editor;
   editor.set_none_is_any(true);
   editor.set_ttnil_text(L"");
-  editor.add_extra_row(L"Second", L"b", 4, 40);
+  editor.on_entry_chosen = [](int, int) { FAIL() << "fill puts its own in"; };
+  editor.add_extra_row(L"Second", L"b", 5, 40);
   editor.add_extra_row(L"First", L"a", 1);
   editor.add_extra_row(L"", L"no name", 2, 20);
   editor.add_extra_row(L"Beyond", L"c", 6, 60);
@@ -484,12 +515,10 @@ TEST_F(KeyControls, RowsShowFlagsExtraRowsAndIds) {
       "│ First      │ a        │   -1 │\n"
       "│ Second     │ b        │   40 │\n"
       "└────────────┴──────────┴──────┘\n";
-  std::string drawn;
-  for (const CString& line : TextView::Draw(editor)) drawn += Text::ToUtf8(line) + "\n";
-  EXPECT_EQ(drawn, expected);
+  EXPECT_EQ(Drawn(editor), expected);
   EXPECT_FALSE(editor.ChooseEntry(1, 1, 2001));
   EXPECT_EQ(editor.GetItemKey(2), 5);
-  EXPECT_EQ(editor.GetItemKey(4), 104);
+  EXPECT_EQ(editor.GetItemKey(4), 105);
   EXPECT_EQ(editor.GetExtendedStyle(), 0x20U);
   COLORREF text = 0;
   COLORREF background = 0;
@@ -498,6 +527,7 @@ TEST_F(KeyControls, RowsShowFlagsExtraRowsAndIds) {
   EXPECT_EQ(background, RGB(230, 235, 255));
   ASSERT_TRUE(editor.ChooseEntry(2, 1, 21));
   EXPECT_EQ(Column(editor, 2), " 7 1001 21 -1 40");
+  EXPECT_NE(Drawn(editor).find("Acceleration ▾"), std::string::npos) << Drawn(editor);
 
   // The default text stays; virtual test steps come on demand; the third column doesn't go.
   Params::ShowIdsInDialogs(false);
@@ -552,9 +582,14 @@ CXListCtrl& EditorOf(CDialog3d& dialog) {
 TEST_F(KeyControls, TheDialogGivesItsKeyOnOkOnly) {
   CKestrinDialog dialog;
   std::vector<CClavis> keys;
-  dialog.on_ok = [&](const CClavis& key) { keys.push_back(key); };
+  dialog.on_ok = [&](const CClavis& key) {
+    EXPECT_TRUE(dialog.is_displayed());
+    keys.push_back(key);
+  };
   EXPECT_EQ(dialog.retrieve(), CClavis());
   EXPECT_FALSE(dialog.PressButton(1));
+  dialog.OnBnClickedOk();
+  EXPECT_TRUE(keys.empty());
 
   const CClavis first = Key(7, 2001, 3, 1, 11, 21);
   dialog.Display(first);

@@ -182,7 +182,7 @@ TEST(RangeGrid, ClicksThatHitNoEntryChangeNothing) {
   EXPECT_EQ(Flags(grid, 0), "..#...");
 }
 
-TEST(RangeGrid, AnAnchorBeyondAShorterFillSelectsEntriesOnly) {
+TEST(RangeGrid, AnAnchorOutlivesAFillAndEndsWithTheWindow) {
   Grid<6> grid;
   ASSERT_TRUE(grid.Create(nullptr));
   Work(grid, 0, "5");
@@ -190,8 +190,14 @@ TEST(RangeGrid, AnAnchorBeyondAShorterFillSelectsEntriesOnly) {
   Work(grid, 0, "R S1");
   EXPECT_EQ(Flags(grid, 0), ".#");
   std::array<std::map<int, bool>, 6> active;
-  grid.retrieve(active);
-  EXPECT_EQ(active[0], (std::map<int, bool>{{-1, false}, {10, false}, {11, true}}));
+  grid.retrieve(active);  // the range went on over the rows without an entry
+  EXPECT_EQ(active[0], (std::map<int, bool>{{-1, true}, {10, false}, {11, true}}));
+
+  Work(grid, 1, "0");
+  grid.DestroyWindow();
+  ASSERT_TRUE(grid.Create(nullptr));
+  Work(grid, 1, "S2");
+  EXPECT_EQ(Flags(grid, 1), "..#.");
 }
 
 TEST(RangeGrid, CommandsOverTheWholeGrid) {

@@ -282,6 +282,7 @@ TEST(Lists, TheHeadingsCheckBoxFollowsTheRowsAndLeadsThem) {
   }
   EXPECT_EQ(list.noted.size(), 3U + 3 + 3 + 1 + 1);
   // A disabled row keeps its box, and doesn't hinder the heading from clearing the others.
+  EXPECT_FALSE(list.SetHeaderCheckedState(0, 2));
   list.ToggleCheckbox(2, 0);
   list.SetEnabled(2, false);
   list.ClickHeading(0);
@@ -340,21 +341,19 @@ TEST(Combos, EntriesKeepTheirDataAndTheirSelection) {
 // Filling takes about 32 times as long for 32 times the entries, not a thousand times. The best of
 // several runs and a wide bound, since other programs share the machine.
 TEST(Combos, FillingStaysLinear) {
-  const auto fill_combo = [](int count, CComboBox::Order order) {
-    CComboBoxX combo(order);
+  const auto fill_combo = [](int count) {
+    CComboBoxX combo;
     combo.Create(nullptr);
     for (int i = 0; i < count; ++i) combo.SetItemData(combo.AddString(L"an entry"), i);
     EXPECT_EQ(combo.GetItemData(count - 1), count - 1);
   };
   const std::pair<const char*, std::function<void(int)>> fills[] = {
-      {"plain combo", [&](int count) { fill_combo(count, CComboBox::Order::insertion); }},
-      {"sorted combo", [&](int count) { fill_combo(count, CComboBox::Order::sorted); }},
-      {"checks", [](int count) {
-         CXListCtrl list;
-         list.Create(nullptr);
-         FillChecks(list, count);
-         EXPECT_EQ(list.CountCheckedItems(0, unchecked), count);
-       }}};
+      {"combo", fill_combo}, {"checks", [](int count) {
+                                CXListCtrl list;
+                                list.Create(nullptr);
+                                FillChecks(list, count);
+                                EXPECT_EQ(list.CountCheckedItems(0, unchecked), count);
+                              }}};
   for (const auto& [name, fill] : fills) {
     const auto best = [&fill = fill](int count) {
       auto least = std::chrono::steady_clock::duration::max();
@@ -434,6 +433,44 @@ TEST(Dialogs, ShowTheirItemsAndHearTheirButtons) {
             "│  [ Cancel ]   «  OK  »  │\n"
             "│                         │\n"
             "└─────────────────────────┘\n");
+  // Larger in both directions, and smaller than its rows.
+  EXPECT_EQ(Utf8(TextView::Draw(dialog, {31, 12, 0})),
+            "╒═ Pick ══════════════════════╕\n"
+            "│  ┌───────────┬───────────┐  │\n"
+            "│  │ Section   │ Value     │  │\n"
+            "│  ├───────────┼───────────┤  │\n"
+            "│  │ Fruit     │ apple   ▾ │  │\n"
+            "│  │·Other    ·│·pear    ▾·│  │\n"
+            "│  │           │           │  │\n"
+            "│  │           │           │  │\n"
+            "│  └───────────┴───────────┘  │\n"
+            "│  [ Cancel ]       «  OK  »  │\n"
+            "│                             │\n"
+            "└─────────────────────────────┘\n");
+  EXPECT_EQ(Utf8(TextView::Draw(dialog, {23, 9, 1})),
+            "╒═ Pick ══════════════╕\n"
+            "│  ┌───────────┬───┐  │\n"
+            "│  │ Section   │ … │  │\n"
+            "│  ├───────────┼───┤  │\n"
+            "│  │·Other    ·│·…·▲  │\n"
+            "│  └───────────┴───┘  │\n"
+            "│  [ Cancel…«  OK  »  │\n"
+            "│                     │\n"
+            "└─────────────────────┘\n");
+  for (const int size : {INT_MIN, 1, 3, 6, 9}) {
+    EXPECT_FALSE(TextView::Draw(dialog, {size, size, size}).empty()) << size;
+  }
+  // Places: a button and the list, and in the list a cell that the scrolling has moved.
+  const auto at = [](CRect place) {
+    return std::vector{place.left, place.top, place.right, place.bottom};
+  };
+  EXPECT_EQ(at(TextView::ItemPlace(dialog, 1, {31, 12, 0})), (std::vector{20, 9, 28, 10}));
+  EXPECT_EQ(at(TextView::ItemPlace(dialog, 30, {23, 9, 0})), (std::vector{3, 1, 20, 6}));
+  EXPECT_EQ(at(TextView::CellPlace(dialog.list, 1, 1, {17, 5, 1})), (std::vector{13, 3, 16, 4}));
+  for (const auto& [row, column] : {std::pair{0, 1}, {1, 2}, {1, -1}, {2, 0}}) {  // not shown
+    EXPECT_EQ(TextView::CellPlace(dialog.list, row, column, {17, 5, 1}).Width(), 0);
+  }
+  EXPECT_EQ(TextView::ItemPlace(dialog, 77).Width(), 0);
   EXPECT_TRUE(dialog.PressButton(1));
   EXPECT_TRUE(dialog.PressButton(2));
   EXPECT_TRUE(dialog.Close());
@@ -472,19 +509,21 @@ TEST(Dialogs, EndWithTheirOwnerOrInTheirOwnHandler) {
 
 TEST(Views, HearOfWindowsBelowThemAndOnceOfABatch) {
   struct Noting : WindowView {
-    void Shown(CWnd&) override { ++shown; }
+    void Shown(CWnd& window) override { shown.push_back(window.Handle()); }
     void Changed(CWnd& window) override { changed[&window]++; }
     void Gone(WindowHandle window) override { gone.push_back(window); }
-    int shown = 0;
+    std::vector<WindowHandle> shown;
     std::map<CWnd*, int> changed;
     std::vector<WindowHandle> gone;
   };
   Noting view;
+  CWnd frame;
+  frame.SetView(&view);
+  ASSERT_TRUE(frame.Create(nullptr));
   TestResources resources;
-  PickDialog dialog(resources);
-  dialog.SetView(&view);
+  PickDialog dialog(resources, &frame);
   ASSERT_TRUE(dialog.DisplayDialog());
-  EXPECT_EQ(view.shown, 2);
+  EXPECT_EQ(view.shown, (std::vector{frame.Handle(), dialog.Handle(), dialog.list.Handle()}));
   FillList(dialog.list);
   EXPECT_GT(view.changed[&dialog.list], 0);
   view.changed.clear();
@@ -498,9 +537,52 @@ TEST(Views, HearOfWindowsBelowThemAndOnceOfABatch) {
   dialog.list.ChooseEntry(0, 1, 8);
   EXPECT_EQ(view.changed[&dialog.list], 1);
   EXPECT_EQ(own.changed[&dialog.list], 1);
+  dialog.list.SetFocus();
+  dialog.list.KillFocus();
+  EXPECT_EQ(own.changed[&dialog.list], 3);
   dialog.list.SetView(nullptr);
   dialog.DestroyWindow();
   EXPECT_EQ(view.gone, (std::vector{dialog.list.Handle(), dialog.Handle()}));
+}
+
+TEST(Windows, MayBeDeletedWhileTheyBeginAndEnd) {
+  class Telling : public CWnd {
+   public:
+    std::function<void()> on_begin;
+    std::function<void()> on_end;
+
+   protected:
+    void PreSubclassWindow() override { Run(on_begin); }
+    void OnDestroy() override { Run(on_end); }
+
+   private:
+    static void Run(const std::function<void()>& action) {
+      const auto copy = action;  // since it may delete the window
+      if (copy) copy();
+    }
+  };
+  auto doomed = std::make_unique<Telling>();
+  doomed->on_begin = [&] { doomed.reset(); };
+  EXPECT_FALSE(doomed->Create(nullptr));
+
+  auto parent = std::make_unique<Telling>();
+  Telling child;
+  ASSERT_TRUE(parent->Create(nullptr));
+  ASSERT_TRUE(child.Create(parent.get()));
+  child.on_end = [&] { parent.reset(); };
+  EXPECT_TRUE(parent->DestroyWindow());
+  EXPECT_FALSE(child.IsWindow());
+
+  // The end of one window may be the beginning of the next.
+  bool ended = false;
+  Telling phoenix;
+  ASSERT_TRUE(phoenix.Create(nullptr));
+  ASSERT_TRUE(child.Create(&phoenix));
+  phoenix.on_end = [&] { ended = true; };
+  child.on_end = [&] { phoenix.Create(nullptr); };
+  phoenix.DestroyWindow();
+  EXPECT_TRUE(phoenix.IsWindow());
+  EXPECT_FALSE(ended) << "the new window must not lose what it holds";
 }
 
 TEST(TextPictures, KeepTheirShapeWhateverTheTextsAre) {
@@ -545,10 +627,31 @@ TEST(TextPictures, KeepTheirShapeWhateverTheTextsAre) {
             "└───────┘\n");
   EXPECT_TRUE(TextView::DrawEntries(list, 0, 0).empty());
 
-  // No frame is too small or too large a wish.
-  for (const int size : {INT_MIN, -1, 1, 2, 3, 4, 5}) {
-    EXPECT_FALSE(TextView::Draw(list, {size, size, size}).empty()) << size;
-    EXPECT_FALSE(TextView::Draw(combo, {size, size, size}).empty()) << size;
+  EXPECT_EQ(TextView::Draw(list, {10, 5, 3})[3], L"│ row 3  ↕");
+
+  // A picture has the size of its frame, however small or large the wish is.
+  list.InsertColumn(1, L"second", ColumnFormat::right, 40);
+  list.SetItemText(0, 1, L"\x9B m");  // would steer a terminal
+  TestResources resources;
+  PickDialog dialog(resources);
+  EXPECT_TRUE(TextView::Draw(dialog).empty());
+  ASSERT_TRUE(dialog.DisplayDialog());
+  const CWnd* const windows[] = {&list, &combo, &dialog};
+  for (const CWnd* const window : windows) {
+    for (const int width : {1, 2, 3, 4, 5, 9, 10, 11, 12, 40}) {
+      for (const int height : {1, 2, 3, 4, 6, 30}) {
+        const TextView::Lines lines = TextView::Draw(*window, {width, height, width});
+        const bool is_combo = window == &combo;
+        EXPECT_EQ(lines.size(), static_cast<std::size_t>(is_combo ? std::min(height, 3) : height));
+        for (const CString& line : lines) {
+          EXPECT_EQ(TextColumns(line), width) << Text::ToUtf8(line);
+          EXPECT_EQ(line.find(L'\x9B'), CString::npos);
+        }
+      }
+    }
+    EXPECT_FALSE(TextView::Draw(*window, {INT_MIN, INT_MIN, INT_MIN}).empty());
+    EXPECT_LE(TextView::Draw(*window, {10, INT_MAX, INT_MAX}).size(), 10'000U);
+    EXPECT_LE(TextColumns(TextView::Draw(*window, {INT_MAX, 5, INT_MAX})[0]), 10'000);
   }
 }
 

@@ -34,6 +34,7 @@ void CClavisListCtrl::Fill(const std::set<int>& selection, unsigned int filter) 
     SetItemData(row, entry.id);
     SetCheckbox(row, 0, all || selection.contains(entry.id) ? checked : unchecked);
   }
+  AutosizeColumnWidth(0);
   SetBatchInsertMode(false);
   changes_ = false;
 }

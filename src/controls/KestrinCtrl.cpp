@@ -135,20 +135,23 @@ void CKestrinCtrl::control_modified_callback(int row, int column) {
   if (element == Clavis::Instrument) set_instrumentparam_combo(id, -1);
   SetItemData(row, id);
   show_id(row, id);
+  AutosizeColumnWidth(-1);
   send_change(element, id);
 }
 
-// A receiver may do anything, also delete this control, so nothing of it is used once the first
-// message is on its way.
+// A receiver may do anything, also close or delete this control: whether there is a second message
+// is then what it was before the first.
 void CKestrinCtrl::send_change(Clavis::qOrder element, int id) const {
   const CWnd* parent = GetParent();
   const CWnd* const receiver = parent ? parent : GetOwner();
   if (!receiver) return;
   const WindowHandle handle = receiver->Handle();
-  const unsigned int on_change_message = on_change_message_;
+  const WindowHandle self = Handle();
+  unsigned int second = on_change_message_;
   const auto w = static_cast<WPARAM>(element);
   ::SendMessage(handle, WM_KESTRINCTRL_SELCHANGED, w, id);
-  if (on_change_message != 0) ::SendMessage(handle, on_change_message, w, id);
+  if (::IsWindow(self)) second = on_change_message_;
+  if (second != 0) ::SendMessage(handle, second, w, id);
 }
 
 // --- Rows and elements ---

@@ -40,7 +40,8 @@ class KESTRIN_API CKestrinCtrl : public CXListCtrl {
 
   ~CKestrinCtrl() override = default;
 
-  // Builds all rows anew for a key. Masks, flags and extra rows are looked at here, and only here.
+  // Builds all rows anew for a key. Masks, flags and extra rows are looked at here, and only here;
+  // columns are fitted here and after each choice.
   void fill(const CClavis& key);
 
   // The key as it stands in the rows. An element without a row is -1: a hidden one, and all before
@@ -62,7 +63,8 @@ class KESTRIN_API CKestrinCtrl : public CXListCtrl {
   // as long as nobody has said it: "(*)", or else "—".
   void set_none_is_any(bool any) { none_is_any_ = any; }
 
-  // How the entry -1 reads. A fill that finds an empty text puts the default in, and that stays.
+  // How the entry -1 reads, from the next fill on; the parameter's from the next choice of an
+  // instrument. A fill that finds an empty text puts the default in, and that stays.
   void set_ttnil_text(std::wstring_view text) { ttnil_text_ = text; }
   CString& TtNilText() { return ttnil_text_; }
 

@@ -21,24 +21,18 @@ void CKestrinDialog::DoDataExchange(CDataExchange& exchange) {
 }
 
 void CKestrinDialog::Display(const CClavis& key) {
-  // An owner that went has taken the window along without a button.
-  if (is_displayed_ && IsWindow()) return;
-  is_displayed_ = true;
+  if (is_displayed()) return;
   DisplayDialog();
   key_control_.fill(key);
 }
 
 void CKestrinDialog::OnBnClickedOk() {
+  if (!is_displayed()) return;
   const CClavis key = key_control_.retrieve();
   const WindowHandle self = Handle();
   const auto handler = on_ok;  // a copy, since it may delete the dialog
   if (handler) handler(key);
-  if (!::IsWindow(self)) return;
-  is_displayed_ = false;
-  DestroyWindow();
+  if (::IsWindow(self)) DestroyWindow();
 }
 
-void CKestrinDialog::OnBnClickedCancel() {
-  is_displayed_ = false;
-  DestroyWindow();
-}
+void CKestrinDialog::OnBnClickedCancel() { DestroyWindow(); }

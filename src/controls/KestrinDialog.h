@@ -27,6 +27,8 @@ class KESTRIN_API CKestrinDialog : public CDialog3d {
   // nor to its key.
   void Display(const CClavis& key);
 
+  bool is_displayed() const { return IsWindow(); }
+
   // The key as the user has it now; hidden elements are -1, and all if there is no window.
   CClavis retrieve() const { return key_control_.retrieve(); }
 
@@ -34,7 +36,7 @@ class KESTRIN_API CKestrinDialog : public CDialog3d {
   void set_visible_mask(CKestrinCtrl::ElementMask mask) { key_control_.set_visible_mask(mask); }
   void set_readonly_mask(CKestrinCtrl::ElementMask mask) { key_control_.set_readonly_mask(mask); }
 
-  // What the two buttons do; the frame's close box is Cancel.
+  // What the two buttons do, if the dialog is displayed; the frame's close box is Cancel.
   void OnBnClickedOk();
   void OnBnClickedCancel();
 
@@ -43,5 +45,4 @@ class KESTRIN_API CKestrinDialog : public CDialog3d {
 
  private:
   CKestrinCtrl key_control_;
-  bool is_displayed_ = false;
 };

@@ -159,15 +159,14 @@ void CRangeSelectCtrl<N>::clear_anchor(int column) {
   }
 }
 
-// Cells without an entry stay out of a selection. They can lie in a range when the anchor is older
-// than the last fill, and so can rows that are gone.
+// All of its rows, also those without an entry: an anchor older than the last fill can lie beyond
+// the entries, and even beyond the rows.
 template <std::size_t N>
 void CRangeSelectCtrl<N>::select_range(int from, Cell to) {
   const int first = std::min(from, to.first);
   const int last = std::min(std::max(from, to.first), GetItemCount() - 1);
   for (int row = first; row <= last; ++row) {
-    const Cell cell{row, to.second};
-    if (cell_id(cell) != -1 || has_text(cell)) select_cell(cell);
+    select_cell({row, to.second});
   }
 }
 

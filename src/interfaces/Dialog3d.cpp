@@ -6,10 +6,10 @@
 
 namespace {
 
-const DialogItem* FindItem(const DialogTemplate& layout_, int id) {
-  const auto found = std::find_if(layout_.items.begin(), layout_.items.end(),
+const DialogItem* FindItem(const DialogTemplate& layout, int id) {
+  const auto found = std::find_if(layout.items.begin(), layout.items.end(),
                                   [id](const DialogItem& item) { return item.id == id; });
-  return found == layout_.items.end() ? nullptr : &*found;
+  return found == layout.items.end() ? nullptr : &*found;
 }
 
 bool IsButton(const DialogItem& item) {

@@ -2,8 +2,10 @@
 //
 // A template lists buttons and places for controls, in dialog units: a quarter of a character's
 // width, an eighth of its height. Buttons live in the dialog itself; a place becomes a control when
-// DoDataExchange binds a control object to it. Templates come from a ResourceModule, which is asked
-// each time a dialog is shown, so that a change of the user's language is seen the next time.
+// DoDataExchange binds a control object to it. All dialogs are popups with a caption and a system
+// menu, and their lists stand in report form within a border; so no template says so. Templates
+// come from a ResourceModule, which is asked each time a dialog is shown, so that a change of the
+// user's language is seen the next time.
 #pragma once
 
 #include <functional>
@@ -34,7 +36,7 @@ class KESTRIN_API ResourceModule {
  public:
   virtual ~ResourceModule() = default;
   // The template in the user's language. Null if there is none; else it stays until the next call.
-  virtual const DialogTemplate* FindDialog(unsigned int template_id_) const = 0;
+  virtual const DialogTemplate* FindDialog(unsigned int template_id) const = 0;
 };
 
 class CDialog3d;
@@ -50,7 +52,7 @@ KESTRIN_API void DDX_Control(CDataExchange& exchange, int item, CWnd& control);
 
 class KESTRIN_API CDialog3d : public CWnd {
  public:
-  // The buttons that every dialog has: Enter presses the first, the close box the second.
+  // The buttons that every dialog has. The close box of the frame is the second.
   static constexpr int id_ok = 1;
   static constexpr int id_cancel = 2;
 

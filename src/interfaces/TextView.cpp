@@ -32,7 +32,7 @@ CString Cut(std::wstring_view text, int columns) {
     const std::wstring_view character = text.substr(i, CharacterLength(text, i));
     used += TextColumns(character);
     if (used > columns) break;
-    const bool control = character[0] < L' ' || character[0] == 0x7F;
+    const bool control = character[0] < L' ' || (character[0] >= 0x7F && character[0] < 0xA0);
     out += control ? std::wstring_view(L" ") : character;
     i += character.size();
   }
@@ -56,6 +56,27 @@ CString Fit(std::wstring_view text, int columns, ColumnFormat format = ColumnFor
   }
   const CString blanks(static_cast<std::size_t>(columns - TextColumns(out)), L' ');
   return format == ColumnFormat::left ? out + blanks : blanks + out;
+}
+
+// No wish for a picture is larger than that, in columns and lines.
+constexpr int largest_size = 10'000;
+
+Frame Limited(Frame frame) {
+  return {std::min(frame.width, largest_size), std::min(frame.height, largest_size),
+          frame.first_row};
+}
+
+// What of a picture lies in the frame.
+Lines Clip(Lines picture, Frame frame) {
+  const auto height = static_cast<std::size_t>(std::max(frame.height, 0));
+  if (height > 0 && picture.size() > height) picture.resize(height);
+  if (frame.width <= 0) return picture;
+  for (CString& line : picture) {
+    if (TextColumns(line) <= frame.width) continue;
+    line = Cut(line, frame.width);
+    line.append(static_cast<std::size_t>(frame.width - TextColumns(line)), L' ');
+  }
+  return picture;
 }
 
 // A horizontal line of a box with columns of these widths.
@@ -104,7 +125,7 @@ CString DrawCell(const ListCell& cell, bool enabled, const ListColumn& column, i
   return edges.left + content + edges.right;
 }
 
-// The widths of the columns that go into the frame; the last one takes what is left over.
+// The widths of the columns that go into the frame; the last of them takes what is left over.
 std::vector<int> ColumnWidths(const CXListCtrl& list, Frame frame) {
   std::vector<int> widths;
   int room = frame.width > 0 ? std::max(frame.width - 2, 1) : 0;
@@ -112,13 +133,13 @@ std::vector<int> ColumnWidths(const CXListCtrl& list, Frame frame) {
     int width = std::max(list.GetColumn(column)->width / CXListCtrl::char_width, 2);
     if (frame.width > 0) {
       if (room <= 0) break;
-      const bool last = column + 1 == list.GetColumnCount();
-      width = last ? room : std::min(width, room);
-      room -= width + 1;
+      width = std::min(width, room);
+      room -= width + 1;  // with the line behind it
     }
     widths.push_back(width);
   }
-  if (widths.empty()) widths.push_back(frame.width > 4 ? frame.width - 2 : 2);
+  if (widths.empty()) return {frame.width > 4 ? frame.width - 2 : 2};
+  if (frame.width > 0) widths.back() += room + 1;
   return widths;
 }
 
@@ -128,7 +149,7 @@ CString DrawHeading(const CXListCtrl& list, const std::vector<int>& widths) {
     const auto column = static_cast<int>(i);
     const ListColumn* const head = list.GetColumn(column);
     line += L'│';
-    if (!head) {
+    if (!head || widths[i] < 2) {
       line += Repeat(L" ", widths[i]);
       continue;
     }
@@ -150,6 +171,10 @@ CString DrawRow(const CXListCtrl& list, int row, const std::vector<int>& widths)
   return line + L'│';
 }
 
+// Around the rows of a list: the upper border, the headings, the line below them, the lower border.
+constexpr int lines_above_rows = 3;
+constexpr int lines_around_rows = lines_above_rows + 1;
+
 // The rows to show: the frame's, but never past the last screenful.
 std::pair<int, int> VisibleRows(int count, Frame frame, int around) {
   const int lines = frame.height > 0 ? std::max(frame.height - around, 0) : count;
@@ -160,7 +185,7 @@ std::pair<int, int> VisibleRows(int count, Frame frame, int around) {
 void MarkScrolling(Lines& rows, bool above, bool below) {
   if (rows.empty()) return;
   if (above) rows.front().back() = L'▲';
-  if (below) rows.back().back() = L'▼';
+  if (below) rows.back().back() = above && rows.size() == 1 ? L'↕' : L'▼';
 }
 
 // --- Entries ---
@@ -171,6 +196,7 @@ struct EntryText {
 };
 
 Lines DrawEntryBox(const std::vector<EntryText>& entries, Frame frame) {
+  frame = Limited(frame);
   int width = frame.width > 4 ? frame.width - 2 : 2;
   if (frame.width <= 0) {
     for (const EntryText& entry : entries) width = std::max(width, TextColumns(*entry.text) + 2);
@@ -186,7 +212,7 @@ Lines DrawEntryBox(const std::vector<EntryText>& entries, Frame frame) {
   MarkScrolling(rows, first > 0, first + lines < count);
   rows.insert(rows.begin(), Rule({width}, L'┌', L'─', L'┐'));
   rows.push_back(Rule({width}, L'└', L'─', L'┘'));
-  return rows;
+  return Clip(std::move(rows), frame);
 }
 
 // --- Dialogs ---
@@ -203,11 +229,43 @@ CString DrawButton(const DialogItem& item) {
   return (is_default ? L'«' : L'[') + label + (is_default ? L'»' : L']');
 }
 
-Lines DrawItem(const CDialog3d& dialog, const DialogItem& item) {
-  using Kind = DialogItem::Kind;
-  if (item.kind == Kind::button || item.kind == Kind::default_button) return {DrawButton(item)};
-  const int top = LinesOf(item.area.top);
-  const Frame frame{ColumnsOf(item.area.Width()), LinesOf(item.area.bottom) - top, 0};
+bool IsButton(const DialogItem& item) {
+  return item.kind == DialogItem::Kind::button || item.kind == DialogItem::Kind::default_button;
+}
+
+// The template at the size of the frame.
+DialogTemplate Stretched(DialogTemplate layout, Frame frame) {
+  constexpr int border = 2;
+  const auto stretch = [](int size, int& begin, int& end, int by) {
+    if (2 * begin > size) begin += by;
+    if (2 * end > size) end += by;
+  };
+  const int wider = frame.width > 0 ? (frame.width - border - ColumnsOf(layout.width)) * 4 : 0;
+  const int higher = frame.height > 0 ? (frame.height - border - LinesOf(layout.height)) * 8 : 0;
+  for (DialogItem& item : layout.items) {
+    CRect& area = item.area;
+    stretch(layout.width, area.left, area.right, wider);
+    stretch(layout.height, area.top, area.bottom, higher);
+  }
+  layout.width += wider;
+  layout.height += higher;
+  return layout;
+}
+
+// In the inside of the dialog, in columns and lines.
+CRect PlaceOf(const DialogItem& item) {
+  const CRect& area = item.area;
+  const int left = ColumnsOf(area.left);
+  const int top = LinesOf(area.top);
+  return {left, top, left + ColumnsOf(area.Width()),
+          IsButton(item) ? top + 1 : LinesOf(area.bottom)};
+}
+
+Lines DrawItem(const CDialog3d& dialog, const DialogItem& item, int first_row) {
+  if (IsButton(item)) return {DrawButton(item)};
+  const CRect place = PlaceOf(item);
+  // A frame without room would be as large as the content.
+  const Frame frame{std::max(place.Width(), 1), std::max(place.Height(), 1), first_row};
   const CWnd* const control = dialog.GetDlgItem(item.id);
   return control ? TextView::Draw(*control, frame) : DrawEntryBox({}, frame);
 }
@@ -244,9 +302,9 @@ class Canvas {
 namespace TextView {
 
 Lines Draw(const CXListCtrl& list, Frame frame) {
-  constexpr int around = 4;  // the two borders, the headings, and the line below them
+  frame = Limited(frame);
   const std::vector<int> widths = ColumnWidths(list, frame);
-  const auto [first, lines] = VisibleRows(list.GetItemCount(), frame, around);
+  const auto [first, lines] = VisibleRows(list.GetItemCount(), frame, lines_around_rows);
   Lines rows;
   for (int row = first; row < first + lines; ++row) rows.push_back(DrawRow(list, row, widths));
   MarkScrolling(rows, first > 0, first + lines < list.GetItemCount());
@@ -255,10 +313,11 @@ Lines Draw(const CXListCtrl& list, Frame frame) {
                 Rule(widths, L'├', L'┼', L'┤')};
   picture.insert(picture.end(), rows.begin(), rows.end());
   picture.push_back(Rule(widths, L'└', L'┴', L'┘'));
-  return picture;
+  return Clip(std::move(picture), frame);
 }
 
 Lines Draw(const CComboBox& combo, Frame frame) {
+  frame = Limited(frame);
   int width = frame.width > 0 ? frame.width - 2 : 0;
   if (frame.width <= 0) {
     for (int i = 0; i < combo.GetCount(); ++i) {
@@ -267,20 +326,23 @@ Lines Draw(const CComboBox& combo, Frame frame) {
   }
   width = std::max(width, 4);
   const CString text = combo.GetLBText(combo.GetCurSel());
-  return {Rule({width}, L'┌', L'─', L'┐'), L"│ " + Fit(text, width - 4) + L" ▾ │",
-          Rule({width}, L'└', L'─', L'┘')};
+  return Clip({Rule({width}, L'┌', L'─', L'┐'), L"│ " + Fit(text, width - 4) + L" ▾ │",
+               Rule({width}, L'└', L'─', L'┘')},
+              frame);
 }
 
-Lines Draw(const CDialog3d& dialog) {
-  const DialogTemplate& layout = dialog.Template();
-  const int width = ColumnsOf(layout.width);
+Lines Draw(const CDialog3d& dialog, Frame frame) {
+  if (dialog.Template().width <= 0) return {};
+  frame = Limited(frame);
+  DialogTemplate layout = Stretched(dialog.Template(), frame);
+  const int width = std::max(ColumnsOf(layout.width), 1);
   Canvas canvas(width, LinesOf(layout.height));
-  std::vector<DialogItem> items = layout.items;
-  std::stable_sort(items.begin(), items.end(), [](const DialogItem& a, const DialogItem& b) {
-    return a.area.left < b.area.left;
-  });
-  for (const DialogItem& item : items) {
-    canvas.Put(ColumnsOf(item.area.left), LinesOf(item.area.top), DrawItem(dialog, item));
+  std::stable_sort(
+      layout.items.begin(), layout.items.end(),
+      [](const DialogItem& a, const DialogItem& b) { return a.area.left < b.area.left; });
+  for (const DialogItem& item : layout.items) {
+    const CRect place = PlaceOf(item);
+    canvas.Put(place.left, place.top, DrawItem(dialog, item, frame.first_row));
   }
   Lines picture = canvas.Finish();
   const CString title = layout.title.empty() ? CString() : L' ' + layout.title + L' ';
@@ -288,13 +350,15 @@ Lines Draw(const CDialog3d& dialog) {
   picture.insert(picture.begin(),
                  L"╒═" + shown + Repeat(L"═", width - 1 - TextColumns(shown)) + L"╕");
   picture.push_back(Rule({width}, L'└', L'─', L'┘'));
-  return picture;
+  return Clip(std::move(picture), frame);
 }
 
 Lines Draw(const CWnd& window, Frame frame) {
   if (const auto* const list = dynamic_cast<const CXListCtrl*>(&window)) return Draw(*list, frame);
   if (const auto* const combo = dynamic_cast<const CComboBox*>(&window)) return Draw(*combo, frame);
-  if (const auto* const dialog = dynamic_cast<const CDialog3d*>(&window)) return Draw(*dialog);
+  if (const auto* const dialog = dynamic_cast<const CDialog3d*>(&window)) {
+    return Draw(*dialog, frame);
+  }
   return {};
 }
 
@@ -316,6 +380,30 @@ Lines DrawEntries(const CXListCtrl& list, int row, int column, Frame frame) {
   std::vector<EntryText> entries;
   for (const auto& [id, text] : *cell->list) entries.push_back({&text, id == cell->selected});
   return DrawEntryBox(entries, frame);
+}
+
+CRect CellPlace(const CXListCtrl& list, int row, int column, Frame frame) {
+  frame = Limited(frame);
+  const std::vector<int> widths = ColumnWidths(list, frame);
+  const auto [first, lines] = VisibleRows(list.GetItemCount(), frame, lines_around_rows);
+  const bool shown = row >= first && row < first + lines && column >= 0 &&
+                     column < static_cast<int>(widths.size());
+  if (!shown || !list.GetCell(row, column)) return {};
+  int left = 1;
+  for (int before = 0; before < column; ++before) {
+    left += widths[static_cast<std::size_t>(before)] + 1;
+  }
+  const int top = lines_above_rows + row - first;
+  return {left, top, left + widths[static_cast<std::size_t>(column)], top + 1};
+}
+
+CRect ItemPlace(const CDialog3d& dialog, int item, Frame frame) {
+  for (const DialogItem& candidate : Stretched(dialog.Template(), Limited(frame)).items) {
+    if (candidate.id != item) continue;
+    const CRect inside = PlaceOf(candidate);
+    return {inside.left + 1, inside.top + 1, inside.right + 1, inside.bottom + 1};
+  }
+  return {};
 }
 
 }  // namespace TextView

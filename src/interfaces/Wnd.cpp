@@ -126,7 +126,7 @@ LRESULT SendMessage(WindowHandle window, unsigned int message, WPARAM w, LPARAM 
 CWnd::CWnd() : handle_(Handles().Add(this)) {}
 
 CWnd::~CWnd() {
-  CloseWindow();
+  CloseWindow(nullptr);
   Handles().Remove(handle_);
 }
 
@@ -137,31 +137,38 @@ bool CWnd::Create(CWnd* parent, int id, CRect area) {
   id_ = id;
   area_ = area;
   exists_ = true;
-  PreSubclassWindow();
-  if (!exists_) return false;
   if (WindowView* const viewer = FindView()) viewer->Shown(*this);
-  return true;
+  const WindowHandle self = handle_;
+  PreSubclassWindow();
+  return ::IsWindow(self);
 }
 
-bool CWnd::DestroyWindow() {
-  if (!CloseWindow()) return false;
-  OnDestroy();
+bool CWnd::DestroyWindow() { return EndWindow(nullptr); }
+
+bool CWnd::EndWindow(WindowView* view_above) {
+  const WindowHandle self = handle_;
+  if (!CloseWindow(view_above)) return false;
+  // A child's end may have deleted this object, or given it a window again.
+  if (Handles().Find(self) && !exists_) OnDestroy();
   return true;
 }
 
 // Everything but the virtual call, for the destructor's sake. The window counts as gone from the
-// first line on, so that whatever a child's end sets off finds no half of it.
-bool CWnd::CloseWindow() {
+// first line on, so that whatever a child's end sets off finds no half of it; children don't find
+// the view above it then, so it is handed down to them.
+bool CWnd::CloseWindow(WindowView* view_above) {
   if (!exists_) return false;
   exists_ = false;
-  WindowView* const viewer = FindView();
+  const WindowHandle self = handle_;
+  WindowView* const own_view = FindView();
+  WindowView* const viewer = own_view ? own_view : view_above;
   if (focus == handle_) focus = WindowHandle::none;
   if (CWnd* const above = GetParent()) std::erase(above->children_, handle_);
   parent_ = WindowHandle::none;
   for (const WindowHandle child : std::exchange(children_, {})) {
-    if (CWnd* const window = Handles().Find(child)) window->DestroyWindow();
+    if (CWnd* const window = Handles().Find(child)) window->EndWindow(viewer);
   }
-  if (viewer) viewer->Gone(handle_);
+  if (viewer) viewer->Gone(self);
   return true;
 }
 
@@ -193,16 +200,27 @@ void CWnd::SetFocus() {
   if (!exists_ || focus == handle_) return;
   const WindowHandle self = handle_;
   const WindowHandle before = std::exchange(focus, self);
-  if (CWnd* const loser = Handles().Find(before)) loser->OnKillFocus(this);
+  if (CWnd* const loser = Handles().Find(before)) loser->LoseFocus(this);
   // The loser may have moved the focus on or destroyed this very window.
   if (focus != self || !::IsWindow(self)) return;
   OnSetFocus(Handles().Find(before));
+  TellChanged(self);
 }
 
 void CWnd::KillFocus() {
   if (focus != handle_) return;
   focus = WindowHandle::none;
-  OnKillFocus(nullptr);
+  LoseFocus(nullptr);
+}
+
+void CWnd::LoseFocus(CWnd* winner) {
+  const WindowHandle self = handle_;
+  OnKillFocus(winner);
+  TellChanged(self);
+}
+
+void CWnd::TellChanged(WindowHandle window) {
+  if (CWnd* const object = Handles().Find(window)) object->NotifyChanged();
 }
 
 bool CWnd::HasFocus() const { return focus == handle_; }

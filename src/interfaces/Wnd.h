@@ -10,11 +10,11 @@
 // window lives from Create to DestroyWindow, and the parent's end is its end too. A handler of a
 // message may destroy any window and delete any object, also the one that is sending. So whoever
 // has to speak to a window more than once, or works on after it has sent a message, holds a
-// WindowHandle and no pointer: a handle is never given out twice, and a message to a handle whose
-// window is gone goes nowhere.
+// WindowHandle and no pointer. A handle names one object for its whole life and no other ever; a
+// message to it goes nowhere while the object has no window.
 //
-// A window, with everything that it holds, belongs to one thread: the one that uses it. Handles may
-// be made and asked for on any thread.
+// A window, with its handle and everything that it holds, belongs to one thread: the one that uses
+// it. Windows of different threads don't disturb each other.
 #pragma once
 
 #include <cstdint>
@@ -107,11 +107,12 @@ KESTRIN_API LRESULT SendMessage(WindowHandle window, unsigned int message, WPARA
 class KESTRIN_API WindowView {
  public:
   virtual ~WindowView() = default;
-  // The window exists now, and its PreSubclassWindow has run.
+  // The window exists now; a parent is shown before its children. What it holds comes with Changed.
   virtual void Shown(CWnd& window) = 0;
-  // Something of its picture is different. Called often: mark the window and draw later.
+  // Something of its picture is different, and be it the focus. Called often: mark the window and
+  // draw later.
   virtual void Changed(CWnd& window) = 0;
-  // The window is gone.
+  // The window is gone; children go before their parent.
   virtual void Gone(WindowHandle window) = 0;
 };
 
@@ -125,8 +126,9 @@ class KESTRIN_API CWnd {
   CWnd& operator=(const CWnd&) = delete;
 
   // Gives the object its window and runs PreSubclassWindow. A parent must have a window itself; its
-  // end destroys this window. `area` is the place within the parent, in its units. False, and
-  // nothing done, if the object has a window already or the parent has none.
+  // end destroys this window. `id` is a number from 0 to 65535 that tells it from its siblings,
+  // `area` the place within the parent, in its units. False, and nothing done, if the object has a
+  // window already or the parent has none; false also if PreSubclassWindow gave it up again.
   bool Create(CWnd* parent, int id = 0, CRect area = {});
 
   // Destroys the window, its children first. The object stays and can be given a window again.
@@ -135,7 +137,6 @@ class KESTRIN_API CWnd {
 
   WindowHandle Handle() const { return handle_; }
   bool IsWindow() const { return exists_; }
-  int GetDlgCtrlID() const { return id_; }
   CRect Area() const { return area_; }
 
   // Null if there is no parent or its object is gone.
@@ -163,12 +164,14 @@ class KESTRIN_API CWnd {
   void KillFocus();
   bool HasFocus() const;
 
-  // `view` is told of this window and of all windows below that have no view of their own. It must
-  // outlive its place here; null takes it away.
+  // From now on `view` is told of this window and of all windows below that have no view of their
+  // own; of those that are there already it hears with their next change. It must outlive its place
+  // here; null takes it away.
   void SetView(WindowView* view) { view_ = view; }
 
  protected:
-  // The window is there: the place to set it up.
+  // The window is there: the place to set it up. This and the next may set off anything, like the
+  // handler of a message.
   virtual void PreSubclassWindow() {}
   // The window is gone: the place to drop what only a window holds. Not called when the object
   // itself ends.
@@ -187,7 +190,10 @@ class KESTRIN_API CWnd {
   friend LRESULT SendMessage(WindowHandle window, unsigned int message, WPARAM w, LPARAM l);
 
   WindowView* FindView() const;
-  bool CloseWindow();
+  void LoseFocus(CWnd* winner);
+  static void TellChanged(WindowHandle window);
+  bool EndWindow(WindowView* view_above);
+  bool CloseWindow(WindowView* view_above);
 
   const WindowHandle handle_;
   bool exists_ = false;

@@ -24,7 +24,7 @@ int CXListCtrl::InsertColumn(int column, std::wstring_view heading, ColumnFormat
                              int /*sub_item*/) {
   const int place = Place(column, GetColumnCount());
   columns_.insert(columns_.begin() + place,
-                  ListColumn{CString(heading), format, std::max(width, 0)});
+                  ListColumn{CString(heading), format, std::clamp(width, 0, largest_width)});
   for (Row& row : rows_) row.cells.insert(row.cells.begin() + place, ListCell{});
   ContentChanged();
   return place;
@@ -32,6 +32,7 @@ int CXListCtrl::InsertColumn(int column, std::wstring_view heading, ColumnFormat
 
 void CXListCtrl::DeleteAllColumns() {
   columns_.clear();
+  header_state_set_ = false;
   DeleteAllItems();
 }
 
@@ -49,7 +50,7 @@ bool CXListCtrl::AutosizeColumnWidth(int column) {
       const int arrow = cell.list ? 2 * char_width : 0;
       content = std::max(content, TextColumns(cell.text) * char_width + box + arrow);
     }
-    columns_[index].width = content + 2 * cell_margin;
+    columns_[index].width = std::min(content + 2 * cell_margin, largest_width);
   }
   ContentChanged();
   return true;
@@ -122,7 +123,7 @@ bool CXListCtrl::GetEnabled(int row) const {
 }
 
 void CXListCtrl::SetBatchInsertMode(bool on) {
-  batch_ = on;
+  batches_ = on ? batches_ + 1 : std::max(batches_ - 1, 0);
   ContentChanged();
 }
 
@@ -232,7 +233,8 @@ void CXListCtrl::SetHeaderAutoCheckbox(bool on) {
 }
 
 bool CXListCtrl::SetHeaderCheckedState(int column, int state) {
-  if (GetHeaderCheckedState(column) == -1) return false;
+  const bool is_state = state == unchecked || state == checked || state == mixed;
+  if (!is_state || GetHeaderCheckedState(column) == -1) return false;
   header_state_ = state;
   header_state_set_ = true;
   ContentChanged();
@@ -308,6 +310,7 @@ void CXListCtrl::Click(CPoint point, unsigned int flags) {
 bool CXListCtrl::ClickCell(int row, int column, unsigned int flags) {
   CRect area;
   if (!IsWindow() || !GetSubItemRect(row, column, CellArea::label, area)) return false;
+  if (area.Width() == 0) return false;
   Click({area.left + area.Width() / 2, area.top + area.Height() / 2}, flags);
   return true;
 }
@@ -373,11 +376,10 @@ void CXListCtrl::OnColumnClick(const HeadingClick& notification, LRESULT& result
 void CXListCtrl::OnDestroy() {
   DeleteAllColumns();
   auto_check_box_ = false;
-  header_state_set_ = false;
   extended_style_ = 0;
-  batch_ = false;
+  batches_ = 0;
 }
 
 void CXListCtrl::ContentChanged() {
-  if (!batch_) NotifyChanged();
+  if (batches_ == 0) NotifyChanged();
 }

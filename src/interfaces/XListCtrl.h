@@ -76,6 +76,7 @@ class KESTRIN_API CXListCtrl : public CWnd {
   static constexpr int char_width = 6;
   static constexpr int cell_margin = 6;       // at each side of a text
   static constexpr int check_box_width = 24;  // in front of the text, the margin apart
+  static constexpr int largest_width = 32767;
 
   // Called after the user has chosen an entry in a drop-down. It may do anything, also fill the
   // list anew or delete it.
@@ -87,7 +88,8 @@ class KESTRIN_API CXListCtrl : public CWnd {
   const ListColumn* GetColumn(int column) const;  // null on a miss
 
   // The number of the new column. A number beyond the last appends. Cells of rows that are there
-  // are moved along. `sub_item` -1, the only value in use: a column shows its own cells.
+  // are moved along. Widths run from 0 to `largest_width`. `sub_item` -1, the only value in use: a
+  // column shows its own cells.
   int InsertColumn(int column, std::wstring_view heading, ColumnFormat format, int width,
                    int sub_item = -1);
 
@@ -119,7 +121,7 @@ class KESTRIN_API CXListCtrl : public CWnd {
   bool SetEnabled(int row, bool enabled);
   bool GetEnabled(int row) const;
 
-  // Brackets a run of insertions: views hear nothing of it before the end.
+  // Brackets a run of insertions: views hear nothing of it before the end. Brackets nest.
   void SetBatchInsertMode(bool on);
 
   // --- Cells ---
@@ -153,7 +155,7 @@ class KESTRIN_API CXListCtrl : public CWnd {
   // Gives column 0 a check box that the list keeps by itself: it follows the rows, and the user's
   // click on the heading carries over to them.
   void SetHeaderAutoCheckbox(bool on);
-  // Holds until a check box of the column changes or comes.
+  // Holds until a check box of the column changes or comes. False for a state that isn't one.
   bool SetHeaderCheckedState(int column, int state);
   // `checked` if all check boxes of the rows are checked, `unchecked` if none is, else `mixed`. -1
   // for a column without this check box.
@@ -172,7 +174,8 @@ class KESTRIN_API CXListCtrl : public CWnd {
 
   // Presses the left button at a point, with `MouseFlags`. On a heading the same as ClickHeading.
   void Click(CPoint point, unsigned int flags = mouse_left);
-  // As Click, in the middle of a cell's text. False, and nothing done, if there is no such cell.
+  // As Click, in the middle of a cell's text. False, and nothing done, if there is no such cell or
+  // its text has no room.
   bool ClickCell(int row, int column, unsigned int flags = mouse_left);
   bool ClickHeading(int column);
   // Both refuse a disabled row and a cell without that control, and the first an id that is not in
@@ -210,7 +213,7 @@ class KESTRIN_API CXListCtrl : public CWnd {
   std::vector<ListColumn> columns_;
   std::vector<Row> rows_;
   unsigned int extended_style_ = 0;
-  bool batch_ = false;
+  int batches_ = 0;  // that are open
   bool auto_check_box_ = false;
   int header_state_ = unchecked;
   bool header_state_set_ = false;  // by SetHeaderCheckedState, and not overtaken by the rows yet

@@ -59,6 +59,15 @@ bool LooksLikeNumber(const std::string& cell) {
          cell.find_first_not_of("0123456789.+-e") == std::string::npos;
 }
 
+// Whether all cells of a column are numbers, as far as there is something in them.
+bool IsOfNumbers(const std::vector<std::vector<std::string>>& rows, std::size_t column) {
+  return std::all_of(rows.begin(), rows.end(), [column](const auto& row) {
+    if (column >= row.size()) return true;
+    const std::string& cell = row[column];
+    return cell.empty() || cell == "null" || LooksLikeNumber(cell);
+  });
+}
+
 // Places on a terminal: one a character, without combining marks and wide characters being told
 // apart.
 std::size_t Width(const std::string& utf8) {
@@ -102,6 +111,8 @@ void DataBase::RequireMode(int mode) const {
 }
 
 CommandLine::CommandLine() {
+  app.set_version_flag("--version", "kestrindb " + std::string(LibraryVersion()),
+                       "Print the version and exit");
   std::string tags;
   for (const Language& language : Languages()) {
     tags += (tags.empty() ? "" : ", ") + std::string(language.tag);
@@ -144,18 +155,20 @@ void PrintTable(const std::vector<std::string>& headings,
   for (const auto& row : rows) {
     for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], Width(row[i]));
   }
-  const auto print = [&widths](const std::vector<std::string>& row) {
+  const auto print = [&widths](const std::vector<std::string>& row, const auto& to_the_right) {
     std::string line;
     for (std::size_t i = 0; i < row.size(); ++i) {
       const std::string gap(widths[i] - Width(row[i]), ' ');
       if (i != 0) line += "  ";
-      line += LooksLikeNumber(row[i]) ? gap + row[i] : row[i] + gap;
+      line += to_the_right(i) ? gap + row[i] : row[i] + gap;
     }
     line.erase(line.find_last_not_of(' ') + 1);
     std::cout << line << '\n';
   };
-  print(headings);
-  for (const auto& row : rows) print(row);
+  std::vector<bool> is_of_numbers;
+  for (std::size_t i = 0; i < headings.size(); ++i) is_of_numbers.push_back(IsOfNumbers(rows, i));
+  print(headings, [](std::size_t) { return false; });
+  for (const auto& row : rows) print(row, [&](std::size_t i) { return is_of_numbers[i]; });
 }
 
 }  // namespace kestrindb

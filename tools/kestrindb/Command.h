@@ -21,6 +21,8 @@ enum Status : int {
   fine = 0,
   data_bad = 1,       // the data base was refused, or lines of it were bad
   file_unusable = 2,  // the file is missing, a folder or unreadable
+  cancelled = 3,      // the user wanted no answer
+  no_terminal = 4,    // there is none, or none that can show a screen
 };
 
 // Ends a command: one clear sentence for standard error, and the exit status.
@@ -86,7 +88,7 @@ std::wstring Wide(std::string_view text);
 
 void Print(const Json& json);
 
-// A table for a terminal: columns aligned, numbers (cells that look like one) to the right.
+// A table for a terminal: columns aligned, those with nothing but numbers to the right.
 void PrintTable(const std::vector<std::string>& headings,
                 const std::vector<std::vector<std::string>>& rows);
 
@@ -98,6 +100,7 @@ void AddDump(CommandLine& line);
 void AddTables(CommandLine& line);
 void AddMode(CommandLine& line);
 void AddKey(CommandLine& line);
+void AddPick(CommandLine& line);
 void AddChannel(CommandLine& line);
 void AddRotors(CommandLine& line);
 void AddCalc(CommandLine& line);
@@ -105,5 +108,6 @@ void AddOrder(CommandLine& line);
 void AddIntervals(CommandLine& line);
 void AddPolygon(CommandLine& line);
 void AddTrigger(CommandLine& line);
+void AddBench(CommandLine& line);
 
 }  // namespace kestrindb

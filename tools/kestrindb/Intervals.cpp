@@ -124,10 +124,10 @@ void PrintAsText(const Json& json) {
              rows);
 }
 
-// --- The picture: a chart for each unit that occurs, in it a row for each parameter
-// ---------------
+// --- The picture: a chart for each unit that occurs, in it a row for each parameter ---------
 
-constexpr double plot_left = 232;
+constexpr double names_left = 12;
+constexpr double names_gap = 12;  // between the names and the plot
 constexpr double plot_right = 610;
 constexpr double lines_left = 624;
 constexpr double row_height = 22;
@@ -174,12 +174,19 @@ struct Row {
   std::vector<Json> intervals;
 };
 
+// Where a plot may begin: behind the longest name of its rows.
+double PlotLeft(const std::vector<Row>& rows) {
+  double width = 0;
+  for (const Row& row : rows) width = std::max(width, Svg::WidthOf(row.name));
+  return names_left + width + names_gap;
+}
+
 std::vector<Row> RowsOf(const Json& parameters, const std::string& unit) {
   std::vector<Row> rows;
   for (const Json& parameter : parameters) {
     const std::string name = String(parameter["name"]);
     const std::string id = parameter["parameter"].dump();
-    Row row{name.empty() ? id : Shortened(name, 26) + " (" + id + ")", {}};
+    Row row{name.empty() ? id : Shortened(name, 32) + " (" + id + ")", {}};
     for (const Json& interval : parameter["intervals"]) {
       if (interval["unit"] == unit) row.intervals.push_back(interval);
     }
@@ -189,7 +196,7 @@ std::vector<Row> RowsOf(const Json& parameters, const std::string& unit) {
 }
 
 // From the lowest to the highest bound, with room for a few lines beside them.
-Axis AxisOf(const std::vector<Row>& rows, double resolution) {
+Axis AxisOf(const std::vector<Row>& rows, double resolution, double plot_left) {
   std::optional<double> low;
   double high = 0;
   for (const Row& row : rows) {
@@ -206,7 +213,7 @@ Axis AxisOf(const std::vector<Row>& rows, double resolution) {
 // One parameter; an interval of less than a few units' width stays visible.
 void DrawRow(Svg& svg, const Axis& axis, const Row& row, double top) {
   std::string lines;
-  svg.Text({plot_left - 12, top + 15}, row.name, Svg::Anchor::end);
+  svg.Text({axis.LowPlace() - names_gap, top + 15}, row.name, Svg::Anchor::end);
   for (const Json& interval : row.intervals) {
     const std::string text = LinesText(interval);
     if (!lines.ends_with(text)) lines += (lines.empty() ? "" : ", ") + text;
@@ -217,17 +224,17 @@ void DrawRow(Svg& svg, const Axis& axis, const Row& row, double top) {
     svg.Box({from - widening, top + 4}, {to + widening, top + row_height - 4}, Svg::data,
             row.name + ": " + BoundsText(interval) + ", lines " + text);
   }
-  svg.Text({lines_left, top + 15}, Shortened(lines, 28), Svg::Anchor::start, Svg::faint_ink);
+  svg.Text({lines_left, top + 15}, Shortened(lines, 24), Svg::Anchor::start, Svg::faint_ink);
 }
 
 void DrawChart(Svg& svg, const std::vector<Row>& rows, const std::string& unit, double resolution,
-               double top) {
+               double plot_left, double top) {
   const double bottom = top + row_height * static_cast<double>(rows.size());
   for (std::size_t i = 0; i < rows.size(); i += 2) {
     const double stripe = top + row_height * static_cast<double>(i);
     svg.Box({8, stripe}, {Svg::width - 8, stripe + row_height}, Svg::stripe);
   }
-  const Axis axis = AxisOf(rows, resolution);
+  const Axis axis = AxisOf(rows, resolution, plot_left);
   axis.DrawBelow(svg, top, bottom, unit == "orders" ? "order" : "frequency in " + unit);
   double row_top = top;
   for (const Row& row : rows) {
@@ -243,10 +250,12 @@ void SavePicture(const Json& json, const std::string& unit, const std::string& f
   };
   std::vector<Chart> charts;
   double height = head_height;
+  double plot_left = 0;
   for (const std::string& each : {std::string("orders"), unit}) {
     Chart chart{each, RowsOf(json["parameters"], each)};
     if (chart.rows.empty() || (!charts.empty() && charts.front().unit == each)) continue;
     height += row_height * static_cast<double>(chart.rows.size()) + axis_height;
+    plot_left = std::max(plot_left, PlotLeft(chart.rows));
     charts.push_back(std::move(chart));
   }
   Svg svg(height);
@@ -260,7 +269,7 @@ void SavePicture(const Json& json, const std::string& unit, const std::string& f
   const double resolution = json["resolution"].is_number() ? json["resolution"].get<double>() : 0.0;
   double top = head_height;
   for (const Chart& chart : charts) {
-    DrawChart(svg, chart.rows, chart.unit, resolution, top);
+    DrawChart(svg, chart.rows, chart.unit, resolution, plot_left, top);
     top += row_height * static_cast<double>(chart.rows.size()) + axis_height;
   }
   svg.Save(file_name);

@@ -1,9 +1,9 @@
 // kestrindb key FILE ID ID ID ID ID ID: a key in all texts that the library has for it.
 
+#include "Key.h"
+
 #include <iostream>
 #include <memory>
-
-#include "Command.h"
 
 namespace kestrindb {
 namespace {
@@ -24,7 +24,14 @@ Json Describe(const CQtParamInstance& params, const QClavis& key, const std::wst
   return json;
 }
 
+std::string Ids(const Json& json) {
+  std::string ids;
+  for (const Json& id : json["key"]) ids += (ids.empty() ? "" : " ") + id.dump();
+  return ids;
+}
+
 void PrintAsText(const Json& json) {
+  std::cout << "ids                   " << Ids(json) << '\n';
   const auto print = [&json](const char* heading, const char* text) {
     std::cout << heading << json[text].get<std::string>() << '\n';
   };
@@ -38,6 +45,23 @@ void PrintAsText(const Json& json) {
 
 }  // namespace
 
+void PrintKey(const CQtParamInstance& params, const QClavis& key, const std::string& separator,
+              bool as_json) {
+  const Json json = Describe(params, key, Wide(separator));
+  as_json ? Print(json) : PrintAsText(json);
+}
+
+CLI::Option* AddIds(CLI::App& command, std::vector<int>& ids) {
+  return command
+      .add_option("ID", ids,
+                  "Ids of mode, instrument, channel, location, parameter and sensor; -1: no value")
+      ->expected(Clavis::element_count);
+}
+
+void AddSeparator(CLI::App& command, std::string& separator) {
+  command.add_option("--separator", separator, "Separator of the nice text");
+}
+
 void AddKey(CommandLine& line) {
   auto file = std::make_shared<std::string>();
   auto ids = std::make_shared<std::vector<int>>();
@@ -45,17 +69,12 @@ void AddKey(CommandLine& line) {
   CLI::App* command = line.Add("key", "All texts of a key", [file, ids, separator, &line] {
     const DataBase data(*file);
     data.RequireAccepted();
-    const Json json = Describe(data.params, QClavis(CClavis(ids->data())), Wide(*separator));
-    line.json ? Print(json) : PrintAsText(json);
+    PrintKey(data.params, QClavis(CClavis(ids->data())), *separator, line.json);
     return data.LoadStatus();
   });
   command->add_option("FILE", *file, "Parameter file")->required();
-  command
-      ->add_option("ID", *ids,
-                   "Ids of mode, instrument, channel, location, parameter and sensor; -1: no value")
-      ->required()
-      ->expected(Clavis::element_count);
-  command->add_option("--separator", *separator, "Separator of the nice text");
+  AddIds(*command, *ids)->required();
+  AddSeparator(*command, *separator);
 }
 
 }  // namespace kestrindb

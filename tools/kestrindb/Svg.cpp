@@ -103,6 +103,11 @@ void Svg::Dot(Point centre, std::string_view colour, std::string_view note) {
            Attribute("fill", colour) + Closed("circle", note);
 }
 
+double Svg::WidthOf(std::string_view text) {
+  constexpr double column_width = 7.2;
+  return column_width * TextColumns(Wide(text));
+}
+
 void Svg::Text(Point at, std::string_view text, Anchor anchor, std::string_view colour, int size) {
   body_ += "<text" + Attribute("x", at.x) + Attribute("y", at.y) +
            TextAttributes(anchor, colour, size) + ">" + Escaped(text) + "</text>\n";

@@ -36,6 +36,9 @@ class Svg {
   // The notes are shown where a viewer's pointer rests on a shape.
   void Box(Point corner, Point opposite, std::string_view colour, std::string_view note = {});
   void Dot(Point centre, std::string_view colour, std::string_view note = {});
+  // About what a line of text (UTF-8) takes at the usual size, rather too much than too little:
+  // viewers choose the font.
+  static double WidthOf(std::string_view text);
   // A line of text (UTF-8) on the base line through `at`.
   void Text(Point at, std::string_view text, Anchor anchor = Anchor::start,
             std::string_view colour = ink, int size = 12);
@@ -58,6 +61,7 @@ class Axis {
   Axis(double low, double high, double low_place, double high_place);
 
   double At(double value) const;
+  double LowPlace() const { return low_place_; }
 
   // Round values, about as many as there are steps of that many units.
   std::vector<double> Ticks(double distance) const;

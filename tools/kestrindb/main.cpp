@@ -1,8 +1,9 @@
 // kestrindb, the command-line host of lKestrinDb: loads a parameter file and asks it.
 //
 // Answers go to standard output, the library's log to standard error. Exit status 0: fine; 1: the
-// data base was refused or lines of it were bad; 2: the file can't be used; beyond that, the
-// command line itself was wrong.
+// data base was refused or lines of it were bad; 2: the file can't be used; 3: the user cancelled;
+// 4: there is no terminal for a command that needs one; beyond that, the command line itself was
+// wrong.
 
 #include <exception>
 #include <iostream>
@@ -20,6 +21,7 @@ int main(int argc, char** argv) {
     kestrindb::AddCheck(line);
     kestrindb::AddMode(line);
     kestrindb::AddKey(line);
+    kestrindb::AddPick(line);
     kestrindb::AddChannel(line);
     kestrindb::AddRotors(line);
     kestrindb::AddCalc(line);
@@ -27,6 +29,7 @@ int main(int argc, char** argv) {
     kestrindb::AddIntervals(line);
     kestrindb::AddPolygon(line);
     kestrindb::AddTrigger(line);
+    kestrindb::AddBench(line);
     CLI11_PARSE(line.app, argc, argv);
     if (!std::cout.flush()) {
       throw kestrindb::Failure(kestrindb::file_unusable, "The answer can't be written.");

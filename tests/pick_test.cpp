@@ -1,0 +1,300 @@
+// Choosing a key at a terminal: the keys do what they say, a search finds what a user means, no
+// screen is too small, and the answer comes out clean while the screen is in use.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <pty.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "../tools/kestrindb/KeyPicker.h"
+#include "test_store.h"
+
+namespace {
+
+using kestrindb::Key;
+using kestrindb::KeyPicker;
+using kestrindb::ScreenPicture;
+
+CClavis KeyOf(const std::array<int, Clavis::element_count>& ids) { return CClavis(ids.data()); }
+
+// --- Without a terminal ---
+
+class PickKeys : public testing::Test {
+ protected:
+  PickKeys() {
+    SetUserLanguage("en");
+    const testing_support::Log log;
+    testing_support::FillCandidateLake(std::string(testing_support::version) + R"(
+<TInstrument>: {
+1 "Summenpegel"
+2 "Örtlicher Pegel"
+3 "Pegel über Zeit"
+4 "RMS"
+}
+<TInstrumentParam>: {
+11 3 "A"
+12 3 "B"
+13 4 "C"
+}
+)");
+    EXPECT_TRUE(params_.ReadTablesFromCandidateLake());
+    CParameterLake::Lake().clear();
+  }
+  ~PickKeys() override { params_.PurgeTables(); }
+
+  static void Press(KeyPicker& picker, std::initializer_list<Key> keys) {
+    for (const Key key : keys) picker.Press(key);
+  }
+
+  // The uppermost picture, with the marked line between > and <.
+  static std::string Shown(KeyPicker& picker, kestrindb::ScreenSize screen = {80, 24}) {
+    const ScreenPicture picture = picker.Draw(screen);
+    std::string shown;
+    for (const ScreenPicture::Layer& layer : picture.layers) {
+      if (layer.lines.size() == 1) continue;  // the help, what was typed
+      shown.clear();
+      int y = layer.y;
+      for (const CString& line : layer.lines) {
+        const bool marked = y++ == picture.mark.top;
+        shown += (marked ? ">" : " ") + Text::ToUtf8(line) + (marked ? "<\n" : "\n");
+      }
+    }
+    return shown;
+  }
+
+  CQtParamInstance params_;
+};
+
+TEST_F(PickKeys, RowsDropDownsAndButtonsAreWorkedByKeys) {
+  KeyPicker picker(KeyOf({-1, 3, -1, -1, 12, 7}));
+  Press(picker, {Key::backspace, Key::left, Key::up, Key::down});
+  EXPECT_EQ(Shown(picker),
+            " ╒═ Key Specification ══════════════════════╕\n"
+            " │                                          │\n"
+            " │  ┌────────────┬────────────────────────┐ │\n"
+            " │  │ Section    │ Value                  │ │\n"
+            " │  ├────────────┼────────────────────────┤ │\n"
+            " │  │ test step  │ —                    ▾ │ │\n"
+            ">│  │ instrument │ Pegel über Zeit      ▾ │ │<\n"
+            " │  │ channel    │ —                    ▾ │ │\n"
+            " │  │ object     │ —                    ▾ │ │\n"
+            " │  │ parameter  │ B                    ▾ │ │\n"
+            " │  │ sensor     │ (sensor 7)           ▾ │ │\n"
+            " │  └────────────┴────────────────────────┘ │\n"
+            " │  [  Cancel   ]             «    OK     » │\n"
+            " │                                          │\n"
+            " │                                          │\n"
+            " └──────────────────────────────────────────┘\n");
+  Press(picker, {Key::enter, Key::down});
+  EXPECT_EQ(Shown(picker),
+            " ┌─────────────────┐\n"
+            " │ —               │\n"
+            " │ Summenpegel     │\n"
+            " │ Örtlicher Pegel │\n"
+            " │ Pegel über Zeit │\n"
+            ">│▐RMS            ▌│<\n"
+            " └─────────────────┘\n");
+  Press(picker, {Key::escape, Key::enter, Key::end, Key::enter});  // the first Enter opens anew
+  Press(picker, {Key::down, Key::down, Key::down, Key::down, Key::down});
+  EXPECT_NE(Shown(picker).find(">│  [  Cancel   ]             «    OK     » │<"),
+            std::string::npos);
+  Press(picker, {Key::down, Key::right, Key::up, Key::end, Key::left, Key::right, Key::enter});
+  EXPECT_FALSE(picker.IsOpen());
+  EXPECT_EQ(picker.Chosen(), KeyOf({-1, 4, -1, -1, -1, 7}));
+
+  KeyPicker other(KeyOf({-1, 3, -1, -1, 12, 7}));
+  Press(other, {Key::end, Key::left, Key::enter, Key::enter});
+  other.Type(L"x");
+  EXPECT_FALSE(other.IsOpen());
+  EXPECT_EQ(other.Chosen(), std::nullopt);
+}
+
+TEST_F(PickKeys, ASearchTakesBeginningsFirstAndAnyCase) {
+  KeyPicker picker{CClavis()};
+  picker.Press(Key::down);
+  picker.Type(L"PE");
+  picker.Type(L"GEL");
+  EXPECT_EQ(Shown(picker),
+            " ┌─────────────────┐\n"
+            ">│▐Pegel über Zeit▌│<\n"
+            " │ Summenpegel     │\n"
+            " │ Örtlicher Pegel │\n"
+            " └─────────────────┘\n");
+  picker.Type(L"\xD83D\xDE00");
+  EXPECT_EQ(Shown(picker), " ┌─────────────────┐\n>└─────────────────┘<\n");
+  picker.Press(Key::enter);  // nothing is left to choose
+  Press(picker, {Key::backspace, Key::end});
+  EXPECT_NE(Shown(picker).find(">│▐Örtlicher Pegel▌│<"), std::string::npos);
+  Press(picker, {Key::escape, Key::down, Key::up});
+  picker.Type(L"ÖRT");
+  Press(picker, {Key::enter, Key::end, Key::enter});
+  EXPECT_EQ(picker.Chosen(), KeyOf({-1, 2, -1, -1, -1, -1}));
+}
+
+TEST_F(PickKeys, NoScreenIsTooSmall) {
+  for (const int width : {1, 2, 3, 10, 24, 40, 200}) {
+    for (const int height : {1, 2, 5, 11, 12, 100}) {
+      const kestrindb::ScreenSize screen{width, height};
+      KeyPicker picker(KeyOf({-1, 3, -1, -1, 12, 7}));
+      picker.Draw(screen);
+      Press(picker, {Key::down, Key::down, Key::down});
+      const CRect row = picker.Draw(screen).mark;
+      picker.Press(Key::up);
+      picker.Press(Key::up);
+      picker.Type(L"e");
+      const CRect entry = picker.Draw(screen).mark;
+      if (width < 24 || height < 11) continue;
+      for (const CRect& mark : {row, entry}) {
+        EXPECT_TRUE(mark.top >= 0 && mark.bottom <= height && mark.left > 0 && mark.right < width)
+            << width << "x" << height << ": " << mark.left << ' ' << mark.top;
+      }
+      EXPECT_NE(Shown(picker, screen).find(">│▐Summenpegel "), std::string::npos);
+    }
+  }
+}
+
+// --- At a terminal ---
+
+// kestrindb at a pseudo terminal, its standard output in a pipe.
+class Session {
+ public:
+  explicit Session(std::vector<std::string> arguments, const char* terminal = "xterm") {
+    arguments.insert(arguments.begin(), {KESTRINDB, "pick", KESTRIN_SAMPLES "/gearbox.par"});
+    std::vector<char*> argv;
+    for (std::string& argument : arguments) argv.push_back(argument.data());
+    argv.push_back(nullptr);
+    int ends[2];
+    EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    const winsize size{24, 80, 0, 0};
+    child_ = forkpty(&tty_, nullptr, nullptr, &size);
+    if (child_ == 0) {
+      setenv("TERM", terminal, 1);
+      setenv("LC_ALL", "C", 1);
+      dup2(ends[1], STDOUT_FILENO);
+      execv(KESTRINDB, argv.data());
+      _exit(127);
+    }
+    close(ends[1]);
+    answer_ = ends[0];
+  }
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+  ~Session() {
+    if (child_ > 0) End();
+    close(tty_);
+    close(answer_);
+  }
+
+  // False if the screen doesn't show the text from here on.
+  bool WaitFor(std::string_view text) {
+    for (;;) {
+      const std::size_t found = screen_.find(text, seen_);
+      if (found != std::string::npos) {
+        seen_ = found + text.size();
+        return true;
+      }
+      if (!Read(tty_, screen_)) return false;
+    }
+  }
+
+  void Send(std::string_view keys) {
+    EXPECT_EQ(write(tty_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+  }
+
+  void Resize(unsigned short lines, unsigned short columns) {
+    const winsize size{lines, columns, 0, 0};
+    EXPECT_EQ(ioctl(tty_, TIOCSWINSZ, &size), 0);
+  }
+
+  // The exit status, -1 for none: one that is still running is given up.
+  int End() {
+    while (Read(tty_, screen_)) {
+    }
+    while (Read(answer_, answer)) {
+    }
+    if (timed_out_) kill(child_, SIGKILL);
+    int status = 0;
+    waitpid(child_, &status, 0);
+    child_ = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+  const std::string& Screen() const { return screen_; }
+  std::string answer;  // after the end
+
+ private:
+  // False at the end of what the child writes, and when it writes nothing for a long time.
+  bool Read(int file, std::string& text) {
+    constexpr int long_time = 60'000;  // ms
+    pollfd waiting{file, POLLIN, 0};
+    if (!timed_out_) timed_out_ = poll(&waiting, 1, long_time) == 0;
+    if (timed_out_) return false;
+    char buffer[4096];
+    const ssize_t count = read(file, buffer, sizeof buffer);
+    if (count > 0) text.append(buffer, static_cast<std::size_t>(count));
+    return count > 0;
+  }
+
+  pid_t child_ = -1;
+  int tty_ = -1;
+  int answer_ = -1;
+  bool timed_out_ = false;
+  std::string screen_;
+  std::size_t seen_ = 0;
+};
+
+constexpr const char* restored_screen = "\x1B[?1049l";
+
+TEST(PickAtTerminal, AnswersWhatTheUserHasConfirmed) {
+  const std::string another_instrument = "\tOrder spectrum\r";
+  const std::string ok = "\x1BOF\r";
+  const struct {
+    std::vector<std::string> options;
+    std::string keys;
+    int status;
+    std::string answer;  // how it begins; nothing is nothing at all
+  } cases[] = {
+      {{}, another_instrument + ok, 0, "ids                   130 2500 -1 -1 -1 -1\nnames only  "},
+      {{"--bare"}, ok, 0, "130 1700 -1 -1 17001 -1\n"},
+      {{"--json"}, ok, 0, "{\n  \"key\": [\n    130,\n    1700,"},
+      {{"--ids"}, another_instrument + "\x1B", 3, ""},
+      {{}, "\x03", 3, ""},
+  };
+  for (const auto& [options, keys, status, answer] : cases) {
+    std::vector<std::string> arguments{"130", "1700", "-1", "-1", "17001", "-1", "--lang", "de"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    Session session(arguments);
+    ASSERT_TRUE(session.WaitFor("Schlüssel-Spezifikation")) << session.Screen();
+    ASSERT_TRUE(session.WaitFor("Mesh 1 H1")) << session.Screen();
+    session.Send(keys);
+    EXPECT_EQ(session.End(), status) << session.Screen();
+    EXPECT_EQ(session.answer.substr(0, answer.empty() ? std::string::npos : answer.size()), answer);
+    EXPECT_NE(session.Screen().find(restored_screen), std::string::npos);
+  }
+}
+
+TEST(PickAtTerminal, FollowsTheWindowAndRefusesWhatIsNoScreen) {
+  Session session({"--lang", "en"});
+  ASSERT_TRUE(session.WaitFor("Esc leaves"));
+  session.Resize(12, 60);
+  ASSERT_TRUE(session.WaitFor("▼")) << session.Screen();
+  session.Send("\x1B[1;5A");  // no key of the picker, and not Esc either
+  session.Resize(24, 80);
+  ASSERT_TRUE(session.WaitFor("sensor")) << session.Screen();
+  session.Send("\x03");
+  EXPECT_EQ(session.End(), 3);
+
+  Session dumb({}, "dumb");
+  EXPECT_EQ(dumb.End(), 4);
+  EXPECT_NE(dumb.Screen().find("TERM"), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,111 @@
+// The key editor at a keyboard, without any terminal: keys come in and become gestures on the
+// dialog, pictures come out.
+//
+// One stop of the dialog is marked: a row that takes input, or a button. The arrow keys move the
+// mark, Enter works what is marked. Enter on a row opens its drop-down, and so does a character,
+// which then begins a search: only the entries that hold the text stay, those that begin with it on
+// top. Escape closes the drop-down, or else the dialog.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "lKestrinDb.h"
+
+namespace kestrindb {
+
+enum class Key { up, down, left, right, page_up, page_down, home, end, enter, escape, backspace };
+
+struct ScreenSize {
+  int width;  // columns
+  int height;
+};
+
+// What a screen shows: pictures, of which a later one covers those before it, and the place that is
+// marked. A screen too small for the smallest dialog has to cut them.
+struct ScreenPicture {
+  struct Layer {
+    int x;
+    int y;
+    TextView::Lines lines;
+  };
+  std::vector<Layer> layers;
+  CRect mark;
+};
+
+// An open drop-down: the entries that the typed text leaves, of which one is marked.
+class EntryFinder {
+ public:
+  EntryFinder(const std::map<int, CString>& entries, int selected);
+
+  void Type(std::wstring_view text);
+  // The keys that move the mark, and backspace; others do nothing.
+  void Press(Key key);
+
+  // The id of the marked entry; empty if the search has left none.
+  std::optional<int> Marked() const;
+
+  // Adds the list at a place, or as near to it as the screen allows.
+  void Draw(ScreenSize screen, CPoint place, ScreenPicture& picture);
+
+ private:
+  void Search();
+
+  std::vector<std::pair<int, CString>> entries_;
+  int selected_;
+  CString typed_;
+  CComboBoxX found_;  // its items' data are the ids
+  int width_;
+  int page_ = 1;
+  int first_shown_ = 0;
+};
+
+// Use it on one thread, and one at a time: key editors share the lists of their drop-downs.
+class KeyPicker {
+ public:
+  explicit KeyPicker(const CClavis& key);
+  KeyPicker(const KeyPicker&) = delete;
+  KeyPicker& operator=(const KeyPicker&) = delete;
+  ~KeyPicker() = default;
+
+  void Press(Key key);
+  // Text without control characters.
+  void Type(std::wstring_view text);
+  // As the dialog's close box.
+  void Close() { dialog_.Close(); }
+
+  bool IsOpen() const { return dialog_.IsWindow(); }
+  // The key that OK has confirmed; empty before, and if the dialog was closed in another way.
+  const std::optional<CClavis>& Chosen() const { return chosen_; }
+
+  ScreenPicture Draw(ScreenSize screen);
+
+ private:
+  struct Stop {
+    int row;     // -1: a button
+    int button;  // its item
+  };
+
+  int DropDownColumn(int row) const;
+  std::vector<Stop> Stops() const;
+  Stop Marked() const;
+  void MoveTo(int stop);
+  void MoveToDefaultButton();
+  void MoveToButtonBeside(bool right);
+  void Open();
+  void Choose();
+  ScreenSize DialogSize(ScreenSize screen) const;
+
+  CKestrinDialog dialog_;
+  std::optional<CClavis> chosen_;
+  CXListCtrl* list_ = nullptr;  // of the dialog
+  int list_item_ = 0;
+  int marked_ = 0;  // index of a stop
+  int first_row_ = 0;
+  std::optional<EntryFinder> open_;
+};
+
+}  // namespace kestrindb

@@ -1,0 +1,185 @@
+#include "Terminal.h"
+
+#define NCURSES_NOMACROS 1
+#include <curses.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+
+#include <cerrno>
+#include <clocale>
+#include <cstring>
+#include <string>
+
+#include "Command.h"
+
+namespace kestrindb {
+namespace {
+
+constexpr int escape_delay = 50;  // ms: a longer silence after Esc makes it the key of that name
+constexpr wint_t control_c = 3;
+constexpr wint_t backspace = 8;
+constexpr wint_t escape = 27;
+constexpr wint_t del = 127;
+
+// The characters of the environment's locale and nothing else of it. One that names none, or isn't
+// installed, means UTF-8, in which kestrindb writes everything else too.
+void UseCharactersOfTheEnvironment() {
+  const char* const name = std::setlocale(LC_CTYPE, "");
+  if (!name || std::strcmp(name, "C") == 0 || std::strcmp(name, "POSIX") == 0) {
+    std::setlocale(LC_CTYPE, "C.UTF-8");
+  }
+}
+
+// As much of a line as goes into the columns, with one element a character.
+std::wstring WholeCharacters(std::wstring_view line, int columns) {
+  std::wstring out;
+  for (std::size_t i = 0; i < line.size();) {
+    const bool pair = line[i] >= 0xD800 && line[i] < 0xDC00 && i + 1 < line.size();
+    const std::wstring_view units = line.substr(i, pair ? 2 : 1);
+    columns -= TextColumns(units);
+    if (columns < 0) break;
+    out += pair ? static_cast<wchar_t>(0x10000 + ((units[0] - 0xD800) << 10) + (units[1] - 0xDC00))
+                : units[0];
+    i += units.size();
+  }
+  return out;
+}
+
+CString CodeUnits(wint_t character) {
+  if (character < 0x10000) return CString(1, static_cast<wchar_t>(character));
+  const wint_t rest = character - 0x10000;
+  return {static_cast<wchar_t>(0xD800 + (rest >> 10U)),
+          static_cast<wchar_t>(0xDC00 + (rest & 0x3FFU))};
+}
+
+std::optional<Key> FunctionKey(wint_t code) {
+  switch (code) {
+    case KEY_UP:
+    case KEY_BTAB:
+      return Key::up;
+    case KEY_DOWN:
+      return Key::down;
+    case KEY_LEFT:
+      return Key::left;
+    case KEY_RIGHT:
+      return Key::right;
+    case KEY_PPAGE:
+      return Key::page_up;
+    case KEY_NPAGE:
+      return Key::page_down;
+    case KEY_HOME:
+      return Key::home;
+    case KEY_END:
+      return Key::end;
+    case KEY_ENTER:
+      return Key::enter;
+    case KEY_BACKSPACE:
+      return Key::backspace;
+    default:
+      return std::nullopt;
+  }
+}
+
+// Reads what the terminal has sent already; false if that is nothing.
+bool SkipPendingInput() {
+  bool any = false;
+  wint_t ignored = 0;
+  wtimeout(stdscr, 0);
+  while (get_wch(&ignored) != ERR) any = true;
+  wtimeout(stdscr, -1);
+  return any;
+}
+
+std::optional<Key> ControlKey(wint_t character) {
+  switch (character) {
+    case L'\t':
+      return Key::down;
+    case L'\r':
+    case L'\n':
+      return Key::enter;
+    case escape:
+      return Key::escape;
+    case backspace:
+    case del:
+      return Key::backspace;
+    default:
+      return std::nullopt;
+  }
+}
+
+}  // namespace
+
+Terminal::Terminal() : tty_(std::fopen("/dev/tty", "r+")) {
+  if (!tty_) {
+    throw Failure(no_terminal,
+                  std::string("There is no terminal to choose at: ") + std::strerror(errno) + ".");
+  }
+  UseCharactersOfTheEnvironment();
+  set_escdelay(escape_delay);
+  screen_.reset(newterm(nullptr, tty_.get(), tty_.get()));
+  if (!screen_ || !tigetstr("cup")) {
+    throw Failure(
+        no_terminal,
+        "The terminal is of a kind that can't show a screen; the variable TERM names it.");
+  }
+  raw();  // Ctrl-C is a key, so that the screen is always given back
+  noecho();
+  nonl();
+  keypad(stdscr, TRUE);
+}
+
+void Terminal::EndScreen::operator()(screen* taken) const {
+  endwin();
+  delscreen(taken);
+}
+
+Terminal::ResizeSignal::ResizeSignal() {
+  sigset_t resize;
+  sigemptyset(&resize);
+  sigaddset(&resize, SIGWINCH);
+  sigprocmask(SIG_BLOCK, &resize, &before_);
+}
+
+Terminal::ResizeSignal::~ResizeSignal() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+
+ScreenSize Terminal::Size() const {
+  winsize size{};
+  const bool known =
+      ioctl(fileno(tty_.get()), TIOCGWINSZ, &size) == 0 && size.ws_row > 0 && size.ws_col > 0;
+  if (known && is_term_resized(size.ws_row, size.ws_col)) resizeterm(size.ws_row, size.ws_col);
+  return {getmaxx(stdscr), getmaxy(stdscr)};
+}
+
+void Terminal::Show(const ScreenPicture& picture) {
+  const ScreenSize size = Size();
+  werase(stdscr);
+  for (const ScreenPicture::Layer& layer : picture.layers) {
+    int y = layer.y;
+    for (const CString& line : layer.lines) {
+      mvaddwstr(y++, layer.x, WholeCharacters(line, size.width - layer.x).c_str());
+    }
+  }
+  const CRect& mark = picture.mark;
+  for (int y = mark.top; y < mark.bottom; ++y) {
+    mvchgat(y, mark.left, mark.Width(), A_REVERSE, 0, nullptr);
+  }
+  wmove(stdscr, mark.top, mark.left);
+  wrefresh(stdscr);
+}
+
+Terminal::Input Terminal::Next() {
+  pollfd terminal{fileno(tty_.get()), POLLIN, 0};
+  if (ppoll(&terminal, 1, nullptr, &resize_signal_.WhileWaiting()) < 0) return {};
+  wint_t character = 0;
+  const int kind = get_wch(&character);
+  if (kind == ERR) return {{}, {}, true};
+  if (kind == KEY_CODE_YES) return {FunctionKey(character), {}, false};
+  if (character == control_c) return {{}, {}, true};
+  // A key that curses doesn't know comes as Esc with something behind it, and isn't Esc.
+  if (character == escape && SkipPendingInput()) return {};
+  if (const auto key = ControlKey(character)) return {key, {}, false};
+  if (character < L' ') return {};
+  return {{}, CodeUnits(character), false};
+}
+
+}  // namespace kestrindb
