@@ -135,7 +135,7 @@ void Change(CLake& lake, Input& input) {
         section->clear_section();
         break;
       case 4:
-        if (lake.begin() != lake.end() && std::distance(lake.begin(), lake.end()) < 1000) {
+        if (lake.begin() != lake.end() && std::distance(lake.begin(), lake.end()) < 64) {
           lake.merge(lake);
           section = &lake.root();
         }
@@ -156,7 +156,7 @@ void Change(CLake& lake, Input& input) {
 }  // namespace
 
 void Lake(Bytes bytes) {
-  constexpr std::size_t most = 8192;  // a bracket costs a tab in each line behind it
+  constexpr std::size_t most = 2048;  // a bracket costs a tab in each line behind it
   constexpr std::size_t changes = 24;
   if (bytes.size() > most) return;
   const QuietLog log;
