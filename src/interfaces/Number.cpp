@@ -61,7 +61,8 @@ struct Magnitude {
   bool beyond = false;  // greater than the limit; the value is then the limit
 };
 
-// Reads on at m.end, also the digits behind the limit: they belong to the number.
+// Reads on at m.end, also the digits behind the limit: they belong to the number. To be inlined: a
+// call that hands over its state costs short numbers more than it saves.
 Magnitude ScanLongMagnitude(std::wstring_view text, Magnitude m, unsigned long long limit) {
   for (; IsDigit(At(text, m.end)); ++m.end) {
     const unsigned digit = DigitOf(text[m.end]);
