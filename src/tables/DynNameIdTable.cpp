@@ -6,8 +6,8 @@
 template class CQParamTypedTable<CNameMap>;
 template class CQParamSeaTypedTable<CNameMap>;
 
-// Four code units a step. Each step is one to one, so that no unit is lost on the way; the last line
-// brings what the upper bits have gathered down to the lower ones.
+// Four code units a step. Each step is one to one, so that no unit is lost on the way; the last
+// line brings what the upper bits have gathered down to the lower ones.
 std::size_t CDynNameIdTable::NameHash::operator()(std::wstring_view text) const {
   const auto unit = [&text](std::size_t i) { return static_cast<std::uint64_t>(text[i]); };
   std::uint64_t hash = text.size();
