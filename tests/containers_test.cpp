@@ -69,7 +69,7 @@ TEST(Containers, HintsAndTheCollectorChangeNothing) {
       plain.insert(row);
       const auto place = static_cast<std::ptrdiff_t>(random() % (hinted.size() + 1));
       hinted.insert(hinted.begin() + place, row);
-      collector.Add(row);
+      collector.Add(row.first, row.second);
     }
     collector.Finish();
     ASSERT_EQ(Rows(hinted), Rows(plain));
@@ -81,8 +81,8 @@ TEST(Containers, AnUnfinishedCollectorLeavesNoDisorder) {
   VectorMap map;
   {
     RowCollector collector(map);
-    collector.Add({2, 1});
-    collector.Add({1, 1});
+    collector.Add(2, 1);
+    collector.Add(1, 1);
   }
   EXPECT_TRUE(map.empty());
 }

@@ -194,14 +194,14 @@ QClavis RandomKey(Random& random, int ids, int odds) {
 
 void FillRandomly(CQtParamStore& store, Random& random, int listed, int rows, int ids, int odds) {
   RowCollector<Listed> keys(store.Table<L"<TIpParamAndStore>">());
-  while (listed-- > 0) keys.Add({RandomKey(random, ids, odds), {}});
+  while (listed-- > 0) keys.Add(RandomKey(random, ids, odds), {});
   keys.Finish();
   RowCollector<Rows> patterns(store.Table<L"<TGrex10001>">());
   for (int i = 0; i < rows; ++i) {
     QVIpSvTrackPolygon row;
     row.track_a = i;
     row.polygon_mode = i % 3;
-    patterns.Add({RandomKey(random, ids, 2), row});
+    patterns.Add(RandomKey(random, ids, 2), row);
   }
   patterns.Finish();
 }

@@ -159,6 +159,20 @@ TEST(Numbers, AgreeWithTheCLibraryOnRandomTexts) {
   }
 }
 
+// Of about as many digits as a double tells apart, with the point anywhere: short ones take a way
+// of their own, which would go wrong in the last place first.
+TEST(Numbers, DecimalsRoundAsInTheCLibrary) {
+  std::mt19937_64 random(3);  // NOLINT(cert-msc51-cpp): the same numbers in every run
+  for (int round = 0; round < 50000; ++round) {
+    std::string text = std::to_string(random()).substr(0, 12 + random() % 7);
+    text.insert(random() % (text.size() + 1), ".");
+    if (random() % 2 != 0) text.insert(0, "-0");
+    const auto got = Number::ScanDouble(Formatting::ansi2unicode(text.c_str(), 28591));
+    ASSERT_EQ(got.value, std::strtod(text.c_str(), nullptr)) << text;
+    ASSERT_EQ(got.used, text.size()) << text;
+  }
+}
+
 TEST(Numbers, EveryDoubleComesBackFromItsDigits) {
   std::mt19937_64 random(7);  // NOLINT(cert-msc51-cpp): the same numbers in every run
   for (int round = 0; round < 20000; ++round) {

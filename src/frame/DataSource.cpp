@@ -18,12 +18,14 @@ bool CCandidateSeaDataSource<T>::Read(T& value, int id) {
 
 template <class T>
 bool CCandidateSeaDataSource<T>::Load() {
+  // Both tables ascend by parameter, so one walk side by side finds the parameter of each row.
   const auto& parameters = store->Table<L"<TInstrumentParam>">();
+  auto parameter = parameters.begin();
   bool all_known = true;
   for (const auto& [key, row] : store->Table<L"<TIpCalcParameter>">()) {
     if (key[1] != number) continue;
-    const auto parameter = parameters.find(key[0]);
-    if (parameter == parameters.end()) {
+    while (parameter != parameters.end() && parameter->first[0] < key[0]) ++parameter;
+    if (parameter == parameters.end() || parameter->first[0] != key[0]) {
       all_known = false;
       continue;
     }
@@ -32,9 +34,10 @@ bool CCandidateSeaDataSource<T>::Load() {
     }
     if constexpr (std::is_same_v<T, int>) {
       const auto scanned = Number::ScanInt(row.ValueText());
-      values.emplace(key[0], scanned.state == Number::State::ok ? scanned.value : 0);
+      values.emplace_hint(values.end(), key[0],
+                          scanned.state == Number::State::ok ? scanned.value : 0);
     } else {
-      values.emplace(key[0], row.ValueText());
+      values.emplace_hint(values.end(), key[0], row.ValueText());
     }
   }
   this->loaded = true;

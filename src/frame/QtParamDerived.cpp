@@ -38,7 +38,7 @@ void CQtParamDerived::ExpandResampling() {
   for (const auto& [key, resampling] : store->Table<L"<TResampling>">()) {
     const auto [first, last] = modes_by_phys_mode.equal_range(key[1]);
     for (auto mode = first; mode != last; ++mode) {
-      rows.Add({QIdx2(key[0], mode->second), resampling});
+      rows.Add(QIdx2(key[0], mode->second), resampling);
     }
   }
   rows.Finish();

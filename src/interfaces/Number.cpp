@@ -1,9 +1,10 @@
 // How the scanners work.
 //
 // Integers are read straight from the wide text: there is nothing in them that a library knows
-// better. A floating-point number is read in two steps. The first finds out how far the number
-// reaches, by the grammar of wcstod; it looks at characters only. The second copies just these
-// characters, all of them ASCII, into a narrow buffer and lets std::from_chars do the exact
+// better. So are short decimals such as 33.25, which nearly all floating-point numbers of a data
+// base are. Any other floating-point number is read in two steps. The first finds out how far the
+// number reaches, by the grammar of wcstod; it looks at characters only. The second copies just
+// these characters, all of them ASCII, into a narrow buffer and lets std::from_chars do the exact
 // conversion. std::from_chars says "out of range" without saying at which end, so the end is told
 // from the place of the leading digit.
 
@@ -14,6 +15,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <optional>
 
 #include "interfaces/Text.h"
 
@@ -24,7 +26,10 @@ constexpr wchar_t kEnd = L'\0';  // stands for "no character"; it belongs to no 
 
 wchar_t At(std::wstring_view text, std::size_t pos) { return pos < text.size() ? text[pos] : kEnd; }
 
-bool IsDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
+// The value of a digit; above 9 for any other character.
+unsigned DigitOf(wchar_t c) { return static_cast<unsigned>(c) - L'0'; }
+
+bool IsDigit(wchar_t c) { return DigitOf(c) <= 9; }
 
 wchar_t Lower(wchar_t c) { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c + 32) : c; }
 
@@ -56,17 +61,26 @@ struct Magnitude {
   bool beyond = false;  // greater than the limit; the value is then the limit
 };
 
-// Reads all digits at pos, also those behind the limit: they belong to the number.
-Magnitude ScanMagnitude(std::wstring_view text, std::size_t pos, unsigned long long limit) {
-  Magnitude m;
-  for (; IsDigit(At(text, pos)); ++pos) {
-    const auto digit = static_cast<unsigned long long>(text[pos] - L'0');
+// Reads on at m.end, also the digits behind the limit: they belong to the number. To be inlined: a
+// call that hands over its state costs short numbers more than it saves.
+Magnitude ScanLongMagnitude(std::wstring_view text, Magnitude m, unsigned long long limit) {
+  for (; IsDigit(At(text, m.end)); ++m.end) {
+    const unsigned digit = DigitOf(text[m.end]);
     m.beyond = m.beyond || m.value > (limit - digit) / 10;
     if (!m.beyond) m.value = m.value * 10 + digit;
   }
   if (m.beyond) m.value = limit;
-  m.end = pos;
   return m;
+}
+
+// Reads all digits at pos. No limit is so low that the first nine could pass it, and hardly any id
+// has more.
+inline Magnitude ScanMagnitude(std::wstring_view text, std::size_t pos, unsigned long long limit) {
+  const std::size_t near_end = std::min(text.size(), pos + 9);
+  unsigned value = 0;
+  for (; pos < near_end && IsDigit(text[pos]); ++pos) value = value * 10 + DigitOf(text[pos]);
+  const Magnitude m{value, pos};
+  return IsDigit(At(text, pos)) ? ScanLongMagnitude(text, m, limit) : m;
 }
 
 template <class Int>
@@ -184,6 +198,33 @@ Scanned<double> Convert(std::wstring_view text, const Extent& extent, bool negat
   return scanned;
 }
 
+// A decimal of at most 15 digits and without an exponent; nothing for other numbers. Its digits
+// read as an integer, and the power of ten of their point, are both exact in a double, so that one
+// division rounds as the conversion of the whole text would.
+std::optional<Scanned<double>> ScanShortDecimal(std::wstring_view text, std::size_t pos,
+                                                bool negative) {
+  constexpr std::size_t most_digits = 15;
+  constexpr std::array<double, most_digits + 1> powers = {
+      1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  unsigned long long digits = 0;  // wraps if there are too many, and is then not used
+  const auto take_digits = [&] {
+    const std::size_t begin = pos;
+    for (; IsDigit(At(text, pos)); ++pos) digits = digits * 10 + DigitOf(text[pos]);
+    return pos - begin;
+  };
+  const std::size_t whole = take_digits();
+  std::size_t fraction = 0;
+  if (At(text, pos) == L'.') {
+    ++pos;
+    fraction = take_digits();
+  }
+  const wchar_t behind = Lower(At(text, pos));
+  const bool other_form = behind == L'e' || behind == L'x';
+  if (other_form || whole + fraction == 0 || whole + fraction > most_digits) return std::nullopt;
+  const double value = static_cast<double>(digits) / powers[fraction];
+  return Scanned<double>{negative ? -value : value, pos, State::ok};
+}
+
 Scanned<double> Word(double value, std::size_t end, bool negative) {
   return {std::copysign(value, negative ? -1.0 : 1.0), end, State::ok};
 }
@@ -207,6 +248,7 @@ Scanned<unsigned> ScanUnsigned(std::wstring_view text) {
 
 Scanned<double> ScanDouble(std::wstring_view text) {
   const auto [pos, negative] = SkipSign(text);
+  if (const auto decimal = ScanShortDecimal(text, pos, negative)) return *decimal;
 
   if (StartsWith(text, pos, L"inf")) {
     const std::size_t end = StartsWith(text, pos, L"infinity") ? pos + 8 : pos + 3;

@@ -1,7 +1,7 @@
 // The tree over the lines: how it is built, asked, copied and changed.
 //
-// There is one place where indexes are made, `CNode::link`. Whatever brings lines in (reading,
-// copying, merging) brings pure lines, texts without indexes, and then links the root once.
+// There is one place where indexes are made, `CNode::Linker`. Whatever brings lines in (reading,
+// copying, merging) brings pure lines, texts without indexes, and links them to the root.
 
 #include "lake/Lake.h"
 
@@ -11,11 +11,11 @@
 #include <utility>
 
 #include "interfaces/Number.h"
+#include "lake/LakeReader.h"
 
 // ---------------------------------------------------------------------------------------- CLake
 
-CLake::CLake(CString filename) : filename_(std::move(filename)) {
-  clear();
+CLake::CLake(CString filename) : filename_(std::move(filename)), nodes_(new_nodes()) {
   if (!filename_.empty()) read({});
 }
 
@@ -30,16 +30,16 @@ CLake::~CLake() = default;
 
 bool CLake::empty() const { return begin() == end(); }
 
-void CLake::clear() { replace_lines({}); }
+void CLake::clear() { nodes_ = new_nodes(); }
 
 void CLake::merge(const CLake& other) {
-  nodes_.splice(nodes_.end(), other.copied_lines());
+  nodes_->splice(nodes_->end(), other.copied_lines());
   link_root();
 }
 
-CLake::const_iterator CLake::begin() const { return std::next(nodes_.begin()); }
+CLake::const_iterator CLake::begin() const { return std::next(nodes_->begin()); }
 
-CLake::const_iterator CLake::end() const { return nodes_.end(); }
+CLake::const_iterator CLake::end() const { return nodes_->end(); }
 
 CLake::CNodeProxy CLake::operator[](const std::wstring& key) { return root()[key]; }
 
@@ -51,16 +51,24 @@ CLake::NodeList CLake::copied_lines() const {
   return lines;
 }
 
+std::unique_ptr<CLake::NodeList> CLake::new_nodes() {
+  auto nodes = std::make_unique<NodeList>(1);
+  nodes->front().set_collection(*nodes);
+  nodes->front().link(nodes->end());
+  return nodes;
+}
+
 void CLake::replace_lines(NodeList&& lines) {
-  lines.emplace_front();
-  nodes_.swap(lines);
-  link_root();
+  auto nodes = new_nodes();
+  nodes->splice(nodes->end(), lines);
+  nodes->front().link(std::next(nodes->begin()));
+  nodes_ = std::move(nodes);
 }
 
 void CLake::link_root() {
   root().clear();
-  root().set_collection(nodes_);
-  root().link(std::next(nodes_.begin()));
+  root().set_collection(*nodes_);
+  root().link(std::next(nodes_->begin()));
 }
 
 // ------------------------------------------------------------------------------- CLake::CNode
@@ -168,41 +176,42 @@ void CLake::CNode::clear_section() {
   extra_->unnamed.clear();
 }
 
-// The sections that are open at a line stand on a stack of their own, since a file may nest deeper
-// than a thread's stack. A line belongs to the innermost one.
 CLake::NodeList::iterator CLake::CNode::link(NodeList::iterator first) {
   assert(collection_);
   if (!collection_) return first;
-
-  std::vector<CNode*> open{this};
-  begin_section();
-  for (auto line = first; line != collection_->end();) {
-    const auto here = line++;
-    CNode& section = *open.back();
-    Extra& children = *section.extra_;
-    here->collection_ = collection_;
-    here->depth_ = section.depth_ + 1;
-
-    // Of several lines with one key the first stands for all, also as the section that a later
-    // one opens.
-    CNode* target = &*here;
-    if (here->is_named()) {
-      target = &*children.named.try_emplace(here->key(), here).first->second;
-    } else if (here->is_closing()) {
-      here->depth_ = section.depth_;
-      children.end = here;
-      open.pop_back();
-      if (open.empty()) return line;
-      continue;
-    } else {
-      children.unnamed.push_back(here);
-    }
-    if (here->opens_section()) {
-      target->begin_section();
-      open.push_back(target);
-    }
+  Linker linker(*this);
+  while (first != collection_->end()) {
+    if (!linker.add(first++)) return first;
   }
-  return collection_->end();
+  return first;
+}
+
+CLake::CNode::Linker::Linker(CNode& section) : open_{&section} { section.begin_section(); }
+
+bool CLake::CNode::Linker::add(NodeList::iterator line) {
+  CNode& section = *open_.back();
+  Extra& children = *section.extra_;
+  line->collection_ = section.collection_;
+  line->depth_ = section.depth_ + 1;
+
+  // Of several lines with one key the first stands for all, also as the section that a later one
+  // opens.
+  CNode* target = &*line;
+  if (line->is_named()) {
+    target = &*children.named.try_emplace(line->key(), line).first->second;
+  } else if (line->is_closing()) {
+    line->depth_ = section.depth_;
+    children.end = line;
+    open_.pop_back();
+    return !open_.empty();
+  } else {
+    children.unnamed.push_back(line);
+  }
+  if (line->opens_section()) {
+    target->begin_section();
+    open_.push_back(target);
+  }
+  return true;
 }
 
 void CLake::CNode::clear() {

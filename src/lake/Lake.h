@@ -42,8 +42,7 @@ class KESTRIN_API CLake {
   explicit CLake(CString filename = {});
   // The same lines under a root of its own; the file name is empty.
   CLake(const CLake& other);
-  // The same lines; the file name stays. If memory runs out while they are copied, nothing has
-  // changed; if it runs out while they are linked, not all of them are found by key.
+  // The same lines; the file name stays. If memory runs out, nothing has changed.
   CLake& operator=(const CLake& other);
   ~CLake();
 
@@ -76,8 +75,8 @@ class KESTRIN_API CLake {
   const_iterator end() const;
 
   // The section that holds the lines of the top level.
-  CNode& root() { return nodes_.front(); }
-  const CNode& root() const { return nodes_.front(); }
+  CNode& root() { return nodes_->front(); }
+  const CNode& root() const { return nodes_->front(); }
 
   // Looks a key up in the root.
   CNodeProxy operator[](const std::wstring& key);
@@ -86,12 +85,14 @@ class KESTRIN_API CLake {
  private:
   friend struct LakeReader;
 
+  // A root without lines, which are linked to it as they come.
+  static std::unique_ptr<NodeList> new_nodes();
   NodeList copied_lines() const;
   void replace_lines(NodeList&& lines);
   void link_root();
 
   mutable CString filename_;
-  NodeList nodes_;  // the root, then the lines
+  std::unique_ptr<NodeList> nodes_;  // the root, then the lines; nodes know the list by its place
 };
 
 // A line, or the root. A node belongs to the list of one lake; a copy of a node alone still points
@@ -170,6 +171,7 @@ class KESTRIN_API CLake::CNode {
  private:
   friend class CLake;
   friend struct LakeReader;
+  class Linker;
 
   // What only some lines have.
   struct Extra {

@@ -60,15 +60,23 @@ File Open(const CString& filename, const char* mode) {
 
 // ------------------------------------------------------------------------------------ one line
 
-void CLake::CNode::set_line(std::wstring_view line) {
-  // The first colon or semicolon outside of quotes decides what the line is.
-  std::size_t stop = 0;
-  bool quoted = false;
-  for (; stop < line.size(); ++stop) {
-    const wchar_t c = line[stop];
-    if (c == L'"') quoted = !quoted;
-    if (!quoted && (c == L':' || c == L';')) break;
+namespace {
+
+// The place of the first colon or semicolon outside of quotes, or else the line's size.
+std::size_t FindStop(std::wstring_view line) {
+  const auto matters = [](wchar_t c) { return c == L':' || c == L';' || c == L'"'; };
+  auto place = std::find_if(line.begin(), line.end(), matters);
+  while (place != line.end() && *place == L'"') {
+    place = std::find(place + 1, line.end(), L'"');
+    if (place != line.end()) place = std::find_if(place + 1, line.end(), matters);
   }
+  return static_cast<std::size_t>(place - line.begin());
+}
+
+}  // namespace
+
+void CLake::CNode::set_line(std::wstring_view line) {
+  const std::size_t stop = FindStop(line);  // it decides what the line is
   std::wstring_view key;
   std::wstring_view value = Text::Trim(line);
   std::wstring_view comment;
@@ -202,8 +210,14 @@ bool LakeReader::read(CLake& lake, const Source& source) {
     if (!marked) return false;
   }
 
-  CLake::NodeList lines;
-  LineCutter cutter([&](std::wstring_view line) { lines.emplace_back().set_line(line); });
+  auto nodes = CLake::new_nodes();
+  CLake::CNode::Linker linker(nodes->front());
+  bool in_root = true;  // behind a closing line too many no line belongs to the root
+  LineCutter cutter([&](std::wstring_view text) {
+    const auto line = nodes->emplace(nodes->end());
+    line->set_line(text);
+    in_root = in_root && linker.add(line);
+  });
   Decoder decoder(marked);
   std::span<const char> bytes(block.data(), have);
   if (marked) bytes = bytes.subspan(kMark.size());
@@ -218,7 +232,7 @@ bool LakeReader::read(CLake& lake, const Source& source) {
     bytes = std::span<const char>(block.data(), have);
   }
   cutter.finish();
-  lake.replace_lines(std::move(lines));
+  lake.nodes_ = std::move(nodes);
   return sound;
 }
 

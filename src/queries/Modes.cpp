@@ -90,7 +90,10 @@ std::wstring CQtParamInstance::VirtModeName(int id) const {
 }
 
 const wchar_t* CQtParamInstance::ModeName(int id) const {
-  return store_->Derived().ModeInfo().ModeName(id);
+  if (id < 0) return L"";
+  const auto row = Mode().find(id);
+  if (row != Mode().end()) return row->second.text;
+  return IsVirtualMode(id) ? store_->Derived().ModeInfo().MadeName(id) : L"";
 }
 
 bool CQtParamInstance::AddVModeName(int id, const wchar_t* name) {
@@ -163,13 +166,7 @@ std::wstring CQtModeInfo::VirtModeName(int id) const {
   return name;
 }
 
-const wchar_t* CQtModeInfo::ModeName(int id) const {
-  if (id < 0) return L"";
-  const auto& modes = store->Table<L"<TMode>">();
-  const auto row = modes.find(id);
-  if (row != modes.end()) return row->second.text;
-  if (!CQtParamInstance::IsVirtualMode(id)) return L"";
-
+const wchar_t* CQtModeInfo::MadeName(int id) const {
   // An array and no string: a thread that ends has nothing to take down in a library that may be
   // gone by then.
   thread_local std::array<wchar_t, 500> made;

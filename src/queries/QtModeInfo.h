@@ -28,7 +28,9 @@ class CQtModeInfo {
   std::wstring VirtModeNameFragment(AutoModeParams::const_iterator row, bool positive,
                                     float position, unsigned precision) const;
   std::wstring VirtModeName(int id) const;
-  const wchar_t* ModeName(int id) const;
+
+  // The name made for a virtual mode, as CQtParamInstance::ModeName gives it.
+  const wchar_t* MadeName(int id) const;
 
  private:
   const CQtParamStore* store;

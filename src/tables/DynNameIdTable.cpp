@@ -1,3 +1,4 @@
+#include <cstdint>
 #include <cwchar>
 
 #include "tables/QParamBaseTableImpl.h"
@@ -5,12 +6,17 @@
 template class CQParamTypedTable<CNameMap>;
 template class CQParamSeaTypedTable<CNameMap>;
 
-bool CDynNameIdTable::NameLess::operator()(const QIdxName& a, const wchar_t* b) const {
-  return std::wcscmp(a.text, b) < 0;
-}
-
-bool CDynNameIdTable::NameLess::operator()(const wchar_t* a, const QIdxName& b) const {
-  return std::wcscmp(a, b.text) < 0;
+// Four code units a step. Each step is one to one, so that no unit is lost on the way; the last
+// line brings what the upper bits have gathered down to the lower ones.
+std::size_t CDynNameIdTable::NameHash::operator()(std::wstring_view text) const {
+  const auto unit = [&text](std::size_t i) { return static_cast<std::uint64_t>(text[i]); };
+  std::uint64_t hash = text.size();
+  const auto mix = [&hash](std::uint64_t part) { hash = (hash ^ part) * 0x9E3779B97F4A7C15U; };
+  for (; text.size() >= 4; text.remove_prefix(4)) {
+    mix(unit(0) | unit(1) << 16U | unit(2) << 32U | unit(3) << 48U);
+  }
+  for (std::size_t i = 0; i < text.size(); ++i) mix(unit(i));
+  return static_cast<std::size_t>(hash ^ hash >> 32U);
 }
 
 CDynNameIdTable::CDynNameIdTable(const wchar_t* section_name)
@@ -18,13 +24,14 @@ CDynNameIdTable::CDynNameIdTable(const wchar_t* section_name)
 
 int CDynNameIdTable::Idx(const wchar_t* name_text) const {
   if (name_text == nullptr) name_text = L"";
-  if (wcsnlen(name_text, QIdxName::width) == QIdxName::width) {
+  const std::size_t length = wcsnlen(name_text, QIdxName::width);
+  if (length == QIdxName::width) {
     QIdxName cut;
     TableType::strcopy(cut.text, name_text, QIdxName::width);
     return Idx(cut.text);
   }
-  const auto place = ids_by_name_.find(name_text);
-  return place == ids_by_name_.end() ? -1 : place->second[0];
+  const auto place = ids_by_name_.find(std::wstring_view(name_text, length));
+  return place == ids_by_name_.end() ? -1 : place->second;
 }
 
 const wchar_t* CDynNameIdTable::Name(int id) const {
@@ -36,7 +43,7 @@ bool CDynNameIdTable::IsValidId(int id) const { return contains(id); }
 
 std::pair<CNameMap::iterator, bool> CDynNameIdTable::Insert(int id, const QIdxName& name_text) {
   const auto result = insert({id, name_text});
-  if (result.second) ids_by_name_.insert({name_text, id});
+  if (result.second) ids_by_name_.try_emplace(name_text.text, id);
   return result;
 }
 
@@ -50,7 +57,7 @@ bool CDynNameIdTable::ReadTable(CLake& lake) {
 
 bool CDynNameIdTable::Index(bool was_read) {
   if (!was_read) return false;
-  for (const auto& [id, name_text] : *this) ids_by_name_.insert({name_text, id});
+  for (const auto& [id, name_text] : *this) ids_by_name_.try_emplace(name_text.text, id[0]);
   return true;
 }
 

@@ -17,7 +17,12 @@
 // tables are made. Tables take no lock: reading, purging and clearing must not run beside queries.
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <map>
+#include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "interfaces/Export.h"
@@ -112,12 +117,11 @@ class KESTRIN_API CDynNameIdTable : public CQParamSeaTypedTable<CNameMap> {
  private:
   bool Index(bool was_read);
 
-  struct NameLess {
+  // By the view, so that a name is looked up without a copy of it.
+  struct NameHash {
     using is_transparent = void;
-    bool operator()(const QIdxName& a, const QIdxName& b) const { return a < b; }
-    bool operator()(const QIdxName& a, const wchar_t* b) const;
-    bool operator()(const wchar_t* a, const QIdxName& b) const;
+    std::size_t operator()(std::wstring_view text) const;
   };
 
-  CUniqueTreeMap<QIdxName, QIdx1, NameLess> ids_by_name_;
+  std::unordered_map<std::wstring, int, NameHash, std::equal_to<>> ids_by_name_;
 };

@@ -90,7 +90,7 @@ bool CQParamSeaTypedTable<Map>::ReadLines(tables::LineSource& lines) {
   bool all_well = true;
   for (std::wstring_view line; lines.Next(line);) {
     if (!lines.ReadRow(line, key_fields, value_fields, this->name)) all_well = false;
-    collector.Add({key, value});
+    collector.Add(key, value);
   }
   collector.Finish();
   return all_well;

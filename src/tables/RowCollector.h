@@ -3,9 +3,9 @@
 //
 // For a sorted vector the result is the same as that of inserting row by row, but a section whose
 // lines are not in order must not move the rows behind each insertion: the collector appends, and
-// sorts once when the lines are through. Rows are large, so it sorts copies of the keys and then
-// moves each row once. A collector that is destroyed unfinished, because memory ran out, leaves the
-// map empty.
+// sorts once when the lines are through. Where rows are large against their keys, as those with
+// texts are, it sorts copies of the keys and then moves each row once. A collector that is
+// destroyed unfinished, because memory ran out, leaves the map empty.
 #pragma once
 
 #include <algorithm>
@@ -20,7 +20,9 @@ class RowCollector {
  public:
   explicit RowCollector(Map& rows) : rows_(rows) {}
 
-  void Add(const typename Map::value_type& row) { rows_.insert(rows_.end(), row); }
+  void Add(const typename Map::key_type& key, const typename Map::mapped_type& value) {
+    rows_.insert(rows_.end(), typename Map::value_type(key, value));
+  }
   void Finish() {}
 
  private:
@@ -40,33 +42,38 @@ class RowCollector<CUniqueVectorMap<K, V, Less, Alloc>> {
     if (!sorted_) rows_.clear();
   }
 
-  void Add(const Row& row) {
-    if (sorted_ && !rows_.empty() && !Less()(rows_.back().first, row.first)) {
-      if (!Less()(row.first, rows_.back().first)) return;  // the first row of a key stays
+  void Add(const K& key, const V& value) {
+    if (sorted_ && !rows_.empty() && !Less()(rows_.back().first, key)) {
+      if (!Less()(key, rows_.back().first)) return;  // the first row of a key stays
       sorted_ = false;
     }
     if (rows_.size() >= rows_.max_size()) throw std::length_error("vector<T> too long");
-    rows_.push_back(row);
+    rows_.emplace_back(key, value);
   }
 
   void Finish() {
     if (sorted_) return;
-    MoveRows(SortedOrder());
+    if constexpr (sizeof(Row) <= 2 * sizeof(std::pair<K, std::size_t>)) {
+      std::stable_sort(rows_.begin(), rows_.end(), by_key);
+    } else {
+      MoveRows(SortedOrder());
+    }
     const auto same_key = [](const Row& a, const Row& b) { return !Less()(a.first, b.first); };
     rows_.erase(std::unique(rows_.begin(), rows_.end(), same_key), rows_.end());
     sorted_ = true;
   }
 
  private:
+  static constexpr auto by_key = [](const auto& a, const auto& b) {
+    return Less()(a.first, b.first);
+  };
+
   // The positions of the rows in the order of their keys, equal keys in the order of their lines.
   std::vector<std::size_t> SortedOrder() const {
     std::vector<std::pair<K, std::size_t>> keys;
     keys.reserve(rows_.size());
     for (const Row& row : rows_) keys.emplace_back(row.first, keys.size());
-    std::sort(keys.begin(), keys.end(), [](const auto& a, const auto& b) {
-      if (Less()(a.first, b.first)) return true;
-      return !Less()(b.first, a.first) && a.second < b.second;
-    });
+    std::stable_sort(keys.begin(), keys.end(), by_key);
     std::vector<std::size_t> order;
     order.reserve(keys.size());
     for (const auto& key : keys) order.push_back(key.second);

@@ -1,0 +1,140 @@
+// What is measured, a function and a file a topic. Each registers benchmarks under names of the
+// form topic/what/who, from which Figures.cpp makes its ratios.
+#pragma once
+
+#include <benchmark/benchmark.h>
+#include <lKestrinDb.h>
+#include <malloc.h>
+#include <time.h>
+
+#include <cstddef>
+#include <memory>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ParameterFile.h"
+
+namespace benchmarks {
+
+// The parameter files that all work on.
+struct Files {
+  TemporaryFile small{MakeParameterFile(25'000, Order::sorted)};
+  TemporaryFile medium{MakeParameterFile(250'000, Order::sorted)};
+  TemporaryFile shuffled{MakeParameterFile(250'000, Order::shuffled)};
+  TemporaryFile large{MakeParameterFile(2'500'000, Order::sorted)};
+};
+
+void RegisterLoads(const Files& files);
+void RegisterLakes(const Files& files);
+void RegisterLookUps(const Files& files);
+void RegisterQueries(const Files& files);
+
+// Bytes of the process over a load.
+struct Memory {
+  std::size_t file;  // the size of the file
+  std::size_t before = 0;
+  std::size_t peak = 0;                 // of the load
+  std::size_t cleared = 0;              // with the tables, the lake given back
+  std::size_t trimmed = 0;              // the same, with malloc_trim
+  std::size_t peak_of_second_lake = 0;  // after the file was read once more
+};
+
+Memory MeasureMemory(const TemporaryFile& file);
+
+// What the child process does for it.
+void PrintMemoryOf(const std::string& file);
+
+// A data base of its own, loaded from a file. The candidate lake holds the file until this goes.
+class DataBase {
+ public:
+  explicit DataBase(const std::string& file);
+  ~DataBase() { CParameterLake::Lake().clear(); }
+  DataBase(const DataBase&) = delete;
+  DataBase& operator=(const DataBase&) = delete;
+
+  CQtParamInstance Params() { return CQtParamInstance(&store_); }
+
+ private:
+  CQtParamDistillery store_;
+};
+
+// How many blocks this program has taken from operator new.
+std::size_t AllocationCount();
+
+// CPU time of the process: what else runs on the machine counts little.
+inline double CpuSeconds() {
+  timespec time{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+// Long work, done once a repetition. Its result is destroyed outside of the time. The first work of
+// a process has to get its memory from the system. Later work finds it in the heap, as far as the C
+// library keeps it: that is done once before the time begins.
+enum class Heap { kept, given_back };
+
+template <class Work>
+void RegisterWork(const std::string& name, int repetitions, Heap heap, Work work) {
+  const auto measure = [heap, work](benchmark::State& state) {
+    for ([[maybe_unused]] auto _ : state) {
+      if (heap == Heap::given_back) {
+        malloc_trim(0);
+      } else {
+        work();
+      }
+      const double start = CpuSeconds();
+      auto result = work();
+      state.SetIterationTime(CpuSeconds() - start);
+      benchmark::DoNotOptimize(result);
+    }
+  };
+  benchmark::RegisterBenchmark(name.c_str(), measure)
+      ->UseManualTime()
+      ->Iterations(1)
+      ->Repetitions(repetitions)
+      ->DisplayAggregatesOnly()
+      ->Unit(benchmark::kMillisecond);
+}
+
+// Short questions are asked in turn and over again: "again" a few, as many as a test step has
+// measured quantities, whose answers the processor soon has at hand; "any" so many that it can't
+// learn them.
+constexpr std::size_t few = 1024;
+constexpr std::size_t questions = 65536;
+
+// Rows of a table, one for each question, at random.
+template <class Rows>
+std::vector<const typename Rows::value_type*> AnyRows(const Rows& rows) {
+  std::vector<const typename Rows::value_type*> all;
+  for (const auto& row : rows) all.push_back(&row);
+  std::mt19937_64 random;
+  std::vector<const typename Rows::value_type*> drawn;
+  for (std::size_t i = 0; i < questions; ++i) drawn.push_back(all[random() % all.size()]);
+  return drawn;
+}
+
+// `ask` takes the number of a question, which is below `questions`.
+template <class Ask>
+void RegisterQuestion(const std::string& name, Ask ask) {
+  for (const auto& [how, count] : {std::pair("/again", few), std::pair("/any", questions)}) {
+    benchmark::RegisterBenchmark((name + how).c_str(),
+                                 [ask, count](benchmark::State& state) {
+                                   std::size_t i = 0;
+                                   const std::size_t allocations = AllocationCount();
+                                   for ([[maybe_unused]] auto _ : state) {
+                                     benchmark::DoNotOptimize(ask(i));
+                                     i = (i + 1) % count;
+                                   }
+                                   state.counters["allocations"] = benchmark::Counter(
+                                       static_cast<double>(AllocationCount() - allocations),
+                                       benchmark::Counter::kAvgIterations);
+                                 })
+        ->Repetitions(9)
+        ->MinTime(0.05)
+        ->DisplayAggregatesOnly();
+  }
+}
+
+}  // namespace benchmarks

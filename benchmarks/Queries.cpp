@@ -1,0 +1,90 @@
+// What hosts ask while a test runs: the lines of spectrum intervals, cells and positions of
+// triggers; and the text of a key, of which lists show thousands.
+
+#include <iterator>
+#include <random>
+#include <vector>
+
+#include "Benchmarks.h"
+
+namespace benchmarks {
+namespace {
+
+constexpr int trigger = 1;  // of each test step
+constexpr unsigned axis = 0;
+
+struct Fixture {
+  explicit Fixture(const TemporaryFile& file) : data_base(file.Name()), params(data_base.Params()) {
+    CParameterLake::Lake().clear();
+    interval.LoadTransformParams(1, 1, 12);
+    for (const auto* record : AnyRows(params.IpSvOfSpec())) {
+      const auto id = static_cast<unsigned>(record->first[0]);
+      entries.push_back(params.SpecIntervalRange(id).first->second);
+    }
+    quantities = AnyRows(params.IpParamAndStore());
+    modes = AnyRows(params.Mode());
+    std::mt19937_64 random;
+    for (std::size_t i = 0; i < questions; ++i) {
+      values.push_back(600.0F + static_cast<float>(random() % 2400));
+    }
+    triggers.field(1, trigger, axis, kept_axis);
+  }
+
+  DataBase data_base;
+  CQtParamInstance params;
+  CQtSpecInterval interval{params};
+  CTriggerStore triggers{params};
+  CTriggerStore::CInterval kept_axis;
+
+  std::vector<QVSpecIntervalEntry> entries;
+  std::vector<const std::pair<QClavis, QVIpParamAndStore>*> quantities;
+  std::vector<const CNameMap::value_type*> modes;
+  std::vector<float> values;
+};
+
+template <class ModeOf>
+void RegisterTrigger(const Fixture& fixture, const std::string& what, ModeOf mode) {
+  RegisterQuestion("query/cell in the tables, " + what, [&fixture, mode](std::size_t i) {
+    std::int64_t cell = 0;
+    fixture.triggers.cell(mode(i), trigger, axis, fixture.values[i], cell, false);
+    return cell;
+  });
+  RegisterQuestion("query/position in the tables, " + what, [&fixture, mode](std::size_t i) {
+    float value = 0;
+    fixture.triggers.position(mode(i), trigger, static_cast<std::int64_t>(i % 48), axis, value);
+    return value;
+  });
+}
+
+}  // namespace
+
+void RegisterQueries(const Files& files) {
+  static const Fixture fixture(files.medium);
+  RegisterQuestion("query/IndexRange", [](std::size_t i) {
+    CQtSpecInterval::IndexInterval lines;
+    fixture.interval.IndexRange(fixture.entries[i], lines, 1600, 0.125F, 1.0F);
+    return lines;
+  });
+  // A test runs through the running values of one test step, and then of another.
+  const auto one_mode = [](std::size_t) { return 150; };
+  const auto any_mode = [](std::size_t i) { return fixture.modes[i]->first[0]; };
+  RegisterTrigger(fixture, "one test step", one_mode);
+  RegisterTrigger(fixture, "any test step", any_mode);
+  RegisterQuestion("query/cell on a kept axis", [](std::size_t i) {
+    std::int64_t cell = 0;
+    CTriggerStore::cell(fixture.kept_axis, axis, fixture.values[i], cell, false);
+    return cell;
+  });
+  RegisterQuestion("query/position on a kept axis", [](std::size_t i) {
+    float value = 0;
+    CTriggerStore::position(fixture.kept_axis, static_cast<std::int64_t>(i % 48), axis, value);
+    return value;
+  });
+  RegisterQuestion("query/FormatClavisText", [](std::size_t i) {
+    return fixture.params.FormatClavisText(fixture.quantities[i]->first,
+                                           CQtParamInstance::show_id_if_no_name,
+                                           CQtParamInstance::ElementMask().set());
+  });
+}
+
+}  // namespace benchmarks

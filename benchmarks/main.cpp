@@ -1,0 +1,68 @@
+// kestrin_benchmarks [--markdown=FILE] [--json=FILE] [options of Google Benchmark]
+//
+// Runs all benchmarks and prints the medians and the goals as a table; also into files, if asked.
+
+#include <algorithm>
+#include <fstream>
+#include <iostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Benchmarks.h"
+#include "Figures.h"
+
+namespace {
+
+// Takes "--name=value" out of the arguments; empty if it is not among them.
+std::string TakeOption(std::vector<char*>& arguments, std::string_view name) {
+  const auto option = std::find_if(arguments.begin(), arguments.end(), [&](std::string_view text) {
+    return text.starts_with(name) && text.substr(name.size()).starts_with('=');
+  });
+  if (option == arguments.end()) return {};
+  const std::string value = *option + name.size() + 1;
+  arguments.erase(option);
+  return value;
+}
+
+void RunAll(benchmarks::Figures& figures) {
+  const benchmarks::Files files;
+  figures.Add("250 thousand", benchmarks::MeasureMemory(files.medium));
+  figures.Add("2.5 million", benchmarks::MeasureMemory(files.large));
+  benchmarks::RegisterLoads(files);
+  benchmarks::RegisterLakes(files);
+  benchmarks::RegisterLookUps(files);
+  benchmarks::RegisterQueries(files);
+  benchmark::RunSpecifiedBenchmarks(&figures);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<char*> arguments(argv, argv + argc);
+  if (const std::string file = TakeOption(arguments, "--memory-of"); !file.empty()) {
+    benchmarks::PrintMemoryOf(file);
+    return 0;
+  }
+  const std::string markdown = TakeOption(arguments, "--markdown");
+  const std::string json = TakeOption(arguments, "--json");
+
+  // Interleaved, so that a slow minute of the machine falls on all of them.
+  static std::string interleaved = "--benchmark_enable_random_interleaving=true";
+  arguments.insert(arguments.begin() + 1, interleaved.data());
+  int count = static_cast<int>(arguments.size());
+  benchmark::Initialize(&count, arguments.data());
+  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
+
+  benchmarks::Figures figures;
+  RunAll(figures);
+  figures.WriteMarkdown(std::cout << '\n');
+  if (!markdown.empty()) {
+    std::ofstream out(markdown);
+    figures.WriteMarkdown(out);
+  }
+  if (!json.empty()) {
+    std::ofstream out(json);
+    figures.WriteJson(out);
+  }
+}
