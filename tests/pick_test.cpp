@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <clocale>
 #include <csignal>
 #include <cstdlib>
 #include <string>
@@ -30,6 +31,7 @@ CClavis KeyOf(const std::array<int, Clavis::element_count>& ids) { return CClavi
 class PickKeys : public testing::Test {
  protected:
   PickKeys() {
+    std::setlocale(LC_CTYPE, "C.UTF-8");  // as the terminal does it
     SetUserLanguage("en");
     const testing_support::Log log;
     testing_support::FillCandidateLake(std::string(testing_support::version) + R"(
@@ -48,7 +50,10 @@ class PickKeys : public testing::Test {
     EXPECT_TRUE(params_.ReadTablesFromCandidateLake());
     CParameterLake::Lake().clear();
   }
-  ~PickKeys() override { params_.PurgeTables(); }
+  ~PickKeys() override {
+    params_.PurgeTables();
+    std::setlocale(LC_CTYPE, "C");
+  }
 
   static void Press(KeyPicker& picker, std::initializer_list<Key> keys) {
     for (const Key key : keys) picker.Press(key);

@@ -1,7 +1,6 @@
 #include "KeyPicker.h"
 
 #include <algorithm>
-#include <clocale>
 #include <cwctype>
 #include <limits>
 
@@ -13,13 +12,8 @@ int ScrollTo(int first, int marked, int page) {
   return std::max(std::min(first, marked), marked - page + 1);
 }
 
-// Small letters for capital ones, in every script and whatever the locale of the process is.
 CString Folded(CString text) {
-  static const locale_t every_script = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-  if (every_script == locale_t{}) return text;
-  for (wchar_t& c : text) {
-    c = static_cast<wchar_t>(towlower_l(static_cast<wint_t>(c), every_script));
-  }
+  for (wchar_t& c : text) c = static_cast<wchar_t>(std::towlower(static_cast<wint_t>(c)));
   return text;
 }
 

@@ -4,7 +4,8 @@
 // One stop of the dialog is marked: a row that takes input, or a button. The arrow keys move the
 // mark, Enter works what is marked. Enter on a row opens its drop-down, and so does a character,
 // which then begins a search: only the entries that hold the text stay, those that begin with it on
-// top. Escape closes the drop-down, or else the dialog.
+// top, whatever their capitals as far as the program's locale (LC_CTYPE) knows such letters. Escape
+// closes the drop-down, or else the dialog.
 #pragma once
 
 #include <map>
