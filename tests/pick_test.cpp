@@ -258,7 +258,21 @@ class Session {
 
 constexpr const char* restored_screen = "\x1B[?1049l";
 
-TEST(PickAtTerminal, AnswersWhatTheUserHasConfirmed) {
+// Some machines that build have no pseudo terminals to give.
+class PickAtTerminal : public testing::Test {
+ protected:
+  void SetUp() override {
+    int controller = -1;
+    int terminal = -1;
+    if (openpty(&controller, &terminal, nullptr, nullptr, nullptr) != 0) {
+      GTEST_SKIP() << "no pseudo terminal";
+    }
+    close(controller);
+    close(terminal);
+  }
+};
+
+TEST_F(PickAtTerminal, AnswersWhatTheUserHasConfirmed) {
   const std::string another_instrument = "\tOrder spectrum\r";
   const std::string ok = "\x1BOF\r";
   const struct {
@@ -286,7 +300,7 @@ TEST(PickAtTerminal, AnswersWhatTheUserHasConfirmed) {
   }
 }
 
-TEST(PickAtTerminal, FollowsTheWindowAndRefusesWhatIsNoScreen) {
+TEST_F(PickAtTerminal, FollowsTheWindowAndRefusesWhatIsNoScreen) {
   Session session({"--lang", "en"});
   ASSERT_TRUE(session.WaitFor("Esc leaves"));
   session.Resize(12, 60);
