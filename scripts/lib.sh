@@ -1,4 +1,4 @@
-# What scripts/demo, scripts/test and scripts/fuzz share. To be sourced, from the root of the project.
+# What the scripts of this folder share. To be sourced, from the root of the project.
 # shellcheck shell=bash
 
 # Commands of the user's own environment decide nothing here: the presets name the compilers.
