@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <cmath>
 #include <concepts>
+#include <cstdint>
 #include <cwchar>
 #include <iosfwd>
 #include <string_view>
@@ -45,13 +46,29 @@ inline QValueBase::~QValueBase() = default;
 
 namespace keys {
 
-// First id first, as signed numbers; the next one decides only between equals.
+// Two ids as one number whose order is theirs: the first id, then the second, as signed numbers.
+constexpr std::uint64_t IdPair(int first, int second) {
+  constexpr std::uint64_t sign_bits = 0x80000000'80000000U;
+  return (std::uint64_t{static_cast<std::uint32_t>(first)} << 32U |
+          static_cast<std::uint32_t>(second)) ^
+         sign_bits;
+}
+
+// First id first, as signed numbers; the next one decides only between equals. Two at a time: each
+// branch that a search can't foresee costs more than the comparison does.
 template <int N>
 constexpr bool IdsLess(const int (&a)[N], const int (&b)[N]) {
-  for (int i = 0; i < N - 1; ++i) {
-    if (a[i] != b[i]) return a[i] < b[i];
+  constexpr int last = (N - 1) / 2 * 2;
+  for (int i = 0; i < last; i += 2) {
+    const std::uint64_t pair_a = IdPair(a[i], a[i + 1]);
+    const std::uint64_t pair_b = IdPair(b[i], b[i + 1]);
+    if (pair_a != pair_b) return pair_a < pair_b;
   }
-  return a[N - 1] < b[N - 1];
+  if constexpr (N % 2 != 0) {
+    return a[last] < b[last];
+  } else {
+    return IdPair(a[last], a[N - 1]) < IdPair(b[last], b[N - 1]);
+  }
 }
 
 template <int N>

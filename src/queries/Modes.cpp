@@ -91,8 +91,9 @@ std::wstring CQtParamInstance::VirtModeName(int id) const {
 
 const wchar_t* CQtParamInstance::ModeName(int id) const {
   if (id < 0) return L"";
-  const auto row = Mode().find(id);
-  if (row != Mode().end()) return row->second.text;
+  const auto& names = store_->Table<L"<TMode>">();
+  const auto row = names.find(id);
+  if (row != names.end()) return row->second.text;
   return IsVirtualMode(id) ? store_->Derived().ModeInfo().MadeName(id) : L"";
 }
 
