@@ -52,26 +52,6 @@ char32_t TakeUtf8(std::string_view& text) {
   return c;
 }
 
-char32_t TakeUtf16(std::wstring_view& text) {
-  const auto c = static_cast<char32_t>(text.front());
-  text.remove_prefix(1);
-  if (IsHigh(c) && !text.empty() && IsLow(static_cast<char32_t>(text.front()))) {
-    const auto low = static_cast<char32_t>(text.front());
-    text.remove_prefix(1);
-    return 0x10000 + ((c - 0xD800) << 10) + (low - 0xDC00);
-  }
-  return IsHigh(c) || IsLow(c) || c > 0xFFFF ? kReplacement : c;
-}
-
-void AppendUtf16(std::wstring& out, char32_t c) {
-  if (c < 0x10000) {
-    out += static_cast<wchar_t>(c);
-    return;
-  }
-  out += static_cast<wchar_t>(0xD800 + ((c - 0x10000) >> 10));
-  out += static_cast<wchar_t>(0xDC00 + ((c - 0x10000) & 0x3FF));
-}
-
 void AppendUtf8(std::string& out, char32_t c) {
   const auto tail = [&](int shift) { out += static_cast<char>(0x80 | ((c >> shift) & 0x3F)); };
   if (c < 0x80) {
@@ -93,17 +73,37 @@ void AppendUtf8(std::string& out, char32_t c) {
 
 }  // namespace
 
+char32_t TakeCharacter(std::wstring_view& text) {
+  const auto c = static_cast<char32_t>(text.front());
+  text.remove_prefix(1);
+  if (IsHigh(c) && !text.empty() && IsLow(static_cast<char32_t>(text.front()))) {
+    const auto low = static_cast<char32_t>(text.front());
+    text.remove_prefix(1);
+    return 0x10000 + ((c - 0xD800) << 10) + (low - 0xDC00);
+  }
+  return IsHigh(c) || IsLow(c) || c > 0xFFFF ? kReplacement : c;
+}
+
+void AppendCharacter(std::wstring& text, char32_t character) {
+  if (character < 0x10000) {
+    text += static_cast<wchar_t>(character);
+    return;
+  }
+  text += static_cast<wchar_t>(0xD800 + ((character - 0x10000) >> 10));
+  text += static_cast<wchar_t>(0xDC00 + ((character - 0x10000) & 0x3FF));
+}
+
 std::wstring FromUtf8(std::string_view text) {
   std::wstring out;
   out.reserve(text.size());
-  while (!text.empty()) AppendUtf16(out, TakeUtf8(text));
+  while (!text.empty()) AppendCharacter(out, TakeUtf8(text));
   return out;
 }
 
 std::string ToUtf8(std::wstring_view text) {
   std::string out;
   out.reserve(text.size());
-  while (!text.empty()) AppendUtf8(out, TakeUtf16(text));
+  while (!text.empty()) AppendUtf8(out, TakeCharacter(text));
   return out;
 }
 

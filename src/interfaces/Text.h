@@ -23,6 +23,12 @@ KESTRIN_API std::wstring FromUtf8(std::string_view text);
 // U+FFFD.
 KESTRIN_API std::string ToUtf8(std::wstring_view text);
 
+// Takes the first character off a text that is not empty and gives its code point; U+FFFD as above.
+KESTRIN_API char32_t TakeCharacter(std::wstring_view& text);
+
+// Appends a code point as one code unit or two.
+KESTRIN_API void AppendCharacter(std::wstring& text, char32_t character);
+
 // White space, one fixed set for everything that is read: tab, line feed, vertical tab, form feed,
 // carriage return, blank.
 constexpr bool IsSpace(wchar_t c) { return c == L' ' || (c >= L'\t' && c <= L'\r'); }

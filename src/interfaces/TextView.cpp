@@ -15,26 +15,17 @@ namespace {
 using TextView::Frame;
 using TextView::Lines;
 
-// The number of elements of the character at `position`.
-std::size_t CharacterLength(std::wstring_view text, std::size_t position) {
-  const bool pair = text[position] >= 0xD800 && text[position] < 0xDC00 &&
-                    position + 1 < text.size() && text[position + 1] >= 0xDC00 &&
-                    text[position + 1] < 0xE000;
-  return pair ? 2 : 1;
-}
-
 // As many whole characters as go into `columns`. Control characters become blanks, so that a name
 // with a line end in it doesn't tear the picture.
 CString Cut(std::wstring_view text, int columns) {
   CString out;
-  int used = 0;
-  for (std::size_t i = 0; i < text.size();) {
-    const std::wstring_view character = text.substr(i, CharacterLength(text, i));
-    used += TextColumns(character);
-    if (used > columns) break;
-    const bool control = character[0] < L' ' || (character[0] >= 0x7F && character[0] < 0xA0);
-    out += control ? std::wstring_view(L" ") : character;
-    i += character.size();
+  while (!text.empty()) {
+    const std::wstring_view rest = text;
+    const char32_t c = Text::TakeCharacter(text);
+    columns -= TextColumns(rest.substr(0, rest.size() - text.size()));
+    if (columns < 0) break;
+    const bool control = c < U' ' || (c >= 0x7F && c < 0xA0);
+    Text::AppendCharacter(out, control ? U' ' : c);
   }
   return out;
 }

@@ -86,13 +86,7 @@ COLORREF GetSysColor(int index) {
 
 int TextColumns(std::wstring_view text) {
   int columns = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    auto c = static_cast<char32_t>(text[i]);
-    const bool pair = c >= 0xD800 && c < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
-                      text[i + 1] < 0xE000;
-    if (pair) c = 0x10000 + ((c - 0xD800) << 10U) + (static_cast<char32_t>(text[++i]) - 0xDC00);
-    columns += CharacterColumns(c);
-  }
+  while (!text.empty()) columns += CharacterColumns(Text::TakeCharacter(text));
   return columns;
 }
 

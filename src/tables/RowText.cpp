@@ -115,10 +115,9 @@ const char* ReadNumber(const FieldRef& field, std::wstring_view& line) {
                   line);
     case FieldKind::real: {
       const auto number = Number::ScanDouble(line);
-      float& real = *static_cast<float*>(field.place);
-      const char* failure = Take(real, number, stof_texts, line);
-      if (failure == no_error) real = Number::ToFloat(number.value);
-      return failure;
+      const Number::Scanned<float> rounded{Number::ToFloat(number.value), number.used,
+                                           number.state};
+      return Take(*static_cast<float*>(field.place), rounded, stof_texts, line);
     }
     case FieldKind::key:
       return ReadKey(*static_cast<QClavis*>(field.place), line);

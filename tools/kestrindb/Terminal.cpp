@@ -33,23 +33,14 @@ void UseCharactersOfTheEnvironment() {
 // As much of a line as goes into the columns, with one element a character.
 std::wstring WholeCharacters(std::wstring_view line, int columns) {
   std::wstring out;
-  for (std::size_t i = 0; i < line.size();) {
-    const bool pair = line[i] >= 0xD800 && line[i] < 0xDC00 && i + 1 < line.size();
-    const std::wstring_view units = line.substr(i, pair ? 2 : 1);
-    columns -= TextColumns(units);
+  while (!line.empty()) {
+    const std::wstring_view rest = line;
+    const char32_t character = Text::TakeCharacter(line);
+    columns -= TextColumns(rest.substr(0, rest.size() - line.size()));
     if (columns < 0) break;
-    out += pair ? static_cast<wchar_t>(0x10000 + ((units[0] - 0xD800) << 10) + (units[1] - 0xDC00))
-                : units[0];
-    i += units.size();
+    out += static_cast<wchar_t>(character);
   }
   return out;
-}
-
-CString CodeUnits(wint_t character) {
-  if (character < 0x10000) return {static_cast<wchar_t>(character)};
-  const wint_t rest = character - 0x10000;
-  return {static_cast<wchar_t>(0xD800 + (rest >> 10U)),
-          static_cast<wchar_t>(0xDC00 + (rest & 0x3FFU))};
 }
 
 std::optional<Key> FunctionKey(wint_t code) {
@@ -179,7 +170,9 @@ Terminal::Input Terminal::Next() {
   if (character == escape && SkipPendingInput()) return {};
   if (const auto key = ControlKey(character)) return {key, {}, false};
   if (character < L' ') return {};
-  return {{}, CodeUnits(character), false};
+  CString typed;
+  Text::AppendCharacter(typed, character);
+  return {{}, typed, false};
 }
 
 }  // namespace kestrindb
