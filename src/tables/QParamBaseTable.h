@@ -18,6 +18,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
@@ -117,10 +118,16 @@ class KESTRIN_API CDynNameIdTable : public CQParamSeaTypedTable<CNameMap> {
  private:
   bool Index(bool was_read);
 
-  // By the view, so that a name is looked up without a copy of it.
-  struct NameHash {
+  // By the view, so that a name is looked up without a copy of it; with a secret of the process, so
+  // that no file can hold names that are made to collide.
+  class NameHash {
+   public:
     using is_transparent = void;
+    NameHash();
     std::size_t operator()(std::wstring_view text) const;
+
+   private:
+    std::uint64_t secret_;
   };
 
   std::unordered_map<std::wstring, int, NameHash, std::equal_to<>> ids_by_name_;
