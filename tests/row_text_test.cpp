@@ -2,8 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "tables/RowText.h"
 #include "test_store.h"
@@ -12,6 +13,7 @@ namespace {
 
 using TableType::FieldKind;
 using TableType::FieldRef;
+using Lines = std::vector<testing_support::Log::Line>;
 
 // One field of each kind, with a value that tells whether it was touched.
 struct Fields {
@@ -24,23 +26,14 @@ struct Fields {
   QClavis key{7, 7, 7, 7, 7, 7};
 
   FieldRef Ref(FieldKind kind) {
-    switch (kind) {
-      case FieldKind::integer:
-        return {kind, &integer};
-      case FieldKind::unsigned_int:
-        return {kind, &unsigned_int};
-      case FieldKind::long_int:
-        return {kind, &long_int};
-      case FieldKind::long_long:
-        return {kind, &long_long};
-      case FieldKind::real:
-        return {kind, &real};
-      case FieldKind::text:
-        return {kind, text};
-      case FieldKind::key:
-        return {kind, &key};
-    }
-    return {};
+    const FieldRef refs[] = {{FieldKind::integer, &integer},
+                             {FieldKind::unsigned_int, &unsigned_int},
+                             {FieldKind::long_int, &long_int},
+                             {FieldKind::long_long, &long_long},
+                             {FieldKind::real, &real},
+                             {FieldKind::text, text},
+                             {FieldKind::key, &key}};
+    return *std::ranges::find(refs, kind, &FieldRef::kind);
   }
 
   std::wstring Text(FieldKind kind) {
@@ -84,7 +77,6 @@ TEST(RowText, FieldsTakeWhatIsTheirsAndLeaveTheRest) {
       {U, L"4294967295", L"4294967295", L""},
       {U, L"4294967296", L"77", L"4294967296", "stoul argument out of range"},
       {U, L"u", L"77", L"u", "invalid stoul argument"},
-      {L, L"-2147483648", L"-2147483648", L""},
       {L, L"2147483648", L"77", L"2147483648", "stol argument out of range"},
       {L, L"\"", L"77", L"\"", "invalid stol argument"},
       {LL, L"9223372036854775807", L"9223372036854775807", L""},
@@ -104,7 +96,6 @@ TEST(RowText, FieldsTakeWhatIsTheirsAndLeaveTheRest) {
       {T, L"\"no end", L"no end", L""},
       {T, L"in\"word x", L"in\"word", L" x"},
       {T, L"\"\" 1", L"", L" 1"},
-      {T, L"", L"", L""},
       {T, L"   ", L"", L""},
       {K, L"1 2 3", L"1 2 3 7 7 7", L""},
       {K, L"1 2 x", L"1 2 7 7 7 7", L" x", "invalid stoi argument"},
@@ -147,11 +138,9 @@ TEST(RowText, ANumberThatFailsIsLoggedWithWhatWasLeft) {
   EXPECT_FALSE(RowText::Read(refs, rest));
   EXPECT_EQ(rest, L" x 7");
   EXPECT_EQ(fields.real, 77);
-  ASSERT_EQ(log.lines.size(), 1U);
-  EXPECT_EQ(log.lines[0],
-            (testing_support::Log::Line{L"Error converting parameter sea to parameter tables: "
-                                        L"'invalid stoi argument' for substring ' x 7'\n",
-                                        8, 0}));
+  EXPECT_EQ(log.lines, (Lines{{L"Error converting parameter sea to parameter tables: "
+                               L"'invalid stoi argument' for substring ' x 7'\n",
+                               8, 0}}));
 }
 
 TEST(RowText, CopiesAreCutAtTheBufferAndTheCutIsLogged) {
@@ -159,14 +148,11 @@ TEST(RowText, CopiesAreCutAtTheBufferAndTheCutIsLogged) {
   wchar_t buffer[5] = L"----";
   EXPECT_TRUE(TableType::strcopy(buffer, L"abcd", 5));
   EXPECT_STREQ(buffer, L"abcd");
-  EXPECT_TRUE(log.lines.empty());
   EXPECT_FALSE(TableType::strcopy(buffer, L"vwxyz", 5));
   EXPECT_STREQ(buffer, L"vwxy");
-  ASSERT_EQ(log.lines.size(), 1U);
-  EXPECT_EQ(log.lines[0],
-            (testing_support::Log::Line{L"TableType::strcopy(): copy truncated because destination "
-                                        L"string with length 5 can't take 'vwxyz'\n",
-                                        1, 1}));
+  EXPECT_EQ(log.lines, (Lines{{L"TableType::strcopy(): copy truncated because destination string "
+                               L"with length 5 can't take 'vwxyz'\n",
+                               1, 1}}));
   EXPECT_TRUE(TableType::strcopy(buffer, nullptr, 5));
   EXPECT_STREQ(buffer, L"");
   EXPECT_FALSE(TableType::strcopy(buffer, L"x", 0));
