@@ -11,6 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstddef>
 #include <filesystem>
@@ -118,10 +119,10 @@ class TracedSave {
 class InterruptedSave : public testing::Test {
  protected:
   InterruptedSave() {
-    Add(L"old");
+    CResourceList list(&sea_, L"a list");
     sea_.Save(file_.name());
     old_ = file_.bytes();
-    Add(std::wstring(10000, L'n'));  // more than the buffer of a file takes at once
+    list.AddLineTail()->SetSeaLine(std::wstring(10000, L'n').c_str());  // more than one write
     sea_.Save(file_.name());
     new_ = file_.bytes();
   }
@@ -132,15 +133,18 @@ class InterruptedSave : public testing::Test {
     }
   }
 
-  void BringBackTheOldFile() const {
-    std::ofstream(file_.path(), std::ios::binary | std::ios::trunc) << old_;
+  // A save over the old file.
+  TracedSave Begin() const {
+    std::ofstream(file_.path(), std::ios::binary) << old_;
+    return TracedSave(sea_, file_.name());
   }
 
   // What stands beside the file and bears its name.
-  std::vector<fs::path> Remains() const {
-    std::vector<fs::path> remains;
+  std::vector<std::string> Remains() const {
+    std::vector<std::string> remains;
     for (const auto& entry : fs::directory_iterator(fs::path(file_.path()).parent_path())) {
-      if (entry.path().string().starts_with(file_.path() + ".")) remains.push_back(entry.path());
+      const std::string path = entry.path().string();
+      if (path.starts_with(file_.path() + ".")) remains.push_back(path);
     }
     return remains;
   }
@@ -149,34 +153,27 @@ class InterruptedSave : public testing::Test {
   const ScratchFile file_;
   std::string old_;
   std::string new_;
-
- private:
-  void Add(const std::wstring& line) {
-    CResourceList(&sea_, L"a list").AddLineTail()->SetSeaLine(line.c_str());
-  }
 };
 
 TEST_F(InterruptedSave, KilledAtAnyCallLeavesTheOldSeaOrTheNewOneAndNoHindrance) {
   std::set<std::string> left;
   std::size_t most_remains = 0;
-  for (int stop = 1; !HasFailure(); ++stop) {
+  // The process lives as long as the condition.
+  for (int stop = 1; !HasFailure() && Begin().RunToStop(stop); ++stop) {
     SCOPED_TRACE(stop);
-    BringBackTheOldFile();
-    if (!TracedSave(sea_, file_.name()).RunToStop(stop)) break;
-    EXPECT_TRUE(file_.bytes() == old_ || file_.bytes() == new_);
     left.insert(file_.bytes());
 
     // Numbers of processes come again: what remains is where this process will look next.
-    const std::vector<fs::path> remains = Remains();
+    const std::vector<std::string> remains = Remains();
     most_remains = std::max(most_remains, remains.size());
-    for (const fs::path& path : remains) {
-      fs::rename(path, file_.path() + "." + std::to_string(getpid()) +
-                           path.string().substr(path.string().rfind('-')));
+    for (const std::string& path : remains) {
+      fs::rename(path,
+                 file_.path() + "." + std::to_string(getpid()) + path.substr(path.rfind('-')));
     }
     EXPECT_TRUE(sea_.Save(file_.name()));
     EXPECT_EQ(file_.bytes(), new_);
     EXPECT_EQ(Remains().size(), remains.size());
-    for (const fs::path& path : Remains()) fs::remove(path);
+    for (const std::string& path : Remains()) fs::remove(path);
   }
   EXPECT_EQ(left, (std::set{old_, new_}));
   EXPECT_EQ(most_remains, 1U);
@@ -186,8 +183,7 @@ TEST_F(InterruptedSave, RefusedAnyCallReportsItOrDoesWithout) {
   std::set<long> needed;
   for (int call = 1; !HasFailure(); ++call) {
     SCOPED_TRACE(call);
-    BringBackTheOldFile();
-    TracedSave save(sea_, file_.name());
+    TracedSave save = Begin();
     if (!save.RunToStop(2 * call - 1)) break;
     const long number = save.RefuseCall();
     const int end = save.End();
