@@ -124,23 +124,23 @@ namespace {
 // Turns blocks of bytes into blocks of wide text.
 class Decoder {
  public:
-  explicit Decoder(bool utf8) : utf8_(utf8), text_(kBlock) {}
+  explicit Decoder(bool utf8) : utf8_(utf8) {}
 
   // Takes what it can off the front of the bytes, of which there are at most kBlock, and leaves
   // there a sequence that they cut. The text is good until the next call.
   std::wstring_view decode(std::span<const char>& bytes) {
-    wchar_t* end = text_.data();
+    wchar_t* end = text_.get();
     if (utf8_) {
       const char* next = nullptr;
       const auto outcome = facet_.in(state_, bytes.data(), bytes.data() + bytes.size(), next,
-                                     text_.data(), text_.data() + text_.size(), end);
+                                     text_.get(), text_.get() + kBlock, end);
       broken_ = outcome == utf8toucs2::error;
       bytes = bytes.subspan(static_cast<std::size_t>(next - bytes.data()));
     } else {
       for (const char byte : bytes) *end++ = static_cast<unsigned char>(byte);
       bytes = {};
     }
-    return {text_.data(), static_cast<std::size_t>(end - text_.data())};
+    return {text_.get(), static_cast<std::size_t>(end - text_.get())};
   }
 
   // True once the bytes have shown to be no text.
@@ -151,7 +151,8 @@ class Decoder {
   std::mbstate_t state_{};
   bool utf8_;
   bool broken_ = false;
-  std::vector<wchar_t> text_;  // no byte gives more than one unit, so a block always has room
+  // No byte gives more than one unit, so a block always has room.
+  std::unique_ptr<wchar_t[]> text_ = std::make_unique_for_overwrite<wchar_t[]>(kBlock);
 };
 
 // Cuts text into lines, of which most stand whole in one piece.
@@ -200,7 +201,8 @@ bool FillTo(const LakeReader::Source& source, std::span<char> block, std::size_t
 }  // namespace
 
 bool LakeReader::read(CLake& lake, const Source& source) {
-  std::vector<char> block(kBlock);
+  const auto bytes_read = std::make_unique_for_overwrite<char[]>(kBlock);
+  const std::span<char> block(bytes_read.get(), kBlock);
   std::size_t have = 0;
   bool sound = FillTo(source, block, have, 1);
   bool marked = false;
