@@ -199,17 +199,11 @@ TEST(Catalogue, AccessorsGiveTheTablesOfTheirNames) {
 TEST(Catalogue, FieldsOfARowGoWhereTheirNamesSay) {
   testing_support::TestStore data(
       "<TAppSignalProperty>: {\n12 1 \"bar\" 2.5 7 3\n}\n"
-      "<TErrorGroup>: {\n3\n}\n"
-      "<TAutoModeSelector>: {\n1 10 11 12\n1 20 21 22 23 24 25 1.5 2.5 7\n}\n"
-      "<TIpPolygonValue>: {\n4 2.5 1\n4 1.5 2\n4 2.5 3\n}\n");
+      "<TAutoModeSelector>: {\n1 10 11 12\n1 20 21 22 23 24 25 1.5 2.5 7\n}\n");
   const auto& signal = data.params.AppSignalProperty().find(12)->second;
   EXPECT_EQ(std::tuple(signal.signal_type, std::wstring(signal.unit_text), signal.third,
                        signal.unit_code, signal.unit_prefix),
             std::tuple(1, L"bar", 2.5F, 7, 3));
-
-  const auto& severity = data.params.SeverityProperty().find(3)->second;
-  EXPECT_EQ(severity.second, 4);
-  EXPECT_STREQ(severity.text_2, L"");
 
   // A key inside a row is read as far as its line goes; what it doesn't reach stays.
   auto selector = data.params.AutoModeSelector().begin();
@@ -217,11 +211,6 @@ TEST(Catalogue, FieldsOfARowGoWhereTheirNamesSay) {
   ++selector;
   EXPECT_EQ(selector->second.clavis, QClavis(20, 21, 22, 23, 24, 25));
   EXPECT_EQ(selector->second.fourth, 7);
-
-  const auto& points = data.store.Table<L"<TIpPolygonValue>">();
-  ASSERT_EQ(points.size(), 2U);
-  EXPECT_EQ(points[0].first.value, 1.5F);
-  EXPECT_EQ(points[1].second.y, 1.0F);
 }
 
 TEST(Catalogue, LearnTimesAreThoseOfTheLoad) {

@@ -9,12 +9,12 @@
 
 #include <algorithm>
 #include <ctime>
-#include <functional>
-#include <limits>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "allocation_count.h"
 #include "frame/ParameterCheck.h"
@@ -48,26 +48,11 @@ struct Piece {
   std::string Text(std::size_t count) const {
     std::string text = front;
     for (std::size_t i = 0; i < count; ++i) {
+      const std::map<char, std::size_t> numbers = {
+          {'#', i}, {'^', i + 1}, {'&', (i + 1) % count}, {'@', count - i}, {'%', i % 2}};
       for (const char c : repeated) {
-        switch (c) {
-          case '#':
-            text += std::to_string(i);
-            break;
-          case '^':
-            text += std::to_string(i + 1);
-            break;
-          case '&':
-            text += std::to_string((i + 1) % count);
-            break;
-          case '@':
-            text += std::to_string(count - i);
-            break;
-          case '%':
-            text += std::to_string(i % 2);
-            break;
-          default:
-            text += c;
-        }
+        const auto number = numbers.find(c);
+        text += number == numbers.end() ? std::string(1, c) : std::to_string(number->second);
       }
     }
     return text + back;

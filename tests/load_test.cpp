@@ -73,7 +73,7 @@ TEST(VersionGate, AcceptsMajor215FromMinor1On) {
 TEST(Documents, NamesAreCutToOneWord) {
   const std::pair<const wchar_t*, const wchar_t*> cases[] = {{L"\"two words\" third", L"two words"},
                                                              {L"two words", L"two"},
-                                                             {L"\"no end ", L"no end"},
+                                                             {L"\"no end", L"no end"},
                                                              {L"\"\" x", L""},
                                                              {L"", L""},
                                                              {L"a\"b c", L"a\"b"},
