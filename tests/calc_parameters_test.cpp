@@ -4,7 +4,10 @@
 
 #include <limits>
 #include <list>
+#include <sstream>
 #include <string>
+#include <tuple>
+#include <utility>
 
 #include "frame/ModuleStrings.h"
 #include "test_store.h"
@@ -19,14 +22,9 @@ constexpr int highest = std::numeric_limits<int>::max();
 
 // The texts between bars.
 Texts Split(const CString& joined) {
-  Texts texts(1);
-  for (const wchar_t c : joined) {
-    if (c == L'|') {
-      texts.emplace_back();
-    } else {
-      texts.back() += c;
-    }
-  }
+  Texts texts;
+  std::wistringstream stream(joined);
+  for (CString text; std::getline(stream, text, L'|');) texts.push_back(text);
   return texts;
 }
 
@@ -39,23 +37,6 @@ constexpr const wchar_t* calc_parameters =
     L"2nd source parameter|Source location|2nd Polygon|Composite Action Test|Calculation special|"
     L"Shifting Evaluation|Track parameter A|Track parameter B|Track parameter C|"
     L"Track parameter D|Track parameter E|y start|y end|Polygon mode";
-
-// Those with a list of values: how many it shows, and all texts that there are.
-struct Values {
-  int number;
-  std::size_t listed;
-  const wchar_t* texts;
-};
-constexpr Values values[] = {
-    {0, 7, L"not defined|Minimum|Maximum|Average|Log. average / RMS|Sum|Log. sum"},
-    {2, 9, L"not defined|(1)|Points maximum|(3)|(4)|(5)|Maximum|(7)|Sum"},
-    {9, 5,
-     L"not defined|Minimum|Maximum|Sum above|Sum below|Deviation|RMS above|RMS below|"
-     L"Minimum value|Maximum value|Area above|Area below"},
-    {27, 5, L"invalid|Addition|Subtraction|Multiplication|Rel.Magn."},
-    {33, 4, L"Standard|Median|Quantile 95%|Quantile 90%"},
-    {34, 3, L"End position|Maximum position|Maximum force|Position max. force|Shifting time"},
-};
 
 constexpr int english = 9;
 
@@ -74,14 +55,11 @@ TEST_F(CalcParameterTexts, GoWithTheirNumbers) {
   EXPECT_EQ(Row::GetCalcParamEnumTexts(texts), 43U);
   EXPECT_EQ(texts, Split(calc_parameters));
   int number = 0;
-  for (const CString& text : texts) {
-    EXPECT_EQ(Row::GetCalcParamEnumText(number++), text);
-  }
+  for (const CString& text : texts) EXPECT_EQ(Row::GetCalcParamEnumText(number++), text);
   const std::pair<int, const wchar_t*> others[] = {
       {43, L"Calculation parameter #43"},
       {-1, L"Calculation parameter"},  // its neighbour in the string table
       {100, L"not defined"},
-      {-2, L"Calculation parameter #-2"},
       {-101, L"Calculation parameter #-101"},
       {highest, L"Calculation parameter #2147483647"},
       {lowest, L"Calculation parameter #-2147483648"}};
@@ -89,61 +67,59 @@ TEST_F(CalcParameterTexts, GoWithTheirNumbers) {
 }
 
 TEST_F(CalcParameterTexts, NameTheValues) {
-  for (const Values& of : values) {
-    Texts expected = Split(of.texts);
+  // The number of a parameter, how many of its values a list shows, and all texts that there are.
+  const std::tuple<int, std::size_t, const wchar_t*> values[] = {
+      {0, 7, L"not defined|Minimum|Maximum|Average|Log. average / RMS|Sum|Log. sum"},
+      {2, 9, L"not defined|(1)|Points maximum|(3)|(4)|(5)|Maximum|(7)|Sum"},
+      {9, 5,
+       L"not defined|Minimum|Maximum|Sum above|Sum below|Deviation|RMS above|RMS below|"
+       L"Minimum value|Maximum value|Area above|Area below"},
+      {27, 5, L"invalid|Addition|Subtraction|Multiplication|Rel.Magn."},
+      {33, 4, L"Standard|Median|Quantile 95%|Quantile 90%"},
+      {34, 3, L"End position|Maximum position|Maximum force|Position max. force|Shifting time"},
+      // Those without.
+      {1, 1, L"(0)"},
+      {35, 1, L"(0)"},
+      {lowest, 1, L"(0)"},
+  };
+  for (const auto& [number, listed, joined] : values) {
+    SCOPED_TRACE(number);
+    Texts expected = Split(joined);
+    const bool has_names = expected.size() > 1;
     int value = 0;
     for (const CString& text : expected) {
-      EXPECT_EQ(Row::GetCalcParamEnumSubText(of.number, value++), text) << of.number;
+      EXPECT_EQ(Row::GetCalcParamEnumSubText(number, value++), has_names ? text : L"");
     }
-    Texts texts = {L"what was there"};
-    EXPECT_EQ(Row::GetCalcParamEnumSubTexts(of.number, texts), of.listed) << of.number;
-    expected.resize(of.listed);
-    EXPECT_EQ(texts, expected) << of.number;
     for (const int unknown : {value, highest, lowest}) {
-      EXPECT_EQ(Row::GetCalcParamEnumSubText(of.number, unknown), L"") << of.number;
+      EXPECT_EQ(Row::GetCalcParamEnumSubText(number, unknown), L"");
     }
-  }
-  for (const int number : {1, 35, 43, -1, highest, lowest}) {
     Texts texts = {L"what was there"};
-    EXPECT_EQ(Row::GetCalcParamEnumSubTexts(number, texts), 1U) << number;
-    EXPECT_EQ(texts, Texts{L"(0)"}) << number;
-    EXPECT_EQ(Row::GetCalcParamEnumSubText(number, 0), L"") << number;
+    EXPECT_EQ(Row::GetCalcParamEnumSubTexts(number, texts), listed);
+    expected.resize(listed);
+    EXPECT_EQ(texts, expected);
   }
 }
 
 TEST_F(CalcParameterTexts, SpeakTheUsersLanguage) {
-  for (const Language& language : Languages()) {
-    SetUserLanguage(language.id);
-    Texts texts;
-    Row::GetCalcParamEnumTexts(texts);
-    EXPECT_EQ(texts.size(), 43U);
-    EXPECT_EQ(*FindModuleString(100 + 9, language), *std::next(texts.begin(), 9));
-    const CString unknown = Row::GetCalcParamEnumText(43);
-    EXPECT_EQ(unknown, *FindModuleString(99, language) + L" #43");
-    const bool shares_english = language.id == english || language.tag == "default";
-    EXPECT_EQ(unknown == L"Calculation parameter #43", shares_english) << language.tag;
-  }
+  SetUserLanguage("de");
+  EXPECT_EQ(Row::GetCalcParamEnumText(32), L"W\u00E4lzpr\u00FCfung");
+  EXPECT_EQ(Row::GetCalcParamEnumText(43), *FindModuleString(99, *FindLanguage("de")) + L" #43");
+  EXPECT_NE(Row::GetCalcParamEnumText(43), L"Calculation parameter #43");
 }
 
 TEST(CalcParameterValues, AreReadFromTheStartOfTheText) {
-  struct Case {
-    const wchar_t* text;
-    int integer;
-    float real;
-  };
-  const Case cases[] = {
-      {L"", -1, 0.0F},         {L"12abc", 12, 12.0F},
-      {L"abc", 0, 0.0F},       {L"1.5", 1, 1.5F},
-      {L" \t-7 8", -7, -7.0F}, {L" ", 0, 0.0F},
-      {L"+3", 3, 3.0F},        {L"1,5", 1, 1.0F},
-      {L"0x10", 0, 16.0F},     {L"1e400", 1, std::numeric_limits<float>::infinity()},
-  };
-  for (const Case& c : cases) {
+  const std::tuple<const wchar_t*, int, float> cases[] = {
+      {L"", -1, 0.0F},     {L"12abc", 12, 12.0F},
+      {L"abc", 0, 0.0F},   {L"1.5", 1, 1.5F},
+      {L" ", 0, 0.0F},     {L" \t-7 8", -7, -7.0F},
+      {L"+3", 3, 3.0F},    {L"1,5", 1, 1.0F},
+      {L"0x10", 0, 16.0F}, {L"1e400", 1, std::numeric_limits<float>::infinity()}};
+  for (const auto& [text, integer, real] : cases) {
     Row row;
-    std::wcscpy(row.text, c.text);
-    EXPECT_EQ(row.ValueInt(), c.integer) << Text::ToUtf8(c.text);
-    EXPECT_EQ(row.ValueFloat(), c.real) << Text::ToUtf8(c.text);
-    EXPECT_STREQ(Row(row).ValueText(), c.text);
+    std::wcscpy(row.text, text);
+    EXPECT_EQ(row.ValueInt(), integer) << Text::ToUtf8(text);
+    EXPECT_EQ(row.ValueFloat(), real) << Text::ToUtf8(text);
+    EXPECT_STREQ(Row(row).ValueText(), text);
   }
 }
 

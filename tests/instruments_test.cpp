@@ -4,6 +4,8 @@
 
 #include <climits>
 #include <map>
+#include <numeric>
+#include <tuple>
 #include <vector>
 
 #include "test_store.h"
@@ -12,20 +14,12 @@ namespace {
 
 using Params = CQtParamInstance;
 
-// Every id of the suite and all numbers around them.
-template <class Check>
-void ForManyInstruments(Check check) {
-  for (int instrument = -2; instrument < 22000; ++instrument) check(instrument);
-  check(INT_MAX);
-  check(INT_MIN);
-}
-
 int Find(const std::map<int, int>& map, int instrument, int otherwise) {
   const auto found = map.find(instrument);
   return found == map.end() ? otherwise : found->second;
 }
 
-TEST(Instruments, AreClassifiedByTheirIds) {
+TEST(Instruments, AreClassifiedAndLeadToTheirTracksByTheirIds) {
   const std::map<int, std::vector<int>> instruments_by_type = {
       {-1, {8000, 8999}},
       {1, {1001, 1002, 1003, 1004,  1005,  1006,  1007,  1050,  1051,  1060,  1061,
@@ -37,43 +31,36 @@ TEST(Instruments, AreClassifiedByTheirIds) {
       {5, {3500}},
       {6, {3600, 3700}}};
   std::map<int, int> types;
-  for (const auto& [type, instruments] : instruments_by_type) {
-    for (const int instrument : instruments) types[instrument] = type;
+  for (const auto& [type, ids] : instruments_by_type) {
+    for (const int instrument : ids) types[instrument] = type;
   }
-  ASSERT_EQ(types.size(), 58U);
-  ForManyInstruments([&](int instrument) {
-    SCOPED_TRACE(instrument);
-    const int type = Find(types, instrument, 0);
-    EXPECT_EQ(Params::ResultType(instrument), type);
-    EXPECT_EQ(Params::IsSingleValueInstrument(instrument), type == 1);
-    EXPECT_EQ(Params::IsTrackInstrument(instrument), type == 2 || type == 5);
-    EXPECT_EQ(Params::IsSpectrumInstrument(instrument), type == 3);
-    EXPECT_EQ(Params::Is2dDataInstrument(instrument), type == 6);
-  });
-}
-
-TEST(Instruments, LeadToTheirTracksAndBack) {
   std::map<int, int> to_track = {{1001, 2001}, {1002, 2002}, {1003, 2003}, {1004, 2004},
                                  {1005, 2005}, {1700, 2070}, {2500, 3500}, {20000, 21000}};
   std::map<int, int> to_scalar;
   for (const auto& [scalar, track] : to_track) to_scalar[track] = scalar;
   to_track[1070] = 2070;  // one way only
-  ForManyInstruments([&](int instrument) {
-    SCOPED_TRACE(instrument);
-    EXPECT_EQ(Params::ScalarInstrumentToTrackInstrument(instrument),
-              Find(to_track, instrument, -1));
-    EXPECT_EQ(Params::TrackInstrumentToScalarInstrument(instrument),
-              Find(to_scalar, instrument, -1));
-  });
+
+  // Every id of the suite and all numbers around them.
+  std::vector<int> instruments(22002);
+  std::iota(instruments.begin(), instruments.end(), -2);
+  for (const int extreme : {INT_MAX, INT_MIN}) instruments.push_back(extreme);
+  for (const int id : instruments) {
+    const int type = Find(types, id, 0);
+    EXPECT_EQ(
+        std::tuple(Params::ResultType(id), Params::IsSingleValueInstrument(id),
+                   Params::IsTrackInstrument(id), Params::IsSpectrumInstrument(id),
+                   Params::Is2dDataInstrument(id), Params::ScalarInstrumentToTrackInstrument(id),
+                   Params::TrackInstrumentToScalarInstrument(id)),
+        std::tuple(type, type == 1, type == 2 || type == 5, type == 3, type == 6,
+                   Find(to_track, id, -1), Find(to_scalar, id, -1)))
+        << id;
+  }
 }
 
 TEST(Instruments, OwnTheirParameters) {
-  const char* const table = "<TInstrumentParam>: {\n17 1001 RMS\n18 -7 Odd\n0 2001 Zero\n}\n";
-  testing_support::TestStore data;
-  EXPECT_EQ(data.params.InstrumentParameterToInstrument(17), -1);
-  ASSERT_TRUE(data.Load(table));
-  const std::pair<int, int> cases[] = {{17, 1001}, {18, -7},      {0, 2001},     {-1, -1},
-                                       {1, -1},    {INT_MAX, -1}, {INT_MIN, -1}, {1001, -1}};
+  testing_support::TestStore data(
+      "<TInstrumentParam>: {\n17 1001 RMS\n18 -7 Odd\n0 2001 Zero\n}\n");
+  const std::pair<int, int> cases[] = {{17, 1001}, {18, -7}, {0, 2001}, {-1, -1}, {1, -1}};
   for (const auto& [parameter, instrument] : cases) {
     EXPECT_EQ(data.params.InstrumentParameterToInstrument(parameter), instrument) << parameter;
   }

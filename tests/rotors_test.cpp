@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <limits>
 #include <random>
+#include <set>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -26,36 +26,44 @@ std::vector<int> OrderSources(const P& params, int mode, int channel, int rotor)
   return sources;
 }
 
+// Of an order source: physical gear, rotor, speed source and its signal, the speed over that of the
+// speed source, base order. Of the rotor of the same number: the signal of its speed source.
+using Answers = std::tuple<int, int, int, int, float, float, int>;
+
+Answers Ask(const P& params, int mode, int id) {
+  return {params.PhysicalGear(mode, id),
+          params.OrderSource2Rotor(mode, id),
+          params.RotorSpeedSource(mode, id),
+          params.RotorSpeedSourceAppId(mode, id),
+          params.RotorFrequencyRelativeToSpeedSourceRotor(mode, id),
+          params.BaseOrder(mode, id),
+          params.SpeedInfoOfRotor(mode, id)};
+}
+
 // The sample's gears by their teeth, its bearing by its measures.
 TEST(SampleGearbox, TurnsAtTheOrdersOfItsTeethAndBearings) {
   TestStore data;
   ASSERT_TRUE(data.LoadSample());
-  struct Case {
-    int source, rotor;
-    double spur, helical;  // orders on the axis of the input shaft
-  };
-  std::vector<Case> cases = {{1, 1, 1, 1},    {2, 2, 1. / 3, 1. / 3}, {3, 3, 0.2, 0.2},
-                             {11, 1, 32, 16}, {12, 2, 32, 16},        {13, 2, 16, 8},
-                             {14, 3, 16, 8}};
+  // Source, rotor, orders of spur and helical gears on the axis of the input shaft.
+  std::vector<std::tuple<int, int, double, double>> cases = {
+      {1, 1, 1, 1},    {2, 2, 1. / 3, 1. / 3}, {3, 3, 0.2, 0.2}, {11, 1, 32, 16},
+      {12, 2, 32, 16}, {13, 2, 16, 8},         {14, 3, 16, 8}};
   const double n = 8;
   const double d = 0.3125 / 1.319;  // a rolling element against the pitch circle
   const double orders[] = {n / 2 * (1 - d), n / 2 * (1 + d), (1 - d * d) / (2 * d), (1 - d) / 2};
   for (int i = 0; i < 4; ++i) {
-    cases.push_back({21 + i, 1, orders[i], orders[i]});
-    cases.push_back({31 + i, 2, orders[i] / 3, orders[i] / 3});
-    cases.push_back({41 + i, 3, orders[i] / 5, orders[i] / 5});
+    for (const auto& [rotor, slower] : {std::pair(1, 1), {2, 3}, {3, 5}}) {
+      cases.emplace_back(11 + 10 * rotor + i, rotor, orders[i] / slower, orders[i] / slower);
+    }
   }
-  for (const Case& c : cases) {
+  for (const auto& [source, rotor, spur, helical] : cases) {
     const std::tuple<int, double, int, int> modes[] = {
-        {130, c.spur, 1, 2}, {230, c.helical, 1, 2}, {170, 5 * c.spur, 3, 3}};
+        {130, spur, 1, 2}, {230, helical, 1, 2}, {170, 5 * spur, 3, 3}};
     for (const auto& [mode, order, speed_source, signal] : modes) {
-      SCOPED_TRACE(std::to_string(mode) + " " + std::to_string(c.source));
-      EXPECT_FLOAT_EQ(data.params.BaseOrder(mode, c.source) *
-                          data.params.RotorFrequencyRelativeToSpeedSourceRotor(mode, c.source),
-                      static_cast<float>(order));
-      EXPECT_EQ(data.params.OrderSource2Rotor(mode, c.source), c.rotor);
-      EXPECT_EQ(data.params.RotorSpeedSource(mode, c.source), speed_source);
-      EXPECT_EQ(data.params.RotorSpeedSourceAppId(mode, c.source), signal);
+      SCOPED_TRACE(testing::Message() << mode << ' ' << source);
+      const auto [gear, on, by, shown, ratio, base_order, none] = Ask(data.params, mode, source);
+      EXPECT_FLOAT_EQ(base_order * ratio, static_cast<float>(order));
+      EXPECT_EQ(std::tuple(on, by, shown), std::tuple(rotor, speed_source, signal));
     }
   }
   for (const int mode : {130, 230, 170}) {
@@ -74,83 +82,37 @@ constexpr const char* machine =
     "<TSpeedSource>: {\n1 90\n9 91\n}\n"
     "<TRotorSpeed>: {\n10 1 1\n10 2 2.5\n10 50 -3\n10 51 5\n10 60 4\n10 8 0\n10 5 -0\n}\n"
     "<TBaseOrder>: {\n103 17.5\n3 1\n7 9\n}\n";
+const int virtual_1 = P::VirtModeGenerateId(1, 5);
 
 TEST(Rotors, EachChainEndsWhereATableEnds) {
   TestStore data(machine);
-  const int virtual_1 = P::VirtModeGenerateId(1, 5);
-  struct Case {
-    int (P::*query)(int, int) const;
-    int mode, id, result;
+  const std::tuple<int, int, Answers> cases[] = {
+      {1, 3, {103, 50, 1, 90, -3.0F, 17.5F, -1}},
+      {virtual_1, 3, {103, 50, -1, 90, -3.0F, 17.5F, -1}},
+      {1, 4, {104, 51, 2, -1, 1.6F, 0.0F, -1}},  // no signal, and no base order of 104
+      {1, 7, {7, 7, 9, 91, 0.0F, 9.0F, 91}},     // a rotor by its number, a source without speed
+      {1, 8, {8, 8, -1, -1, 0.0F, 0.0F, -1}},
+      {1, 50, {50, 50, 1, 90, -3.0F, 0.0F, 90}},
+      {virtual_1, 50, {50, 50, -1, 90, -3.0F, 0.0F, 90}},
+      {2, 3, {3, 3, -1, -1, 0.0F, 1.0F, -1}},
+      {3, 3, {-1, -1, -1, -1, 0.0F, 0.0F, -1}},
+      {1, -1, {-1, 0, -1, -1, 0.0F, 0.0F, -1}},
+      {-1, 7, {-1, 0, -1, -1, 0.0F, 0.0F, -1}},
+      {1, highest, {highest, highest, -1, -1, 0.0F, 0.0F, -1}},
+      {1, lowest, {lowest, lowest, -1, -1, 0.0F, 0.0F, -1}},
   };
-  const Case cases[] = {
-      {&P::PhysicalGear, 1, 3, 103},
-      {&P::PhysicalGear, virtual_1, 3, 103},
-      {&P::PhysicalGear, 2, 3, 3},
-      {&P::PhysicalGear, 3, 3, -1},
-      {&P::PhysicalGear, 1, -1, -1},
-      {&P::PhysicalGear, 1, highest, highest},
-      {&P::PhysicalGear, 1, lowest, lowest},
-      {&P::OrderSource2Rotor, 1, 3, 50},
-      {&P::OrderSource2Rotor, virtual_1, 3, 50},
-      {&P::OrderSource2Rotor, 1, 7, 7},
-      {&P::OrderSource2Rotor, 2, 3, 3},
-      {&P::OrderSource2Rotor, 1, -1, 0},
-      {&P::OrderSource2Rotor, -1, 7, 0},
-      {&P::OrderSource2Rotor, 3, 7, -1},
-      {&P::RotorSpeedSource, 1, 3, 1},
-      {&P::RotorSpeedSource, 1, 7, 9},  // on a rotor by its number
-      {&P::RotorSpeedSource, 1, 8, -1},
-      {&P::RotorSpeedSource, 1, -1, -1},
-      {&P::RotorSpeedSource, 2, 3, -1},
-      {&P::RotorSpeedSource, virtual_1, 3, -1},
-      {&P::RotorSpeedSourceAppId, 1, 3, 90},
-      {&P::RotorSpeedSourceAppId, virtual_1, 3, 90},
-      {&P::RotorSpeedSourceAppId, 1, 4, -1},  // speed source 2 has no signal
-      {&P::RotorSpeedSourceAppId, 1, 8, -1},
-      {&P::SpeedInfoOfRotor, 1, 50, 90},
-      {&P::SpeedInfoOfRotor, virtual_1, 50, 90},
-      {&P::SpeedInfoOfRotor, 1, 3, -1},  // 3 is an order source here and no rotor
-      {&P::SpeedInfoOfRotor, -1, 50, -1},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ((data.params.*c.query)(c.mode, c.id), c.result)
-        << "case " << &c - cases << ": " << c.mode << ' ' << c.id;
+  for (const auto& [mode, id, expected] : cases) {
+    EXPECT_EQ(Ask(data.params, mode, id), expected) << mode << ' ' << id;
   }
-}
-
-TEST(Rotors, RatiosAndOrdersAreZeroWhereNothingIsKnown) {
-  TestStore data(machine);
-  const int virtual_1 = P::VirtModeGenerateId(1, 5);
-  struct Case {
-    int mode, generating, other;
-    float ratio;
-  };
-  const Case ratios[] = {
-      {1, 1, 2, 2.5F},         {1, 2, 1, 1.0F / 2.5F}, {virtual_1, 1, 2, 2.5F},
-      {1, 1, 3, -3.0F},  // by the rotor of the gear itself
-      {1, 1, 4, 4.0F},   // by the rotor of the physical gear
-      {1, 3, 4, 4.0F / -3.0F}, {1, 8, 1, 0.0F},        {1, 5, 1, 0.0F},
-      {1, 99, 1, 0.0F},        {1, 1, 99, 0.0F},       {2, 1, 2, 0.0F},
-      {3, 1, 2, 0.0F},         {-1, 1, 2, 0.0F},       {1, -1, 2, 0.0F},
-      {1, 1, -1, 0.0F},
-  };
-  for (const Case& c : ratios) {
-    EXPECT_EQ(data.params.FrequencyRatioToGeneratingRotor(c.mode, c.generating, c.other), c.ratio)
-        << c.mode << ' ' << c.generating << ' ' << c.other;
-  }
-  const std::tuple<int, int, float, float> sources[] =
-      {
-          // mode, source, ratio to the speed source, base order
-          {1, 3, -3.0F, 17.5F}, {virtual_1, 3, -3.0F, 17.5F},
-          {1, 4, 1.6F, 0.0F},  // 104 has no base order
-          {1, 7, 0.0F, 9.0F},  // speed source 9 has no speed
-          {2, 3, 0.0F, 1.0F},   {3, 3, 0.0F, 0.0F},
-          {1, -1, 0.0F, 0.0F},  {-1, 3, 0.0F, 0.0F},
-      };
-  for (const auto& [mode, source, ratio, order] : sources) {
-    EXPECT_EQ(data.params.RotorFrequencyRelativeToSpeedSourceRotor(mode, source), ratio)
-        << mode << ' ' << source;
-    EXPECT_EQ(data.params.BaseOrder(mode, source), order) << mode << ' ' << source;
+  // The other rotor's speed over that of the generating one, by the rotor of the physical gear or
+  // else of the gear itself; 0 where nothing turns or nothing is known.
+  const std::tuple<int, int, int, float> ratios[] = {
+      {1, 1, 2, 2.5F},  {virtual_1, 2, 1, 0.4F}, {1, 1, 4, 4.0F},
+      {1, 1, 3, -3.0F}, {1, 5, 1, 0.0F},         {1, 99, 1, 0.0F},
+      {-1, 1, 2, 0.0F}, {1, -1, 2, 0.0F},        {1, 1, -1, 0.0F}};
+  for (const auto& [mode, generating, other, ratio] : ratios) {
+    EXPECT_EQ(data.params.FrequencyRatioToGeneratingRotor(mode, generating, other), ratio)
+        << mode << ' ' << generating << ' ' << other;
   }
 }
 
@@ -158,18 +120,16 @@ TEST(Rotors, AnOrderSourceWithoutBaseOrderIsLeftOutWithoutAGap) {
   TestStore data(std::string(machine) +
                  "<TChannel>: {\n1 mix\n}\n<TChannelProperty>: {\n1 2\n}\n"
                  "<TOrderSource2Rotor>: {\n3 10 50\n4 10 51\n6 10 52\n7 10 50\n103 20 50\n}\n");
-  const auto line = [](const wchar_t* rotor) {
-    return std::wstring(
-               L"CQtRotorInfo::BuildRotor2OrderSourcesLookup(): Parameter database: "
-               L"No base order for RotorId ") +
-           rotor + L" in PhysMode 10, skipping entry into m_rotor2OrderSources\n";
-  };
-  EXPECT_EQ(data.log.Text(), line(L"51") + line(L"52"));
+  const std::wstring begin =
+      L"CQtRotorInfo::BuildRotor2OrderSourcesLookup(): Parameter database: No base order for "
+      L"RotorId ";
+  const std::wstring end = L" in PhysMode 10, skipping entry into m_rotor2OrderSources\n";
+  EXPECT_EQ(data.log.Text(), begin + L"51" + end + begin + L"52" + end);
   EXPECT_EQ(data.log.lines[0].category * 10 + data.log.lines[0].style, 81);
-  const auto [first, end] = data.params.OrderSourceRange(1, 1, 50);
-  ASSERT_EQ(std::distance(first, end), 2);
-  EXPECT_EQ(first->first, QIdx4(10, 1, 50, 0));
-  EXPECT_EQ(std::next(first)->first, QIdx4(10, 1, 50, 1));
+  std::vector<QIdx4> keys;
+  const auto range = data.params.OrderSourceRange(1, 1, 50);
+  for (auto row = range.first; row != range.second; ++row) keys.push_back(row->first);
+  EXPECT_EQ(keys, (std::vector{QIdx4(10, 1, 50, 0), QIdx4(10, 1, 50, 1)}));
   ASSERT_TRUE(data.Load(machine));  // a load derives anew
   EXPECT_EQ(OrderSources(data.params, 1, 1, 50), std::vector<int>());
 }
@@ -197,25 +157,24 @@ TEST(Rotors, ChannelsSeeWhatAPlainWalkFinds) {
     fill("<TBaseOrder>", 16, 20, 1, 1);
     TestStore data(text);
     const P& params = data.params;
+    const auto& orders = data.store.Table<L"<TBaseOrder>">();
     for (int i = 0; i < 4 * 5 * 7; ++i) {
       const int mode = i % 4;
       const int channel = i / 4 % 5;
       const int rotor = i / 20;
-      std::vector<std::pair<int, int>> expected;
+      std::set<std::pair<int, int>> seen;  // by rotor, then by source
       for (const auto& [key, row] : data.store.Table<L"<TOrderSource2Rotor>">()) {
         const bool mix =
             params.SpeedInfoOfRotor(mode, row.ref) == params.SpeedInfoOfRotor(mode, rotor);
-        const bool seen = (channel & 2) != 0 ? mix : channel == 1 && row.ref == rotor;
-        const auto& orders = data.store.Table<L"<TBaseOrder>">();
-        if (channel < 4 && key[1] == params.PhysModeId(mode) && seen &&
+        if (channel < 4 && key[1] == params.PhysModeId(mode) &&
+            ((channel & 2) != 0 ? mix : channel == 1 && row.ref == rotor) &&
             orders.find(params.PhysicalGear(mode, key[0])) != orders.end()) {
-          expected.emplace_back(row.ref, key[0]);
+          seen.emplace(row.ref, key[0]);
         }
       }
-      std::sort(expected.begin(), expected.end());
-      const auto found = OrderSources(params, mode, channel, rotor);
-      ASSERT_TRUE(std::equal(found.begin(), found.end(), expected.begin(), expected.end(),
-                             [](int a, const auto& b) { return a == b.second; }))
+      std::vector<int> expected;
+      for (const auto& [on, source] : seen) expected.push_back(source);
+      ASSERT_EQ(OrderSources(params, mode, channel, rotor), expected)
           << mode << ' ' << channel << ' ' << rotor << '\n'
           << text;
     }
@@ -224,25 +183,20 @@ TEST(Rotors, ChannelsSeeWhatAPlainWalkFinds) {
 
 TEST(Rotors, IdsThatNobodyKnowsMissInEveryStateOfTheData) {
   TestStore data;
-  const auto expect_misses = [&data](const std::vector<int>& modes) {
-    const P& params = data.params;
+  const P& params = data.params;
+  const auto expect_misses = [&params](const std::vector<int>& modes) {
     for (const int mode : modes) {
       for (const int id : {highest, lowest, -1, 0, 77777, 1, 11}) {
-        SCOPED_TRACE(std::to_string(mode) + " " + std::to_string(id));
-        EXPECT_EQ(params.PhysicalGear(mode, id), -1);
-        EXPECT_EQ(params.OrderSource2Rotor(mode, id), mode == -1 || id == -1 ? 0 : -1);
-        EXPECT_EQ(params.RotorSpeedSource(mode, id), -1);
-        EXPECT_EQ(params.RotorSpeedSourceAppId(mode, id), -1);
-        EXPECT_EQ(params.SpeedInfoOfRotor(mode, id), -1);
-        EXPECT_EQ(params.BaseOrder(mode, id), 0.0F);
+        SCOPED_TRACE(testing::Message() << mode << ' ' << id);
+        const int no_rotor = mode == -1 || id == -1 ? 0 : -1;
+        EXPECT_EQ(Ask(params, mode, id), Answers(-1, no_rotor, -1, -1, 0.0F, 0.0F, -1));
         EXPECT_EQ(params.FrequencyRatioToGeneratingRotor(mode, id, 1), 0.0F);
-        EXPECT_EQ(params.RotorFrequencyRelativeToSpeedSourceRotor(mode, id), 0.0F);
-        for (const int channel : {id, 6}) {
-          EXPECT_EQ(OrderSources(params, mode, channel, id), std::vector<int>());
-        }
+        EXPECT_EQ(OrderSources(params, mode, id, id), std::vector<int>());
+        EXPECT_EQ(OrderSources(params, mode, 6, id), std::vector<int>());
         EXPECT_EQ(params.ParentChannel(mode, id), -1);
         if (mode == 130) continue;  // its base channels are derived and outlive a purge
-        EXPECT_EQ(params.BaseChannel(mode, id) + params.ChannelFlags(mode, id), 0);
+        EXPECT_EQ(std::pair(params.BaseChannel(mode, id), params.ChannelFlags(mode, id)),
+                  std::pair(0, 0));
       }
     }
   };
@@ -251,15 +205,15 @@ TEST(Rotors, IdsThatNobodyKnowsMissInEveryStateOfTheData) {
   expect_misses({highest, lowest, -1, 0, 77777});
   data.params.PurgeTables();  // the order sources stay, the tables that lead there don't
   expect_misses({highest, lowest, -1, 0, 77777, 130});
-  EXPECT_EQ(data.params.BaseChannel(130, 7), 1);
+  EXPECT_EQ(params.BaseChannel(130, 7), 1);
   // A rotor and a speed source at the end of all ids.
   ASSERT_TRUE(data.Load(
       "<TMode>: {\n1 a\n}\n<TModeProperty>: {\n1 2147483647\n}\n<TChannel>: {\n1 s\n2 m\n}\n"
       "<TChannelProperty>: {\n1 1\n2 2\n}\n<TBaseOrder>: {\n5 1\n}\n"
       "<TRotorSpeedSource>: {\n2147483647 2147483647 2147483647\n}\n"
       "<TOrderSource2Rotor>: {\n5 2147483647 2147483647\n}\n"));
-  EXPECT_EQ(OrderSources(data.params, 1, 1, highest), std::vector{5});
-  EXPECT_EQ(OrderSources(data.params, 1, 2, highest), std::vector{5});
+  EXPECT_EQ(OrderSources(params, 1, 1, highest), std::vector{5});
+  EXPECT_EQ(OrderSources(params, 1, 2, highest), std::vector{5});
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <climits>
 #include <cstdint>
 #include <iterator>
+#include <locale>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -20,85 +22,64 @@
 namespace {
 
 using testing_support::TestStore;
+using P = CQtParamInstance;
 
 constexpr int kThreads = 8;
 
-void Add(std::wstring& answers, double number) { answers += std::to_wstring(number) + L' '; }
-
 // What a host asks of one test step and one channel, object, parameter or source of that number.
-std::wstring Ask(const CQtParamInstance& params, int mode, int id) {
-  std::wstring answers = params.ModeName(mode);
-  answers += params.VirtModeName(mode);
-  for (const int number :
-       {params.PhysModeId(mode), params.ParentChannel(mode, id), params.BaseChannel(mode, id),
-        params.ChannelFlags(mode, id), params.PhysicalGear(mode, id),
-        params.OrderSource2Rotor(mode, id), params.RotorSpeedSource(mode, id),
-        params.SpeedInfoOfRotor(mode, id), params.InstrumentParameterToInstrument(id),
-        params.TriggerId(id), params.ChannelId(params.ChannelName(id)),
-        CQtParamInstance::TimeSignalId()}) {
-    Add(answers, number);
-  }
-  Add(answers, static_cast<double>(params.BaseOrder(mode, id)));
-  Add(answers, static_cast<double>(params.FrequencyRatioToGeneratingRotor(mode, 1, id)));
-  for (int element = Clavis::Mode; element <= Clavis::Sensor; ++element) {
-    answers += params.ClavisElementName(element, element == Clavis::Mode ? mode : id);
-    if (element != Clavis::Parameter) answers += params.IdNameMap(element).Name(id);
-  }
-  for (const wchar_t* const name :
-       {params.PhysModeName(id), params.SensorGroupName(id), params.ResamplingJobName(id),
-        params.ResamplingSetName(id), params.TypeAliasName(id), params.BenchAliasName(id),
-        params.TriggerName(id), params.InstrumentParamName(id)}) {
-    answers += name;
-  }
-  const auto [source, sources_end] = params.OrderSourceRange(mode, id, 1);
-  Add(answers, static_cast<double>(std::distance(source, sources_end)));
+void Ask(std::wostream& answers, const P& params, int mode, int id) {
   const QClavis key(mode, id / 10, id, id, id, id);
-  answers += params.FormatClavisTextNice(key, L" / ");
-  answers += params.FormatClavisText(key, CQtParamInstance::ElementMask().set());
-  answers += QVIpCalcParameter::GetCalcParamEnumText(id);
-
+  const auto [source, sources_end] = params.OrderSourceRange(mode, id, 1);
+  answers << params.ModeName(mode) << params.VirtModeName(mode) << params.PhysModeId(mode)
+          << params.ParentChannel(mode, id) << params.BaseChannel(mode, id)
+          << params.ChannelFlags(mode, id) << params.PhysicalGear(mode, id)
+          << params.OrderSource2Rotor(mode, id) << params.RotorSpeedSource(mode, id)
+          << params.SpeedInfoOfRotor(mode, id) << params.InstrumentParameterToInstrument(id)
+          << params.TriggerId(id) << params.ChannelId(params.ChannelName(id)) << P::TimeSignalId()
+          << params.BaseOrder(mode, id) << params.FrequencyRatioToGeneratingRotor(mode, 1, id)
+          << params.PhysModeName(id) << params.SensorGroupName(id) << params.ResamplingJobName(id)
+          << params.ResamplingSetName(id) << params.TypeAliasName(id) << params.BenchAliasName(id)
+          << params.TriggerName(id) << params.InstrumentParamName(id)
+          << std::distance(source, sources_end) << params.FormatClavisTextNice(key, L" / ")
+          << params.FormatClavisText(key, P::ElementMask().set())
+          << QVIpCalcParameter::GetCalcParamEnumText(id);
+  for (int element = Clavis::Mode; element <= Clavis::Sensor; ++element) {
+    answers << params.ClavisElementName(element, element == Clavis::Mode ? mode : id);
+    if (element != Clavis::Parameter) answers << params.IdNameMap(element).Name(id);
+  }
   CQtSpecInterval interval(params);
   interval.LoadTransformParams(mode, 1, 11);
   const auto [first, last] = params.SpecIntervalRange(static_cast<unsigned>(id));
   for (auto entry = first; entry != last; ++entry) {
     CQtSpecInterval::IndexInterval lines{};
-    Add(answers, interval.IndexRange(entry->second, lines, 1600, 0.125F, 1.0F));
+    answers << interval.IndexRange(entry->second, lines, 1600, 0.125F, 1.0F);
   }
   const CTriggerStore triggers(params);
-  Add(answers, triggers.dimension(mode, id));
   std::int64_t cell = 0;
   CTriggerStore::CDimensions values;
   values.is_set.set();
   triggers.cell(mode, id, values, cell, true);
-  Add(answers, static_cast<double>(cell));
-  return answers;
+  answers << triggers.dimension(mode, id) << cell;
 }
 
-// What is asked of the data base as a whole.
-std::wstring AskWhole(const CQtParamInstance& params) {
-  std::wstring answers = params.BaseType() + LoadModuleString(StringId::value);
-  Add(answers, CQtParamInstance::ShowIdsInDialogs() ? 1 : 0);
+// What is asked of the data base as a whole, and all that is asked of its parts.
+std::wstring AskAll(const P& params) {
+  std::wostringstream answers;
+  answers.imbue(std::locale::classic());
+  answers << params.BaseType() << LoadModuleString(StringId::value) << P::ShowIdsInDialogs();
   for (const auto& [key, polygon] : params.IpTrackPolygon()) {
     const auto point = params.IpPolygonValues().lower_bound({polygon.polygon_id, 0});
-    Add(answers,
-        point == params.IpPolygonValues().end() ? -1.0 : static_cast<double>(point->second.y));
+    if (point != params.IpPolygonValues().end()) answers << point->second.y;
   }
-  for (const auto& table : TableCatalogue::Tables()) {
-    Add(answers, static_cast<double>(table.row_count(params.Store())));
-  }
+  for (const auto& table : TableCatalogue::Tables()) answers << table.row_count(params.Store());
   QVSpecIntervalEntry::Definition position;
-  Add(answers, OrderInterpreter::GetSpecPositions(L"no definition", &position, 1));
-  return answers;
-}
-
-std::wstring AskAll(const CQtParamInstance& params) {
-  std::wstring answers = AskWhole(params);
+  answers << OrderInterpreter::GetSpecPositions(L"no definition", &position, 1);
   for (const int mode : {130, 230, 160, 170, 900, 268448, 405664, -1, INT_MAX, INT_MIN}) {
     for (const int id : {1, 2, 3, 7, 11, 13, 21, 44, 1700, 17001, 17015, 20702, INT_MAX, INT_MIN}) {
-      answers += Ask(params, mode, id);
+      Ask(answers, params, mode, id);
     }
   }
-  return answers;
+  return answers.str();
 }
 
 TEST(QueryThreads, AnswerAsOneThreadDoes) {
@@ -110,7 +91,7 @@ TEST(QueryThreads, AnswerAsOneThreadDoes) {
     std::vector<std::jthread> threads;
     for (int i = 0; i < kThreads; ++i) {
       threads.emplace_back([&, i] {
-        const CQtParamInstance params = data.params;
+        const P params = data.params;
         for (int round = 0; round < 40; ++round) {
           if (AskAll(params) != expected) ++wrong[static_cast<std::size_t>(i)];
         }
