@@ -3,16 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <locale>
 #include <sstream>
 
 #include "interfaces/Number.h"
 #include "interfaces/PrWin.h"
 #include "interfaces/ResourceSea.h"
+#include "test_store.h"
 
 namespace {
 
@@ -45,9 +42,7 @@ class GermanHost : public testing::Test {
 };
 
 TEST_F(GermanHost, NumbersAreReadAndWrittenAsEver) {
-  const auto read = Number::ScanDouble(L"1.5");
-  EXPECT_EQ(read.value, 1.5);
-  EXPECT_EQ(read.used, 3U);
+  EXPECT_EQ(Number::ScanDouble(L"1.5").value, 1.5);
   EXPECT_EQ(Number::ScanDouble(L"1,5").used, 1U);
   EXPECT_EQ(Number::ScanDouble(L"0x1.8p1").value, 3.0);
   EXPECT_EQ(Number::ScanInt(L"1.234.567").used, 1U);
@@ -59,35 +54,29 @@ TEST_F(GermanHost, NumbersAreReadAndWrittenAsEver) {
 }
 
 TEST_F(GermanHost, TheLogGroupsNoDigitsAndKeepsUmlauts) {
-  std::wstring log;
-  const PrWin::Sink before =
-      PrWin::SetSink([&log](std::wstring_view text, auto...) { log += text; });
-  PrWin::Output(PrWin::category_data_base, L"%s %d %u\n", L"\u00FCber", -1234567, 1234567U);
+  const testing_support::Log log;
+  const auto put = [] {
+    PrWin::Output(PrWin::category_data_base, L"%s %d %u\n", L"\u00FCber", -1234567, 1234567U);
+  };
+  put();
   PrWin::SetSink({});
   testing::internal::CaptureStderr();
-  PrWin::Output(PrWin::category_data_base, L"%s %d\n", L"\u00FCber", 1234567);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "\xC3\xBC"
-            "ber 1234567\n");
-  PrWin::SetSink(before);
-  EXPECT_EQ(log, L"\u00FCber -1234567 1234567\n");
+  put();
+  const std::string error = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(Text::ToUtf8(log.Text()), "\u00FCber -1234567 1234567\n");
+  EXPECT_EQ(error, "\u00FCber -1234567 1234567\n");
 }
 
 TEST_F(GermanHost, TheSeaFileHasTheSameBytes) {
-  std::string folder = (std::filesystem::temp_directory_path() / "locale-XXXXXX").string();
-  ASSERT_NE(mkdtemp(folder.data()), nullptr);
-  const std::string path = folder + "/\xC3\xBC.sea";
+  const ScratchFile file;
   CResourceSea sea;
   CResourceList(&sea, L"<T\u00FC>").AddLineTail()->SetSeaLine(L"1234567 1.5 \u00A0\u00FC");
-  ASSERT_TRUE(sea.Save(Text::FromUtf8(path)));
-  std::ifstream in(path, std::ios::binary);
-  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}),
-            "sea 1\nlist \"<T\xC3\xBC>\"\n  \"1234567 1.5 \xC2\xA0\xC3\xBC\"\nend\n");
-  EXPECT_TRUE(sea.Load(Text::FromUtf8(path)));
+  ASSERT_TRUE(sea.Save(file.name()));
+  EXPECT_EQ(file.bytes(), "sea 1\nlist \"<T\u00FC>\"\n  \"1234567 1.5 \u00A0\u00FC\"\nend\n");
+  EXPECT_TRUE(sea.Load(file.name()));
   CString line;
   CResourceList(&sea, L"<T\u00FC>").GetCurrentLine()->GetLine(line);
   EXPECT_EQ(line, L"1234567 1.5 \u00A0\u00FC");
-  std::filesystem::remove_all(folder);
 }
 
 }  // namespace

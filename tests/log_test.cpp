@@ -14,32 +14,25 @@
 #include "interfaces/PrWin.h"
 #include "interfaces/Support.h"
 #include "interfaces/Text.h"
+#include "test_store.h"
 
 namespace {
 
-struct Line {
-  std::wstring text;
-  int category;
-  int style;
-  bool operator==(const Line&) const = default;
-};
-
-class Log : public testing::Test {
- protected:
-  void SetUp() override {
-    before_ = PrWin::SetSink([this](std::wstring_view text, PrWin::Category c, PrWin::Style s) {
-      lines_.push_back({std::wstring(text), c, s});
-    });
-  }
-  void TearDown() override { PrWin::SetSink(before_); }
-
-  PrWin::Sink before_;
-  std::vector<Line> lines_;
-};
+using testing_support::Log;
+using Lines = std::vector<Log::Line>;
 
 constexpr auto k8 = PrWin::category_data_base;
 
-TEST_F(Log, FormatsReachTheSinkWithCategoryAndStyle) {
+// What `run` leaves on standard error.
+template <class Run>
+std::string ErrorsOf(const Run& run) {
+  testing::internal::CaptureStderr();
+  run();
+  return testing::internal::GetCapturedStderr();
+}
+
+TEST(LogSink, FormatsReachTheSinkWithCategoryAndStyle) {
+  const Log log;
   const wchar_t* const null = nullptr;
   PrWin::Output(L"100% as it stands: %s\n", k8, PrWin::style_refusal);
   PrWin::Output(null, k8, PrWin::style_info);
@@ -47,28 +40,28 @@ TEST_F(Log, FormatsReachTheSinkWithCategoryAndStyle) {
   PrWin::Output(PrWin::category_text_cut, PrWin::style_info, L"%x %5d %s %", L"next");
   PrWin::Output(k8, null);
   PrWin::Output(k8, PrWin::style_info, null);
-  EXPECT_EQ(lines_, (std::vector<Line>{
-                        {L"100% as it stands: %s\n", 8, 4},
-                        {L"", 8, 1},
-                        {L"'\u00E4\xD83D\xDE00' of (null), %-2147483648 0 4294967295\n", 8, 0},
-                        {L"%x %5d next %", 1, 1},
-                        {L"", 8, 0},
-                        {L"", 8, 1},
-                    }));
+  EXPECT_EQ(log.lines,
+            (Lines{{L"100% as it stands: %s\n", 8, 4},
+                   {L"", 8, 1},
+                   {L"'\u00E4\xD83D\xDE00' of (null), %-2147483648 0 4294967295\n", 8, 0},
+                   {L"%x %5d next %", 1, 1},
+                   {L"", 8, 0},
+                   {L"", 8, 1}}));
 }
 
-TEST_F(Log, ASinkThatThrowsLosesNoText) {
+TEST(LogSink, ThatThrowsLosesNoText) {
+  const Log log;
   const PrWin::Sink good =
       PrWin::SetSink([](auto...) { throw std::runtime_error("the window of the log is gone"); });
-  testing::internal::CaptureStderr();
-  EXPECT_NO_THROW(PrWin::Output(L"kept \xD83D\xDE00 \xD800\n", k8, PrWin::style_info));
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "kept \xF0\x9F\x98\x80 \xEF\xBF\xBD\n");
+  EXPECT_EQ(ErrorsOf([] { PrWin::Output(L"kept \xD83D\xDE00 \xD800\n", k8, PrWin::style_info); }),
+            "kept \xF0\x9F\x98\x80 \xEF\xBF\xBD\n");
   PrWin::SetSink(good);
   PrWin::Output(L"next", k8, PrWin::style_info);
-  EXPECT_EQ(lines_, (std::vector<Line>{{L"next", 8, 1}}));
+  EXPECT_EQ(log.lines, (Lines{{L"next", 8, 1}}));
 }
 
-TEST_F(Log, ASinkMayLogAndChangeTheSink) {
+TEST(LogSink, MayLogAndChangeTheSink) {
+  const Log log;
   int calls = 0;
   const PrWin::Sink good = PrWin::SetSink(nullptr);
   PrWin::SetSink([&calls, good](auto...) {
@@ -77,23 +70,21 @@ TEST_F(Log, ASinkMayLogAndChangeTheSink) {
     PrWin::SetSink(good);  // lets go of the function that is running
     ++calls;
   });
-  testing::internal::CaptureStderr();
-  PrWin::Output(L"1", k8, PrWin::style_info);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "from inside\n");
+  EXPECT_EQ(ErrorsOf([] { PrWin::Output(L"1", k8, PrWin::style_info); }), "from inside\n");
   PrWin::Output(L"2", k8, PrWin::style_info);
   EXPECT_EQ(calls, 2);
-  EXPECT_EQ(lines_, (std::vector<Line>{{L"2", 8, 1}}));
+  EXPECT_EQ(log.lines, (Lines{{L"2", 8, 1}}));
 }
 
-TEST_F(Log, AnEmptySinkStandsForStandardError) {
+TEST(LogSink, IfEmptyStandsForStandardError) {
+  const Log log;
   EXPECT_TRUE(PrWin::SetSink({}));
-  testing::internal::CaptureStderr();
-  PrWin::Output(k8, L"n = %d\n", 1234567);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "n = 1234567\n");
+  EXPECT_EQ(ErrorsOf([] { PrWin::Output(k8, L"n = %d\n", 1234567); }), "n = 1234567\n");
   EXPECT_FALSE(PrWin::SetSink({}));
 }
 
-TEST_F(Log, OneThreadAtATimeIsInTheSinkAndNoneAfterItsReplacement) {
+TEST(LogSink, HasOneThreadAtATimeAndNoneAfterItsReplacement) {
+  const Log log;
   std::atomic<int> inside = 0;
   std::atomic<int> together = 0;
   std::atomic<int> calls = 0;
@@ -103,13 +94,13 @@ TEST_F(Log, OneThreadAtATimeIsInTheSinkAndNoneAfterItsReplacement) {
     ++calls;
     --inside;
   });
-  std::array<std::thread, 4> threads;
-  for (std::thread& thread : threads) {
-    thread = std::thread([] {
+  {
+    const auto write = [] {
       for (int i = 0; i < 500; ++i) PrWin::Output(k8, L"%d\n", i);
-    });
+    };
+    const std::array<std::jthread, 4> threads{std::jthread(write), std::jthread(write),
+                                              std::jthread(write), std::jthread(write)};
   }
-  for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(together, 0);
   EXPECT_EQ(calls, 2000);
 
@@ -120,11 +111,10 @@ TEST_F(Log, OneThreadAtATimeIsInTheSinkAndNoneAfterItsReplacement) {
     std::this_thread::sleep_for(std::chrono::milliseconds(30));
     left = true;
   });
-  std::thread writer([] { PrWin::Output(L"slow", k8, PrWin::style_info); });
+  const std::jthread writer([] { PrWin::Output(L"slow", k8, PrWin::style_info); });
   while (!entered) std::this_thread::yield();
   PrWin::SetSink({});
   EXPECT_TRUE(left);
-  writer.join();
 }
 
 TEST(Trace, IsSilentUnlessAskedFor) {
@@ -163,11 +153,15 @@ TEST(WideText, Utf8IsReadStrictlyAndDamageCostsNoNeighbour) {
 }
 
 TEST(WideText, CodePagesGiveTheirCharacters) {
-  EXPECT_EQ(Formatting::ansi2unicode("\x80\x81\x9F\xA0\xFC", 1252), L"\x20AC\x81\x178\xA0\xFC");
-  EXPECT_EQ(Formatting::ansi2unicode("\x80\xFC", 28591), L"\x80\xFC");
-  EXPECT_EQ(Formatting::ansi2unicode("\x80\xFC", 4711), L"\x80\xFC");
-  EXPECT_EQ(Formatting::ansi2unicode("\xE2\x82\xAC", 65001), L"\x20AC");
-  EXPECT_EQ(Formatting::ansi2unicode(nullptr, 1252), L"");
+  const std::tuple<const char*, unsigned, const wchar_t*> cases[] = {
+      {"\x80\x81\x9F\xA0\xFC", 1252, L"\x20AC\x81\x178\xA0\xFC"},
+      {"\x80\xFC", 28591, L"\x80\xFC"},
+      {"\x80\xFC", 4711, L"\x80\xFC"},
+      {"\xE2\x82\xAC", 65001, L"\x20AC"},
+      {nullptr, 1252, L""}};
+  for (const auto& [bytes, page, text] : cases) {
+    EXPECT_EQ(Formatting::ansi2unicode(bytes, page), text) << page;
+  }
 }
 
 }  // namespace

@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "../tools/kestrindb/KeyPicker.h"
-#include "test_store.h"
+#include "control_support.h"
 
 namespace {
 
@@ -28,32 +28,16 @@ CClavis KeyOf(const std::array<int, Clavis::element_count>& ids) { return CClavi
 
 // --- Without a terminal ---
 
-class PickKeys : public testing::Test {
+class PickKeys : public ProcessBase {
  protected:
-  PickKeys() {
+  PickKeys()
+      : ProcessBase(
+            "<TInstrument>: {\n1 Summenpegel\n2 \"Örtlicher Pegel\"\n"
+            "3 \"Pegel über Zeit\"\n4 RMS\n}\n"
+            "<TInstrumentParam>: {\n11 3 A\n12 3 B\n13 4 C\n}\n") {
     std::setlocale(LC_CTYPE, "C.UTF-8");  // as the terminal does it
-    SetUserLanguage("en");
-    const testing_support::Log log;
-    testing_support::FillCandidateLake(std::string(testing_support::version) + R"(
-<TInstrument>: {
-1 "Summenpegel"
-2 "Örtlicher Pegel"
-3 "Pegel über Zeit"
-4 "RMS"
-}
-<TInstrumentParam>: {
-11 3 "A"
-12 3 "B"
-13 4 "C"
-}
-)");
-    EXPECT_TRUE(params_.ReadTablesFromCandidateLake());
-    CParameterLake::Lake().clear();
   }
-  ~PickKeys() override {
-    params_.PurgeTables();
-    std::setlocale(LC_CTYPE, "C");
-  }
+  ~PickKeys() override { std::setlocale(LC_CTYPE, "C"); }
 
   static void Press(KeyPicker& picker, std::initializer_list<Key> keys) {
     for (const Key key : keys) picker.Press(key);
@@ -74,8 +58,6 @@ class PickKeys : public testing::Test {
     }
     return shown;
   }
-
-  CQtParamInstance params_;
 };
 
 TEST_F(PickKeys, RowsDropDownsAndButtonsAreWorkedByKeys) {
@@ -168,7 +150,7 @@ TEST_F(PickKeys, NoScreenIsTooSmall) {
 
 // --- At a terminal ---
 
-// kestrindb at a pseudo terminal, its standard output in a pipe.
+// kestrindb at a pseudo terminal, its standard output in a file.
 class Session {
  public:
   explicit Session(std::vector<std::string> arguments, const char* terminal = "xterm") {
@@ -176,38 +158,31 @@ class Session {
     std::vector<char*> argv;
     for (std::string& argument : arguments) argv.push_back(argument.data());
     argv.push_back(nullptr);
-    int ends[2];
-    EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
     const winsize size{24, 80, 0, 0};
     child_ = forkpty(&tty_, nullptr, nullptr, &size);
     if (child_ == 0) {
       setenv("TERM", terminal, 1);
       setenv("LC_ALL", "C", 1);
-      dup2(ends[1], STDOUT_FILENO);
+      dup2(open(answer_.path().c_str(), O_WRONLY), STDOUT_FILENO);
       execv(KESTRINDB, argv.data());
       _exit(127);
     }
-    close(ends[1]);
-    answer_ = ends[0];
   }
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
   ~Session() {
     if (child_ > 0) End();
     close(tty_);
-    close(answer_);
   }
 
   // False if the screen doesn't show the text from here on.
   bool WaitFor(std::string_view text) {
-    for (;;) {
-      const std::size_t found = screen_.find(text, seen_);
-      if (found != std::string::npos) {
-        seen_ = found + text.size();
-        return true;
-      }
-      if (!Read(tty_, screen_)) return false;
+    std::size_t found = std::string::npos;
+    while ((found = screen_.find(text, seen_)) == std::string::npos) {
+      if (!Read()) return false;
     }
+    seen_ = found + text.size();
+    return true;
   }
 
   void Send(std::string_view keys) {
@@ -221,9 +196,7 @@ class Session {
 
   // The exit status, -1 for none: one that is still running is given up.
   int End() {
-    while (Read(tty_, screen_)) {
-    }
-    while (Read(answer_, answer)) {
+    while (Read()) {
     }
     if (timed_out_) kill(child_, SIGKILL);
     int status = 0;
@@ -233,24 +206,24 @@ class Session {
   }
 
   const std::string& Screen() const { return screen_; }
-  std::string answer;  // after the end
+  std::string Answer() const { return answer_.bytes(); }  // after the end
 
  private:
-  // False at the end of what the child writes, and when it writes nothing for a long time.
-  bool Read(int file, std::string& text) {
+  // False at the end of what the child shows, and when it shows nothing for a long time.
+  bool Read() {
     constexpr int long_time = 60'000;  // ms
-    pollfd waiting{file, POLLIN, 0};
+    pollfd waiting{tty_, POLLIN, 0};
     if (!timed_out_) timed_out_ = poll(&waiting, 1, long_time) == 0;
     if (timed_out_) return false;
     char buffer[4096];
-    const ssize_t count = read(file, buffer, sizeof buffer);
-    if (count > 0) text.append(buffer, static_cast<std::size_t>(count));
+    const ssize_t count = read(tty_, buffer, sizeof buffer);
+    if (count > 0) screen_.append(buffer, static_cast<std::size_t>(count));
     return count > 0;
   }
 
   pid_t child_ = -1;
   int tty_ = -1;
-  int answer_ = -1;
+  const ScratchFile answer_;
   bool timed_out_ = false;
   std::string screen_;
   std::size_t seen_ = 0;
@@ -295,7 +268,8 @@ TEST_F(PickAtTerminal, AnswersWhatTheUserHasConfirmed) {
     ASSERT_TRUE(session.WaitFor("Mesh 1 H1")) << session.Screen();
     session.Send(keys);
     EXPECT_EQ(session.End(), status) << session.Screen();
-    EXPECT_EQ(session.answer.substr(0, answer.empty() ? std::string::npos : answer.size()), answer);
+    EXPECT_EQ(session.Answer().substr(0, answer.empty() ? std::string::npos : answer.size()),
+              answer);
     EXPECT_NE(session.Screen().find(restored_screen), std::string::npos);
   }
 }

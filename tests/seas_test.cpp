@@ -11,15 +11,17 @@
 #include <fstream>
 #include <iterator>
 
-#include "interfaces/PrWin.h"
 #include "interfaces/ResourceSea.h"
+#include "test_store.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-std::vector<std::wstring> LinesOf(const CResourceSea& sea, const wchar_t* name) {
-  std::vector<std::wstring> lines;
+using Lines = std::vector<std::wstring>;
+
+Lines LinesOf(const CResourceSea& sea, const wchar_t* name) {
+  Lines lines;
   CResourceList list(&sea, name);
   for (list.GotoHead(); list.IsValid(); list.GotoNext()) {
     list.GetCurrentLine()->GetLine(lines.emplace_back());
@@ -27,7 +29,7 @@ std::vector<std::wstring> LinesOf(const CResourceSea& sea, const wchar_t* name) 
   return lines;
 }
 
-void Fill(CResourceSea& sea, const wchar_t* name, const std::vector<std::wstring>& lines) {
+void Fill(CResourceSea& sea, const wchar_t* name, const Lines& lines) {
   CResourceList list(&sea, name);
   for (const std::wstring& line : lines) list.AddLineTail()->SetSeaLine(line.c_str());
 }
@@ -58,14 +60,13 @@ TEST(Sea, ListsGrowUnderTheirViewsAndEntriesStayInPlace) {
   while (view.GotoNext()) {
   }
   EXPECT_FALSE(view.GotoNext());
-  EXPECT_FALSE(view.IsValid());
   EXPECT_TRUE(view.GotoHead());
 
   list.RemoveAll();
   EXPECT_FALSE(view.IsValid());
   EXPECT_TRUE(sea.IsListEntry(L"<T>"));
   Fill(sea, nullptr, {L"nameless"});
-  EXPECT_EQ(LinesOf(sea, L""), std::vector<std::wstring>{L"nameless"});
+  EXPECT_EQ(LinesOf(sea, L""), Lines{L"nameless"});
   CResourceSea* const nowhere = nullptr;
   EXPECT_NE(CResourceList(nowhere, L"x").AddLineTail(), nullptr);
 }
@@ -73,17 +74,18 @@ TEST(Sea, ListsGrowUnderTheirViewsAndEntriesStayInPlace) {
 TEST(Sea, BooleansAreStoredAndReadByAccessCode) {
   CResourceSea sea;
   bool value = true;
-  EXPECT_TRUE(sea.LookupGetBool(L"Show", 0, true));
   EXPECT_EQ(sea.LookupBool(lookup::access_read, L"Show", value, 0), lookup::result::missing);
   EXPECT_EQ(sea.LookupBool(77, L"Show", value, 0), lookup::result::bad_access);
+  EXPECT_TRUE(sea.LookupGetBool(L"Show", 0, true));
   EXPECT_FALSE(sea.LookupGetBool(L"Show", 0, false)) << "stored by a foreign code";
-  EXPECT_EQ(sea.LookupBool(2, L"Show", value, 0), lookup::result::found);
-  value = false;
-  EXPECT_EQ(sea.LookupBool(lookup::access_read, L"Show", value, 0), lookup::result::found);
-  EXPECT_TRUE(value);
-  value = false;
-  sea.LookupBool(2, L"Show", value, 0);
-  EXPECT_FALSE(sea.LookupGetBool(L"Show", 0, true));
+  for (const bool stored : {true, false}) {
+    value = stored;
+    EXPECT_EQ(sea.LookupBool(2, L"Show", value, 0), lookup::result::found);
+    value = !stored;
+    EXPECT_EQ(sea.LookupBool(lookup::access_read, L"Show", value, 0), lookup::result::found);
+    EXPECT_EQ(value, stored);
+    EXPECT_EQ(sea.LookupGetBool(L"Show", 0, !stored), stored);
+  }
 }
 
 TEST(Sea, TheProcessHasBothSeasAndTakesAHostsOwn) {
@@ -96,23 +98,18 @@ TEST(Sea, TheProcessHasBothSeasAndTakesAHostsOwn) {
   EXPECT_EQ(CSeaBase::ApplicationSea(), nullptr);
   CSeaBase::SetApplicationSea(application);
   EXPECT_EQ(CSeaBase::SetMessagesSea(&own), messages);
-  EXPECT_EQ(CSeaBase::MessagesSea(), &own);
   EXPECT_EQ(CSeaBase::SetMessagesSea(nullptr), &own);
   EXPECT_EQ(CSeaBase::MessagesSea(), messages);
 }
 
+// A folder for the files of a test.
 class SeaFile : public testing::Test {
  protected:
-  void SetUp() override {
-    std::string name = (fs::temp_directory_path() / "sea-XXXXXX").string();
-    ASSERT_NE(mkdtemp(name.data()), nullptr);
-    folder_ = name;
-    before_ = PrWin::SetSink([this](std::wstring_view text, auto...) { log_ += text; });
+  SeaFile() {
+    fs::remove_all(folder_);  // of an earlier run
+    fs::create_directory(folder_);
   }
-  void TearDown() override {
-    PrWin::SetSink(before_);
-    fs::remove_all(folder_);
-  }
+  ~SeaFile() override { fs::remove_all(folder_); }
 
   std::wstring Name(const std::wstring& name) const {
     return Text::FromUtf8(folder_.string()) + L"/" + name;
@@ -120,51 +117,51 @@ class SeaFile : public testing::Test {
   void Put(const std::string& bytes) const {
     std::ofstream(folder_ / "a.sea", std::ios::binary) << bytes;
   }
-  std::string Bytes(const std::string& name = "a.sea") const {
-    std::ifstream in(folder_ / name, std::ios::binary);
+  std::string Bytes() const {
+    std::ifstream in(folder_ / "a.sea", std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
   }
   std::ptrdiff_t Files() const {
     return std::distance(fs::directory_iterator(folder_), fs::directory_iterator());
   }
 
-  fs::path folder_;
-  std::wstring log_;
-  PrWin::Sink before_;
+  const fs::path folder_ = testing::TempDir() + "seas_" + std::to_string(getpid());
+  testing_support::Log log_;
 };
 
 TEST_F(SeaFile, EveryTextComesBack) {
   std::wstring all;
   for (wchar_t c = 1; c < 0x300; ++c) all += c;
-  const std::vector<std::wstring> texts = {all,
-                                           L"",
-                                           L"  blanks  ",
-                                           L"\r\n\"\\n\"\\",
-                                           L"; no comment",
-                                           L"end",
-                                           L"\xD83D\xDE00 \xFEFF\xFFFF",
-                                           L"\xD83D",
-                                           L"\xDE00\xD83D",
-                                           L"\xD83D\xD83D\xDE00",
-                                           L"\\u0041",
-                                           std::wstring(100000, L'x')};
+  const std::wstring large(100000, L'x');
+  const Lines texts = {all,
+                       large,
+                       L"",
+                       L"  blanks  ",
+                       L"\r\n\"\\n\"\\",
+                       L"; no comment",
+                       L"end",
+                       L"\xD83D\xDE00 \xFEFF\xFFFF",
+                       L"\xD83D",
+                       L"\xDE00\xD83D",
+                       L"\xD83D\xD83D\xDE00",
+                       L"\\u0041"};
   CResourceSea out;
   for (const std::wstring& name : texts) Fill(out, name.c_str(), texts);
   Fill(out, L"empty", {});
   bool yes = true;
   out.LookupBool(2, L"list \"\xD800\n", yes, 0);
   ASSERT_TRUE(out.Save(Name(L"\u00E4\xD83D\xDE00.sea")));
+  EXPECT_TRUE(fs::exists(folder_ / "\xC3\xA4\xF0\x9F\x98\x80.sea")) << "file names are UTF-8";
 
   CResourceSea in;
   Fill(in, L"old", {L"gone"});
   CResourceList view(&in, L"old");  // is open over the load and keeps its list
-  ASSERT_TRUE(in.Load(Name(L"\u00E4\xD83D\xDE00.sea"))) << Text::ToUtf8(log_);
+  ASSERT_TRUE(in.Load(Name(L"\u00E4\xD83D\xDE00.sea"))) << Text::ToUtf8(log_.Text());
   for (const std::wstring& name : texts) EXPECT_EQ(LinesOf(in, name.c_str()), texts);
   EXPECT_TRUE(in.IsListEntry(L"empty"));
   EXPECT_FALSE(in.IsListEntry(L"old"));
   EXPECT_TRUE(view.IsValid());
   EXPECT_TRUE(in.LookupGetBool(L"list \"\xD800\n", 0, false));
-  EXPECT_TRUE(fs::exists(folder_ / "\xC3\xA4\xF0\x9F\x98\x80.sea")) << "file names are UTF-8";
 }
 
 TEST_F(SeaFile, IsTheOneThatIsDescribedAndTakesWhatEditorsDo) {
@@ -179,10 +176,10 @@ TEST_F(SeaFile, IsTheOneThatIsDescribedAndTakesWhatEditorsDo) {
 
   Put("\xEF\xBB\xBF; mended by hand\r\n\r\n sea 1\r\nlist\t\"<T>\" \r\n\"\\u00FC\"\r\n; more\r\n"
       "\"2\"\r\nbool \"B\"true\r\nend");
-  ASSERT_TRUE(sea.Load(Name(L"a.sea"))) << Text::ToUtf8(log_);
-  EXPECT_EQ(LinesOf(sea, L"<T>"), (std::vector<std::wstring>{L"\u00FC", L"2"}));
+  ASSERT_TRUE(sea.Load(Name(L"a.sea"))) << Text::ToUtf8(log_.Text());
+  EXPECT_EQ(LinesOf(sea, L"<T>"), (Lines{L"\u00FC", L"2"}));
   EXPECT_TRUE(sea.LookupGetBool(L"B", 0, false));
-  EXPECT_EQ(log_, L"");
+  EXPECT_TRUE(log_.lines.empty());
 }
 
 TEST_F(SeaFile, ABadFileLeavesTheSeaAndNamesTheLine) {
@@ -211,37 +208,19 @@ TEST_F(SeaFile, ABadFileLeavesTheSeaAndNamesTheLine) {
   CResourceSea sea;
   Fill(sea, L"old", {L"kept"});
   for (const auto& [bytes, why] : cases) {
+    log_.lines.clear();
     Put(bytes);
-    log_.clear();
     EXPECT_FALSE(sea.Load(Name(L"a.sea"))) << bytes;
-    EXPECT_NE(log_.find(why), std::wstring::npos) << bytes << Text::ToUtf8(log_);
+    EXPECT_NE(log_.Text().find(why), std::wstring::npos) << bytes;
   }
   fs::create_directory(folder_ / "d");
   mkfifo((folder_ / "pipe").c_str(), 0600);
   for (const wchar_t* const name : {L"missing", L"d", L"d/x/y", L"pipe"}) {
     EXPECT_FALSE(sea.Load(Name(name))) << name;
   }
-  EXPECT_EQ(LinesOf(sea, L"old"), std::vector<std::wstring>{L"kept"});
+  EXPECT_EQ(LinesOf(sea, L"old"), Lines{L"kept"});
   EXPECT_FALSE(sea.IsListEntry(L"new"));
 }
-
-// Lets no file of this process grow beyond some bytes, which is what a full disk does to it.
-class FullDisk {
- public:
-  explicit FullDisk(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-    getrlimit(RLIMIT_FSIZE, &before_);
-    const rlimit small = {bytes, before_.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &small);
-  }
-  ~FullDisk() {
-    setrlimit(RLIMIT_FSIZE, &before_);
-    std::signal(SIGXFSZ, handler_);
-  }
-
- private:
-  rlimit before_{};
-  void (*handler_)(int);
-};
 
 TEST_F(SeaFile, ASaveThatFailsLeavesTheOldFileAndNothingElse) {
   CResourceSea sea;
@@ -249,26 +228,29 @@ TEST_F(SeaFile, ASaveThatFailsLeavesTheOldFileAndNothingElse) {
   ASSERT_TRUE(sea.Save(Name(L"a.sea")));
   const std::string old = Bytes();
   Fill(sea, L"<T>", {std::wstring(100000, L'n')});
+  // No file of this process grows beyond some bytes, which is what a full disk does to it.
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
   for (const rlim_t room : {0U, 10U, 5000U}) {
-    bool saved = true;
-    {
-      const FullDisk full(room);
-      saved = sea.Save(Name(L"a.sea"));
-    }
+    const rlimit small = {room, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+    const bool saved = sea.Save(Name(L"a.sea"));
+    setrlimit(RLIMIT_FSIZE, &before);
     EXPECT_FALSE(saved) << room;
     EXPECT_EQ(Bytes(), old);
     EXPECT_EQ(Files(), 1);
   }
-  EXPECT_NE(log_.find(L"the disk is full"), std::wstring::npos);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_NE(log_.Text().find(L"the disk is full"), std::wstring::npos);
 
   fs::create_directory(folder_ / "d");
-  EXPECT_FALSE(sea.Save(Name(L"d")));
-  EXPECT_FALSE(sea.Save(Name(L"missing/a.sea")));
-  EXPECT_FALSE(sea.Save(Name(L"a.sea/b.sea")));
-  EXPECT_FALSE(sea.Save(L""));
-  EXPECT_FALSE(sea.Save(L"/dev/full"));
+  for (const std::wstring& name :
+       {Name(L"d"), Name(L"missing/a.sea"), Name(L"a.sea/b.sea"), std::wstring(),
+        std::wstring(L"/dev/full"), std::wstring(L"/proc/a.sea")}) {
+    EXPECT_FALSE(sea.Save(name)) << name;
+  }
   EXPECT_TRUE(fs::is_character_file("/dev/full"));
-  EXPECT_FALSE(sea.Save(L"/proc/a.sea"));
   if (geteuid() != 0) {  // root may write into every folder
     fs::permissions(folder_ / "d", fs::perms::owner_read | fs::perms::owner_exec);
     EXPECT_FALSE(sea.Save(Name(L"d/a.sea")));
@@ -282,14 +264,14 @@ TEST_F(SeaFile, ASaveThatFailsLeavesTheOldFileAndNothingElse) {
 TEST_F(SeaFile, ASaveKeepsModeAndLinkOfTheFile) {
   CResourceSea sea;
   ASSERT_TRUE(sea.Save(Name(L"a.sea")));
-  fs::permissions(folder_ / "a.sea", fs::perms::owner_read | fs::perms::owner_write);
+  constexpr auto mode = fs::perms::owner_read | fs::perms::owner_write;
+  fs::permissions(folder_ / "a.sea", mode);
   fs::create_symlink("a.sea", folder_ / "link");
   Fill(sea, L"<T>", {L"new"});
   ASSERT_TRUE(sea.Save(Name(L"link")));
   EXPECT_TRUE(fs::is_symlink(folder_ / "link"));
-  EXPECT_NE(Bytes("a.sea").find("new"), std::string::npos);
-  EXPECT_EQ(fs::status(folder_ / "a.sea").permissions(),
-            fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_NE(Bytes().find("new"), std::string::npos);
+  EXPECT_EQ(fs::status(folder_ / "a.sea").permissions(), mode);
 }
 
 }  // namespace

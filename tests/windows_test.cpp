@@ -8,18 +8,14 @@
 #include <memory>
 #include <optional>
 
+#include "control_support.h"
 #include "interfaces/ComboBoxX.h"
 #include "interfaces/Dialog3d.h"
-#include "interfaces/TextView.h"
 #include "interfaces/XListCtrl.h"
 
 namespace {
 
-std::string Utf8(const TextView::Lines& lines) {
-  std::string out;
-  for (const CString& line : lines) out += Text::ToUtf8(line) + "\n";
-  return out;
-}
+using Pairs = std::vector<std::pair<int, int>>;
 
 const std::map<int, CString> fruits = {{-1, L"—"}, {3, L"apple"}, {8, L"pear"}};
 
@@ -36,21 +32,6 @@ void FillList(CXListCtrl& list) {
   list.SetEnabled(1, false);
 }
 
-// A list that notes what its base class tells it.
-class NotingList : public CXListCtrl {
- public:
-  std::vector<std::pair<int, int>> noted;  // row and state
-  std::function<void()> on_note;
-
- protected:
-  void OnItemStateChange(int row, int sub_item, int state) override {
-    noted.emplace_back(row, state);
-    CXListCtrl::OnItemStateChange(row, sub_item, state);
-    const auto note = on_note;  // a copy, since it may delete the list
-    if (note) note();
-  }
-};
-
 void FillChecks(CXListCtrl& list, int count) {
   list.InsertColumn(0, L"all", ColumnFormat::left, 90);
   list.SetHeaderAutoCheckbox(true);
@@ -58,6 +39,31 @@ void FillChecks(CXListCtrl& list, int count) {
   for (int i = 0; i < count; ++i) list.SetCheckbox(list.AddItem(L"x"), 0, unchecked);
   list.SetBatchInsertMode(false);
 }
+
+// Tells when its window comes (<), goes (>), gets the focus (+) and loses it (-), and which row got
+// which state.
+class Telling : public CXListCtrl {
+ public:
+  std::function<void(const std::string&)> tell;
+
+ protected:
+  void PreSubclassWindow() override { Tell("<"); }
+  void OnDestroy() override {
+    CXListCtrl::OnDestroy();
+    Tell(">");
+  }
+  void OnSetFocus(CWnd*) override { Tell("+"); }
+  void OnKillFocus(CWnd*) override { Tell("-"); }
+  void OnItemStateChange(int row, int, int state) override {
+    Tell(" " + std::to_string(row) + ":" + std::to_string(state));
+  }
+
+ private:
+  void Tell(const std::string& what) const {
+    const auto hear = tell;  // a copy, since it may delete the window
+    if (hear) hear(what);
+  }
+};
 
 TEST(Windows, MessagesReachTheLivingAndOnlyThem) {
   const unsigned int message = RegisterWindowMessage(L"windows test");
@@ -67,11 +73,7 @@ TEST(Windows, MessagesReachTheLivingAndOnlyThem) {
 
   auto window = std::make_unique<CWnd>();
   const WindowHandle handle = window->Handle();
-  int calls = 0;
-  window->OnMessage(message, [&](WPARAM w, LPARAM l) {
-    ++calls;
-    return static_cast<LRESULT>(w) + l;
-  });
+  window->OnMessage(message, [](WPARAM w, LPARAM l) { return static_cast<LRESULT>(w) + l; });
   EXPECT_EQ(SendMessage(handle, message, 5, -7), 0);  // no window yet
   EXPECT_FALSE(IsWindow(handle));
   ASSERT_TRUE(window->Create(nullptr));
@@ -80,20 +82,18 @@ TEST(Windows, MessagesReachTheLivingAndOnlyThem) {
   EXPECT_EQ(SendMessage(handle, message + 1000, 5, -7), 0);
   EXPECT_TRUE(window->DestroyWindow());
   EXPECT_FALSE(window->DestroyWindow());
-  SendMessage(handle, message, 5, -7);
-  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(SendMessage(handle, message, 5, -7), 0);
 
   // A handler may take itself away, and the whole window.
   ASSERT_TRUE(window->Create(nullptr));
-  window->OnMessage(message, [&](WPARAM, LPARAM) -> LRESULT {
+  window->OnMessage(message, [&, answer = LRESULT{3}](WPARAM, LPARAM) {
     window->OnMessage(message, {});
     window.reset();
-    return ++calls;
+    return answer;
   });
-  EXPECT_EQ(SendMessage(handle, message, 0, 0), 2);
+  EXPECT_EQ(SendMessage(handle, message, 0, 0), 3);
   EXPECT_EQ(SendMessage(handle, message, 0, 0), 0);
-  SendMessage(WindowHandle::none, message, 0, 0);
-  EXPECT_EQ(calls, 2);
+  EXPECT_EQ(SendMessage(WindowHandle::none, message, 0, 0), 0);
 }
 
 TEST(Windows, ParentsTakeTheirChildrenWithThemAndOwnersDoNot) {
@@ -108,18 +108,16 @@ TEST(Windows, ParentsTakeTheirChildrenWithThemAndOwnersDoNot) {
   ASSERT_TRUE(grandchild.Create(&child));
   EXPECT_EQ(parent->GetDlgItem(17), &child);
   EXPECT_EQ(parent->GetDlgItem(18), nullptr);
-  EXPECT_EQ(child.GetParent(), parent.get());
   EXPECT_EQ(child.GetOwner(), parent.get());
   child.SetOwner(owner.get());
   EXPECT_EQ(child.GetOwner(), owner.get());
   owner.reset();
   EXPECT_EQ(child.GetOwner(), nullptr);
-  EXPECT_TRUE(child.IsWindow());
+  EXPECT_EQ(child.GetParent(), parent.get());
 
   FillList(child);
   parent.reset();
-  EXPECT_FALSE(child.IsWindow());
-  EXPECT_FALSE(grandchild.IsWindow());
+  EXPECT_FALSE(child.IsWindow() || grandchild.IsWindow());
   EXPECT_EQ(child.GetParent(), nullptr);
   EXPECT_EQ(child.GetItemCount() + child.GetColumnCount(), 0);
   EXPECT_FALSE(child.ClickHeading(0));
@@ -127,57 +125,65 @@ TEST(Windows, ParentsTakeTheirChildrenWithThemAndOwnersDoNot) {
 }
 
 TEST(Windows, TheFocusIsAtOneWindowAndLeavesWithIt) {
-  class Noting : public CWnd {
-   public:
-    Noting(std::string& log, char name) : log_(log), name_(name) {}
-    std::function<void()> on_kill;
-
-   protected:
-    void OnSetFocus(CWnd*) override { log_ += {'+', name_}; }
-    void OnKillFocus(CWnd*) override {
-      log_ += {'-', name_};
-      if (on_kill) on_kill();
-    }
-
-   private:
-    std::string& log_;
-    char name_;
-  };
   std::string log;
-  Noting a(log, 'a');
-  Noting b(log, 'b');
+  Telling a;
+  Telling b;
+  a.tell = [&](const std::string& what) { log += what + "a"; };
+  b.tell = [&](const std::string& what) { log += what + "b"; };
   a.SetFocus();  // no window, no focus
-  ASSERT_TRUE(a.Create(nullptr));
-  ASSERT_TRUE(b.Create(nullptr));
+  ASSERT_TRUE(a.Create(nullptr) && b.Create(nullptr));
   a.SetFocus();
   a.SetFocus();
   b.SetFocus();
   a.KillFocus();
   b.DestroyWindow();
   a.SetFocus();
-  a.on_kill = [&] { b.DestroyWindow(); };
+  a.tell = [&](const auto&) { b.DestroyWindow(); };
   ASSERT_TRUE(b.Create(nullptr));
   b.SetFocus();  // b ends while a loses the focus to it
-  EXPECT_EQ(log, "+a-a+b+a-a");
+  EXPECT_EQ(log, "<a<b+a-a+b>b+a<b>b");
   EXPECT_FALSE(a.HasFocus() || b.HasFocus());
+}
+
+TEST(Windows, MayBeDeletedWhileTheyBeginAndEnd) {
+  auto doomed = std::make_unique<Telling>();
+  doomed->tell = [&](const auto&) { doomed.reset(); };
+  EXPECT_FALSE(doomed->Create(nullptr));
+
+  auto parent = std::make_unique<CWnd>();
+  Telling child;
+  ASSERT_TRUE(parent->Create(nullptr) && child.Create(parent.get()));
+  child.tell = [&](const auto&) { parent.reset(); };
+  EXPECT_TRUE(parent->DestroyWindow());
+  EXPECT_FALSE(child.IsWindow());
+
+  // The end of one window may be the beginning of the next.
+  std::string log;
+  Telling phoenix;
+  child.tell = nullptr;
+  ASSERT_TRUE(phoenix.Create(nullptr) && child.Create(&phoenix));
+  phoenix.tell = [&](const std::string& what) { log += what; };
+  child.tell = [&](const auto&) { phoenix.Create(nullptr); };
+  phoenix.DestroyWindow();
+  EXPECT_TRUE(phoenix.IsWindow());
+  EXPECT_EQ(log, "<") << "the new window must not lose what it holds";
 }
 
 TEST(Lists, ChoosingAnEntryTellsTheCallbackOnce) {
   CXListCtrl list;
   ASSERT_TRUE(list.Create(nullptr));
   FillList(list);
-  std::vector<std::pair<int, int>> heard;
+  Pairs heard;
   list.on_entry_chosen = [&](int row, int column) { heard.emplace_back(row, column); };
   EXPECT_TRUE(list.ChooseEntry(0, 1, 8));
   EXPECT_EQ(list.GetComboCurSel(0, 1), 8);
   EXPECT_EQ(list.GetItemText(0, 1), L"pear");
-  struct Refused {
-    int row, column, id;
-  };
-  const Refused refused[] = {{0, 1, 4},  {0, 0, 3},  {1, 1, 3},       {2, 1, 3},
-                             {-1, 1, 3}, {0, -1, 3}, {0, INT_MAX, 3}, {INT_MIN, 1, 3}};
-  for (const Refused& r : refused) EXPECT_FALSE(list.ChooseEntry(r.row, r.column, r.id)) << r.row;
-  EXPECT_EQ(heard, (std::vector<std::pair<int, int>>{{0, 1}}));
+  const std::tuple<int, int, int> refused[] = {{0, 1, 4},  {0, 0, 3},  {1, 1, 3},      {2, 1, 3},
+                                               {-1, 1, 3}, {0, -1, 3}, {0, INT_MAX, 3}};
+  for (const auto& [row, column, id] : refused) {
+    EXPECT_FALSE(list.ChooseEntry(row, column, id)) << row << ' ' << column;
+  }
+  EXPECT_EQ(heard, (Pairs{{0, 1}}));
   EXPECT_EQ(list.GetItemText(1, 1), L"pear");
 
   // The shared list may change under the cell: it keeps what it shows.
@@ -191,96 +197,84 @@ TEST(Lists, ChoosingAnEntryTellsTheCallbackOnce) {
   EXPECT_EQ(list.GetItemText(0, 1), L"");
 }
 
+// In the middle of a choice, and of a heading's click over all rows.
 TEST(Lists, AHandlerMayRefillDestroyOrDeleteTheList) {
-  CXListCtrl list;
-  ASSERT_TRUE(list.Create(nullptr));
-  FillList(list);
-  list.on_entry_chosen = [&](int, int) {
-    list.on_entry_chosen = {};
-    list.DeleteAllItems();
-  };
-  EXPECT_TRUE(list.ChooseEntry(0, 1, 8));
-  EXPECT_EQ(list.GetItemCount(), 0);
-
-  auto doomed = std::make_unique<NotingList>();
-  ASSERT_TRUE(doomed->Create(nullptr));
-  FillList(*doomed);
-  doomed->on_entry_chosen = [&](int, int) { doomed.reset(); };
-  EXPECT_TRUE(doomed->ChooseEntry(0, 1, 8));
-  EXPECT_EQ(doomed, nullptr);
-
-  // In the middle of a heading's click over all rows: fewer rows, no window, no object.
-  for (const bool refill : {true, false}) {
-    NotingList checks;
-    ASSERT_TRUE(checks.Create(nullptr));
-    FillChecks(checks, 5);
-    checks.on_note = [&] { refill ? checks.DeleteAllItems() : void(checks.DestroyWindow()); };
-    checks.ClickHeading(0);
-    EXPECT_EQ(checks.noted.size(), 1U);
+  for (const std::string what : {"refill", "destroy", "delete"}) {
+    for (const bool heading : {false, true}) {
+      SCOPED_TRACE(what + (heading ? " by the heading" : " by an entry"));
+      int calls = 0;
+      auto list = std::make_unique<Telling>();
+      ASSERT_TRUE(list->Create(nullptr));
+      const auto act = [&](auto...) {
+        ++calls;
+        list->on_entry_chosen = {};
+        list->tell = {};
+        if (what == "refill") list->DeleteAllItems();
+        if (what == "destroy") list->DestroyWindow();
+        if (what == "delete") list.reset();
+      };
+      heading ? FillChecks(*list, 5) : FillList(*list);
+      list->on_entry_chosen = act;
+      if (heading) list->tell = act;
+      EXPECT_TRUE(heading ? list->ClickHeading(0) : list->ChooseEntry(0, 1, 8));
+      EXPECT_EQ(calls, 1);
+      EXPECT_EQ(list ? list->GetItemCount() : 0, 0);
+    }
   }
-  doomed = std::make_unique<NotingList>();
-  ASSERT_TRUE(doomed->Create(nullptr));
-  FillChecks(*doomed, 5);
-  doomed->on_note = [&] { doomed.reset(); };
-  doomed->ClickHeading(0);
-  EXPECT_EQ(doomed, nullptr);
 }
 
 TEST(Lists, ClicksFindCheckBoxesAndNothingBesides) {
-  NotingList list;
+  Telling list;
+  std::string told;
+  list.tell = [&](const std::string& what) { told += what; };
   ASSERT_TRUE(list.Create(nullptr));
   FillChecks(list, 3);
   list.SetItemText(1, 0, L"wider than the others");
   list.AutosizeColumnWidth(-1);
   list.SetEnabled(2, false);
-  const int first = CXListCtrl::heading_height;
-  const int step = CXListCtrl::row_height;
-  struct Case {
-    CPoint point;
-    int row;
-    unsigned int flags;
+  constexpr int first = CXListCtrl::heading_height;
+  constexpr int step = CXListCtrl::row_height;
+  const std::tuple<int, int, int, unsigned int> cases[] = {
+      {8, first, 0, hit_state_icon},
+      {60, first + step - 1, 0, hit_label},
+      {8, first + step, 1, hit_state_icon},
+      {8, first + 2 * step, 2, hit_state_icon},
+      {8, first + 3 * step, -1, hit_nowhere},
+      {-1, first, -1, hit_nowhere},
+      {list.GetColumn(0)->width, first, -1, hit_nowhere},
+      {INT_MAX, INT_MAX, -1, hit_nowhere},
+      {INT_MIN, INT_MIN, -1, hit_nowhere},
   };
-  const Case cases[] = {
-      {{8, first}, 0, hit_state_icon},        {{60, first + step - 1}, 0, hit_label},
-      {{8, first + step}, 1, hit_state_icon}, {{8, first + 2 * step}, 2, hit_state_icon},
-      {{8, first - 1}, -1, hit_nowhere},      {{8, first + 3 * step}, -1, hit_nowhere},
-      {{-1, first}, -1, hit_nowhere},         {{list.GetColumn(0)->width, first}, -1, hit_nowhere},
-      {{INT_MAX, INT_MAX}, -1, hit_nowhere},  {{INT_MIN, INT_MIN}, -1, hit_nowhere},
-  };
-  for (const Case& c : cases) {
-    unsigned int flags = 0;
-    EXPECT_EQ(list.HitTest(c.point, flags), c.row) << c.point.x << ' ' << c.point.y;
-    EXPECT_EQ(flags, c.flags) << c.point.x << ' ' << c.point.y;
-    if (c.point.y != first - 1) list.Click(c.point);  // not on the heading
+  unsigned int flags = 0;
+  for (const auto& [x, y, row, found] : cases) {
+    EXPECT_EQ(list.HitTest({x, y}, flags), row) << x << ' ' << y;
+    EXPECT_EQ(flags, found) << x << ' ' << y;
+    list.Click({x, y});
   }
+  EXPECT_EQ(list.HitTest({8, first - 1}, flags), -1);  // the heading
   EXPECT_TRUE(list.HasFocus());
-  EXPECT_EQ(list.noted, (std::vector<std::pair<int, int>>{{0, checked}, {1, checked}}));
+  EXPECT_EQ(told, "<+ 0:1 1:1");
 }
 
 TEST(Lists, TheHeadingsCheckBoxFollowsTheRowsAndLeadsThem) {
-  NotingList list;
+  Telling list;
+  int told = 0;
   ASSERT_TRUE(list.Create(nullptr));
+  list.tell = [&](const auto&) { ++told; };
   FillChecks(list, 3);
   EXPECT_EQ(list.GetHeaderCheckedState(1), -1);
   EXPECT_TRUE(list.SetHeaderCheckedState(0, mixed));
   EXPECT_EQ(list.GetHeaderCheckedState(0), mixed);
-  struct Case {
-    int row;  // whose box is switched; -1: the heading's
-    int state;
-    int checked_rows;
-  };
-  const Case cases[] = {{0, mixed, 1},    {1, mixed, 2}, {2, checked, 3}, {-1, unchecked, 0},
-                        {-1, checked, 3}, {1, mixed, 2}, {-1, checked, 3}};
-  for (const Case& c : cases) {
-    if (c.row == -1) {
-      list.ClickHeading(0);
-    } else {
-      EXPECT_TRUE(list.ToggleCheckbox(c.row, 0));
-    }
-    EXPECT_EQ(list.GetHeaderCheckedState(0), c.state);
-    EXPECT_EQ(list.CountCheckedItems(0, checked), c.checked_rows);
+  // The row whose box is switched (-1: the heading's), the heading's state, how many are checked.
+  const std::tuple<int, int, int> cases[] = {{0, mixed, 1},      {1, mixed, 2},    {2, checked, 3},
+                                             {-1, unchecked, 0}, {-1, checked, 3}, {1, mixed, 2},
+                                             {-1, checked, 3}};
+  for (const auto& [row, state, checked_rows] : cases) {
+    EXPECT_TRUE(row == -1 ? list.ClickHeading(0) : list.ToggleCheckbox(row, 0));
+    EXPECT_EQ(list.GetHeaderCheckedState(0), state);
+    EXPECT_EQ(list.CountCheckedItems(0, checked), checked_rows);
   }
-  EXPECT_EQ(list.noted.size(), 3U + 3 + 3 + 1 + 1);
+  EXPECT_EQ(told, 3 + 3 + 3 + 1 + 1);
   // A disabled row keeps its box, and doesn't hinder the heading from clearing the others.
   EXPECT_FALSE(list.SetHeaderCheckedState(0, 2));
   list.ToggleCheckbox(2, 0);
@@ -295,31 +289,27 @@ TEST(Combos, EntriesKeepTheirDataAndTheirSelection) {
   CWnd parent;
   CComboBoxX plain;
   CComboBox sorted(CComboBox::Order::sorted);
-  ASSERT_TRUE(parent.Create(nullptr));
-  ASSERT_TRUE(plain.Create(&parent, 7));
-  ASSERT_TRUE(sorted.Create(&parent, 8));
-  const wchar_t* const names[] = {L"pear", L"Apple", L"fig", L"apple", L"Öl", L"pear"};
+  ASSERT_TRUE(parent.Create(nullptr) && plain.Create(&parent, 7));
   std::vector<int> places;
-  for (int i = 0; i < 6; ++i) {
-    EXPECT_EQ(plain.AddString(names[i]), i);
-    places.push_back(sorted.AddString(names[i]));
-    EXPECT_TRUE(sorted.SetItemData(places.back(), 100 + i));
-    if (i == 0) sorted.SetCurSel(0);
+  for (const wchar_t* const name : {L"pear", L"Apple", L"fig", L"apple", L"Öl", L"pear"}) {
+    const int number = plain.AddString(name);
+    places.push_back(sorted.AddString(name));
+    EXPECT_TRUE(sorted.SetItemData(places.back(), 100 + number));
+    if (number == 0) sorted.SetCurSel(0);
   }
-  EXPECT_EQ(places, (std::vector<int>{0, 0, 1, 1, 4, 4}));
+  EXPECT_EQ(places, (std::vector{0, 0, 1, 1, 4, 4}));
   EXPECT_EQ(sorted.GetLBText(sorted.GetCurSel()), L"pear");
   EXPECT_EQ(sorted.GetItemData(sorted.GetCurSel()), 100);
   EXPECT_EQ(sorted.GetItemData(sorted.FindStringExact(-1, L"Öl")), 104);
-  EXPECT_EQ(plain.FindStringExact(-1, L"pear"), 0);  // the first of two
-  EXPECT_EQ(plain.FindStringExact(0, L"pear"), 5);
-  EXPECT_EQ(plain.FindStringExact(5, L"pear"), 0);
-  EXPECT_EQ(plain.FindStringExact(-1, L"pea"), -1);
-  EXPECT_EQ(plain.FindStringExact(INT_MAX, L"apple"), 3);
+  const std::tuple<int, const wchar_t*, int> searches[] = {
+      {-1, L"pear", 0}, {0, L"pear", 5}, {5, L"pear", 0}, {-1, L"pea", -1}, {INT_MAX, L"apple", 3}};
+  for (const auto& [start, text, found] : searches) {
+    EXPECT_EQ(plain.FindStringExact(start, text), found) << start;
+  }
   for (const int bad : {-1, 6, INT_MIN, INT_MAX}) {
     EXPECT_EQ(plain.GetItemData(bad), -1);
-    EXPECT_FALSE(plain.SetItemData(bad, 1));
+    EXPECT_FALSE(plain.SetItemData(bad, 1) || plain.ChooseEntry(bad));
     EXPECT_EQ(plain.GetLBText(bad), L"");
-    EXPECT_FALSE(plain.ChooseEntry(bad));
   }
 
   std::vector<WPARAM> heard;
@@ -341,142 +331,105 @@ TEST(Combos, EntriesKeepTheirDataAndTheirSelection) {
 // Filling takes about 32 times as long for 32 times the entries, not a thousand times. The best of
 // several runs and a wide bound, since other programs share the machine.
 TEST(Combos, FillingStaysLinear) {
-  const auto fill_combo = [](int count) {
-    CComboBoxX combo;
-    combo.Create(nullptr);
-    for (int i = 0; i < count; ++i) combo.SetItemData(combo.AddString(L"an entry"), i);
-    EXPECT_EQ(combo.GetItemData(count - 1), count - 1);
+  using Clock = std::chrono::steady_clock;
+  const auto combo = [](int count) {
+    CComboBoxX box;
+    box.Create(nullptr);
+    for (int i = 0; i < count; ++i) box.SetItemData(box.AddString(L"an entry"), i);
+    EXPECT_EQ(box.GetItemData(count - 1), count - 1);
   };
-  const std::pair<const char*, std::function<void(int)>> fills[] = {
-      {"combo", fill_combo}, {"checks", [](int count) {
-                                CXListCtrl list;
-                                list.Create(nullptr);
-                                FillChecks(list, count);
-                                EXPECT_EQ(list.CountCheckedItems(0, unchecked), count);
-                              }}};
-  for (const auto& [name, fill] : fills) {
-    const auto best = [&fill = fill](int count) {
-      auto least = std::chrono::steady_clock::duration::max();
+  const auto checks = [](int count) {
+    CXListCtrl list;
+    list.Create(nullptr);
+    FillChecks(list, count);
+    EXPECT_EQ(list.CountCheckedItems(0, unchecked), count);
+  };
+  for (void (*const fill)(int) : {+combo, +checks}) {
+    const auto best = [fill](int count) {
+      auto least = Clock::duration::max();
       for (int run = 0; run < 3; ++run) {
-        const auto start = std::chrono::steady_clock::now();
+        const auto start = Clock::now();
         fill(count);
-        least = std::min(least, std::chrono::steady_clock::now() - start);
+        least = std::min(least, Clock::now() - start);
       }
       return least;
     };
-    EXPECT_LT(best(48000), 200 * best(1500)) << name;
+    EXPECT_LT(best(48000), 200 * best(1500)) << (fill == +combo ? "combo" : "checks");
   }
 }
 
-class TestResources : public ResourceModule {
- public:
-  TestResources() {
-    using Kind = DialogItem::Kind;
-    box.title = L"Pick";
-    box.width = 100;
-    box.height = 72;
-    box.items = {{1, Kind::default_button, {60, 56, 92, 70}, L"OK"},
-                 {2, Kind::button, {8, 56, 48, 70}, L"Cancel"},
-                 {30, Kind::list, {8, 0, 92, 54}, L""}};
-  }
+struct TestResources : ResourceModule {
   const DialogTemplate* FindDialog(unsigned int id) const override {
     return id == 5 ? &box : nullptr;
   }
-  DialogTemplate box;
+  using Kind = DialogItem::Kind;
+  DialogTemplate box{L"Pick",
+                     100,
+                     72,
+                     L"",
+                     8,
+                     {{1, Kind::default_button, {60, 56, 92, 70}, L"OK"},
+                      {2, Kind::button, {8, 56, 48, 70}, L"Cancel"},
+                      {30, Kind::list, {8, 0, 92, 54}, L""}}};
 };
 
 class PickDialog : public CDialog3d {
  public:
-  PickDialog(const ResourceModule& resources, CWnd* owner = nullptr, unsigned int template_id = 5)
-      : CDialog3d(template_id, owner, resources) {
-    for (const int id : {id_ok, id_cancel}) {
-      OnCommand(id, [this, id] {
-        const auto handler = on_button;  // a copy, since it may delete the dialog
-        handler(id);
-      });
-    }
-  }
-  std::function<void(int)> on_button;
+  explicit PickDialog(const ResourceModule& resources, CWnd* owner = nullptr, unsigned int id = 5)
+      : CDialog3d(id, owner, resources) {}
+  using CDialog3d::OnCommand;
   CXListCtrl list;
 
  protected:
   void DoDataExchange(CDataExchange& exchange) override {
+    CWnd stray;
+    DDX_Control(exchange, 31, stray);  // not in the template
+    DDX_Control(exchange, 1, stray);   // a button
+    EXPECT_FALSE(stray.IsWindow());
     DDX_Control(exchange, 30, list);
-    DDX_Control(exchange, 31, stray_);  // not in the template
-    DDX_Control(exchange, 1, stray_);   // a button
-    EXPECT_FALSE(stray_.IsWindow());
   }
-
- private:
-  CWnd stray_;
 };
 
 TEST(Dialogs, ShowTheirItemsAndHearTheirButtons) {
   TestResources resources;
   PickDialog dialog(resources);
   std::vector<int> pressed;
-  dialog.on_button = [&](int id) { pressed.push_back(id); };
-  EXPECT_FALSE(dialog.PressButton(1));  // not displayed
-  EXPECT_FALSE(dialog.Close());
+  for (const int id : {1, 2}) dialog.OnCommand(id, [&, id] { pressed.push_back(id); });
+  EXPECT_FALSE(dialog.PressButton(1) || dialog.Close());  // not displayed
   ASSERT_TRUE(dialog.DisplayDialog());
   EXPECT_FALSE(dialog.DisplayDialog());
   FillList(dialog.list);
-  EXPECT_EQ(Utf8(TextView::Draw(dialog)),
-            "╒═ Pick ══════════════════╕\n"
-            "│  ┌───────────┬───────┐  │\n"
-            "│  │ Section   │ Value │  │\n"
-            "│  ├───────────┼───────┤  │\n"
-            "│  │ Fruit     │ ap… ▾ │  │\n"
-            "│  │·Other    ·│·pe… ▾·│  │\n"
-            "│  │           │       │  │\n"
-            "│  └───────────┴───────┘  │\n"
-            "│  [ Cancel ]   «  OK  »  │\n"
-            "│                         │\n"
-            "└─────────────────────────┘\n");
-  // Larger in both directions, and smaller than its rows.
-  EXPECT_EQ(Utf8(TextView::Draw(dialog, {31, 12, 0})),
-            "╒═ Pick ══════════════════════╕\n"
-            "│  ┌───────────┬───────────┐  │\n"
-            "│  │ Section   │ Value     │  │\n"
-            "│  ├───────────┼───────────┤  │\n"
-            "│  │ Fruit     │ apple   ▾ │  │\n"
-            "│  │·Other    ·│·pear    ▾·│  │\n"
-            "│  │           │           │  │\n"
-            "│  │           │           │  │\n"
-            "│  └───────────┴───────────┘  │\n"
-            "│  [ Cancel ]       «  OK  »  │\n"
-            "│                             │\n"
-            "└─────────────────────────────┘\n");
-  EXPECT_EQ(Utf8(TextView::Draw(dialog, {23, 9, 1})),
-            "╒═ Pick ══════════════╕\n"
-            "│  ┌───────────┬───┐  │\n"
-            "│  │ Section   │ … │  │\n"
-            "│  ├───────────┼───┤  │\n"
-            "│  │·Other    ·│·…·▲  │\n"
-            "│  └───────────┴───┘  │\n"
-            "│  [ Cancel…«  OK  »  │\n"
-            "│                     │\n"
-            "└─────────────────────┘\n");
-  for (const int size : {INT_MIN, 1, 3, 6, 9}) {
-    EXPECT_FALSE(TextView::Draw(dialog, {size, size, size}).empty()) << size;
-  }
+  // Smaller than its rows, as the template has it, and larger in both directions.
+  EXPECT_EQ(SideBySide({TextView::Draw(dialog, {23, 9, 1}), TextView::Draw(dialog),
+                        TextView::Draw(dialog, {31, 12, 0})}),
+            R"(
+╒═ Pick ══════════════╕  ╒═ Pick ══════════════════╕  ╒═ Pick ══════════════════════╕
+│  ┌───────────┬───┐  │  │  ┌───────────┬───────┐  │  │  ┌───────────┬───────────┐  │
+│  │ Section   │ … │  │  │  │ Section   │ Value │  │  │  │ Section   │ Value     │  │
+│  ├───────────┼───┤  │  │  ├───────────┼───────┤  │  │  ├───────────┼───────────┤  │
+│  │·Other    ·│·…·▲  │  │  │ Fruit     │ ap… ▾ │  │  │  │ Fruit     │ apple   ▾ │  │
+│  └───────────┴───┘  │  │  │·Other    ·│·pe… ▾·│  │  │  │·Other    ·│·pear    ▾·│  │
+│  [ Cancel…«  OK  »  │  │  │           │       │  │  │  │           │           │  │
+│                     │  │  └───────────┴───────┘  │  │  │           │           │  │
+└─────────────────────┘  │  [ Cancel ]   «  OK  »  │  │  └───────────┴───────────┘  │
+                         │                         │  │  [ Cancel ]       «  OK  »  │
+                         └─────────────────────────┘  │                             │
+                                                      └─────────────────────────────┘
+)");
   // Places: a button and the list, and in the list a cell that the scrolling has moved.
   const auto at = [](CRect place) {
     return std::vector{place.left, place.top, place.right, place.bottom};
   };
   EXPECT_EQ(at(TextView::ItemPlace(dialog, 1, {31, 12, 0})), (std::vector{20, 9, 28, 10}));
   EXPECT_EQ(at(TextView::ItemPlace(dialog, 30, {23, 9, 0})), (std::vector{3, 1, 20, 6}));
+  EXPECT_EQ(TextView::ItemPlace(dialog, 77).Width(), 0);
   EXPECT_EQ(at(TextView::CellPlace(dialog.list, 1, 1, {17, 5, 1})), (std::vector{13, 3, 16, 4}));
-  for (const auto& [row, column] : {std::pair{0, 1}, {1, 2}, {1, -1}, {2, 0}}) {  // not shown
+  for (const auto& [row, column] : Pairs{{0, 1}, {1, 2}, {1, -1}, {2, 0}}) {  // not shown
     EXPECT_EQ(TextView::CellPlace(dialog.list, row, column, {17, 5, 1}).Width(), 0);
   }
-  EXPECT_EQ(TextView::ItemPlace(dialog, 77).Width(), 0);
-  EXPECT_TRUE(dialog.PressButton(1));
-  EXPECT_TRUE(dialog.PressButton(2));
-  EXPECT_TRUE(dialog.Close());
-  EXPECT_FALSE(dialog.PressButton(30));
-  EXPECT_FALSE(dialog.PressButton(99));
-  EXPECT_EQ(pressed, (std::vector<int>{1, 2, 2}));
+  EXPECT_TRUE(dialog.PressButton(1) && dialog.PressButton(2) && dialog.Close());
+  EXPECT_FALSE(dialog.PressButton(30) || dialog.PressButton(99));
+  EXPECT_EQ(pressed, (std::vector{1, 2, 2}));
   EXPECT_TRUE(dialog.DestroyWindow());
   EXPECT_FALSE(dialog.list.IsWindow());
 
@@ -487,14 +440,13 @@ TEST(Dialogs, ShowTheirItemsAndHearTheirButtons) {
 }
 
 TEST(Dialogs, EndWithTheirOwnerOrInTheirOwnHandler) {
-  TestResources resources;
+  const TestResources resources;
   std::optional<CWnd> owner(std::in_place);
   PickDialog dialog(resources, &*owner);
   EXPECT_TRUE(dialog.DisplayDialog());  // an owner without a window is none
   EXPECT_EQ(dialog.GetParent(), nullptr);
   dialog.DestroyWindow();
-  ASSERT_TRUE(owner->Create(nullptr));
-  ASSERT_TRUE(dialog.DisplayDialog());
+  ASSERT_TRUE(owner->Create(nullptr) && dialog.DisplayDialog());
   EXPECT_EQ(dialog.GetParent(), &*owner);
   owner.reset();
   EXPECT_FALSE(dialog.IsWindow());
@@ -502,147 +454,91 @@ TEST(Dialogs, EndWithTheirOwnerOrInTheirOwnHandler) {
 
   auto doomed = std::make_unique<PickDialog>(resources);
   ASSERT_TRUE(doomed->DisplayDialog());
-  doomed->on_button = [&](int) { doomed.reset(); };
+  doomed->OnCommand(1, [&] { doomed.reset(); });
   EXPECT_TRUE(doomed->PressButton(1));
   EXPECT_EQ(doomed, nullptr);
 }
 
 TEST(Views, HearOfWindowsBelowThemAndOnceOfABatch) {
+  using Handles = std::vector<WindowHandle>;
   struct Noting : WindowView {
     void Shown(CWnd& window) override { shown.push_back(window.Handle()); }
     void Changed(CWnd& window) override { changed[&window]++; }
     void Gone(WindowHandle window) override { gone.push_back(window); }
-    std::vector<WindowHandle> shown;
+    Handles shown;
     std::map<CWnd*, int> changed;
-    std::vector<WindowHandle> gone;
+    Handles gone;
   };
   Noting view;
   CWnd frame;
   frame.SetView(&view);
   ASSERT_TRUE(frame.Create(nullptr));
-  TestResources resources;
+  const TestResources resources;
   PickDialog dialog(resources, &frame);
+  CXListCtrl& list = dialog.list;
   ASSERT_TRUE(dialog.DisplayDialog());
-  EXPECT_EQ(view.shown, (std::vector{frame.Handle(), dialog.Handle(), dialog.list.Handle()}));
-  FillList(dialog.list);
-  EXPECT_GT(view.changed[&dialog.list], 0);
+  EXPECT_EQ(view.shown, (Handles{frame.Handle(), dialog.Handle(), list.Handle()}));
+  FillList(list);
+  EXPECT_GT(view.changed[&list], 0);
   view.changed.clear();
-  dialog.list.SetBatchInsertMode(true);
-  for (int i = 0; i < 100; ++i) dialog.list.AddItem(L"row");
-  EXPECT_EQ(view.changed[&dialog.list], 0);
-  dialog.list.SetBatchInsertMode(false);
-  EXPECT_EQ(view.changed[&dialog.list], 1);
+  list.SetBatchInsertMode(true);
+  for (int i = 0; i < 100; ++i) list.AddItem(L"row");
+  EXPECT_EQ(view.changed[&list], 0);
+  list.SetBatchInsertMode(false);
+  EXPECT_EQ(view.changed[&list], 1);
   Noting own;
-  dialog.list.SetView(&own);
-  dialog.list.ChooseEntry(0, 1, 8);
-  EXPECT_EQ(view.changed[&dialog.list], 1);
-  EXPECT_EQ(own.changed[&dialog.list], 1);
-  dialog.list.SetFocus();
-  dialog.list.KillFocus();
-  EXPECT_EQ(own.changed[&dialog.list], 3);
-  dialog.list.SetView(nullptr);
+  list.SetView(&own);
+  list.ChooseEntry(0, 1, 8);
+  EXPECT_EQ(own.changed[&list], 1);
+  list.SetFocus();
+  list.KillFocus();
+  EXPECT_EQ(own.changed[&list], 3);
+  EXPECT_EQ(view.changed[&list], 1);
+  list.SetView(nullptr);
   dialog.DestroyWindow();
-  EXPECT_EQ(view.gone, (std::vector{dialog.list.Handle(), dialog.Handle()}));
-}
-
-TEST(Windows, MayBeDeletedWhileTheyBeginAndEnd) {
-  class Telling : public CWnd {
-   public:
-    std::function<void()> on_begin;
-    std::function<void()> on_end;
-
-   protected:
-    void PreSubclassWindow() override { Run(on_begin); }
-    void OnDestroy() override { Run(on_end); }
-
-   private:
-    static void Run(const std::function<void()>& action) {
-      const auto copy = action;  // since it may delete the window
-      if (copy) copy();
-    }
-  };
-  auto doomed = std::make_unique<Telling>();
-  doomed->on_begin = [&] { doomed.reset(); };
-  EXPECT_FALSE(doomed->Create(nullptr));
-
-  auto parent = std::make_unique<Telling>();
-  Telling child;
-  ASSERT_TRUE(parent->Create(nullptr));
-  ASSERT_TRUE(child.Create(parent.get()));
-  child.on_end = [&] { parent.reset(); };
-  EXPECT_TRUE(parent->DestroyWindow());
-  EXPECT_FALSE(child.IsWindow());
-
-  // The end of one window may be the beginning of the next.
-  bool ended = false;
-  Telling phoenix;
-  ASSERT_TRUE(phoenix.Create(nullptr));
-  ASSERT_TRUE(child.Create(&phoenix));
-  phoenix.on_end = [&] { ended = true; };
-  child.on_end = [&] { phoenix.Create(nullptr); };
-  phoenix.DestroyWindow();
-  EXPECT_TRUE(phoenix.IsWindow());
-  EXPECT_FALSE(ended) << "the new window must not lose what it holds";
+  EXPECT_EQ(view.gone, (Handles{list.Handle(), dialog.Handle()}));
 }
 
 TEST(TextPictures, KeepTheirShapeWhateverTheTextsAre) {
   CXListCtrl list;
-  ASSERT_TRUE(list.Create(nullptr));
+  CComboBoxX combo;
+  ASSERT_TRUE(list.Create(nullptr) && combo.Create(nullptr));
   FillChecks(list, 2);
   list.SetItemText(0, 0, L"a\nb\t");                                      // control characters
-  list.SetItemText(1, 0, std::wstring(L"測定\xD83D\xDE00") + L"e\x301");  // wide, pair, combining
+  list.SetItemText(1, 0, std::wstring(L"測定\xD83D\xDE00") + L"x\x301");  // wide, pair, combining
   list.ToggleCheckbox(1, 0);
   list.AutosizeColumnWidth(0);
-  const std::string expected =
-      "┌─────────────┐\n"
-      "│ [-] all     │\n"
-      "├─────────────┤\n"
-      "│ [ ] a b     │\n"
-      "│ [x] 測定😀e\xCC\x81 │\n"
-      "└─────────────┘\n";
-  EXPECT_EQ(Utf8(TextView::Draw(static_cast<const CWnd&>(list))), expected);
-
+  const TextView::Lines whole = TextView::Draw(static_cast<const CWnd&>(list));
   for (int i = 2; i < 9; ++i) list.AddItem(L"row " + std::to_wstring(i));
-  EXPECT_EQ(Utf8(TextView::Draw(list, {10, 6, 3})),
-            "┌────────┐\n"
-            "│ [-] a… │\n"
-            "├────────┤\n"
-            "│ row 3  ▲\n"
-            "│ row 4  ▼\n"
-            "└────────┘\n");
-  EXPECT_EQ(TextView::Draw(list, {10, 6, INT_MAX})[4], L"│ row 8  │");
-
-  CComboBoxX combo;
-  ASSERT_TRUE(combo.Create(nullptr));
   combo.AddString(L"apple");
   combo.AddString(L"pear");
   combo.SetCurSel(1);
-  EXPECT_EQ(Utf8(TextView::Draw(combo)) + Utf8(TextView::DrawEntries(combo)),
-            "┌─────────┐\n"
-            "│ pear  ▾ │\n"
-            "└─────────┘\n"
-            "┌───────┐\n"
-            "│ apple │\n"
-            "│▐pear ▌│\n"
-            "└───────┘\n");
+  EXPECT_EQ(SideBySide({TextView::Draw(combo), TextView::DrawEntries(combo),
+                        TextView::Draw(list, {10, 5, 3}), TextView::Draw(list, {10, 6, 3}),
+                        TextView::Draw(list, {10, 6, INT_MAX}), whole}),
+            R"(
+┌─────────┐  ┌───────┐  ┌────────┐  ┌────────┐  ┌────────┐  ┌─────────────┐
+│ pear  ▾ │  │ apple │  │ [-] a… │  │ [-] a… │  │ [-] a… │  │ [-] all     │
+└─────────┘  │▐pear ▌│  ├────────┤  ├────────┤  ├────────┤  ├─────────────┤
+             └───────┘  │ row 3  ↕  │ row 3  ▲  │ row 7  ▲  │ [ ] a b     │
+                        └────────┘  │ row 4  ▼  │ row 8  │  │ [x] 測定😀x́ │
+                                    └────────┘  └────────┘  └─────────────┘
+)");
   EXPECT_TRUE(TextView::DrawEntries(list, 0, 0).empty());
-
-  EXPECT_EQ(TextView::Draw(list, {10, 5, 3})[3], L"│ row 3  ↕");
 
   // A picture has the size of its frame, however small or large the wish is.
   list.InsertColumn(1, L"second", ColumnFormat::right, 40);
   list.SetItemText(0, 1, L"\x9B m");  // would steer a terminal
-  TestResources resources;
+  const TestResources resources;
   PickDialog dialog(resources);
   EXPECT_TRUE(TextView::Draw(dialog).empty());
   ASSERT_TRUE(dialog.DisplayDialog());
-  const CWnd* const windows[] = {&list, &combo, &dialog};
-  for (const CWnd* const window : windows) {
+  for (const CWnd* const window : std::initializer_list<const CWnd*>{&list, &combo, &dialog}) {
     for (const int width : {1, 2, 3, 4, 5, 9, 10, 11, 12, 40}) {
       for (const int height : {1, 2, 3, 4, 6, 30}) {
         const TextView::Lines lines = TextView::Draw(*window, {width, height, width});
-        const bool is_combo = window == &combo;
-        EXPECT_EQ(lines.size(), static_cast<std::size_t>(is_combo ? std::min(height, 3) : height));
+        const int expected = window == &combo ? std::min(height, 3) : height;
+        EXPECT_EQ(lines.size(), static_cast<std::size_t>(expected));
         for (const CString& line : lines) {
           EXPECT_EQ(TextColumns(line), width) << Text::ToUtf8(line);
           EXPECT_EQ(line.find(L'\x9B'), CString::npos);
