@@ -2,6 +2,7 @@
 // rivals hold the same rows: SQLite in its tables, asked by prepared statements, and two maps.
 
 #include <boost/container/flat_map.hpp>
+#include <iostream>
 #include <map>
 #include <string>
 #include <vector>
@@ -32,26 +33,44 @@ struct Rivals {
   }
 };
 
-// The data base in all its forms.
+// A name in the forms in which it is asked for.
+struct Name {
+  explicit Name(const QIdxName& name) : wide(name), utf8(Text::ToUtf8(name.text)) {}
+  QIdxName wide;
+  std::string utf8;
+};
+
+// The data base in all its forms, and what is asked of them.
 struct Fixture {
   explicit Fixture(const TemporaryFile& file) : data_base(file.Name()), params(data_base.Params()) {
     CParameterLake::Lake().clear();
     sqlite.Load(ReadFile(file.Name()));
+    RequireSameRows();
     sqlite.Run("create index mode_names on \"<TMode>\" (c1)");
     for (const auto& [id, name] : params.Mode()) {
       by_id.Add(id, name);
       by_name.tree.emplace(name, id);
+      names.try_emplace(id, name);
     }
     by_name.flat.insert(by_name.tree.begin(), by_name.tree.end());
     for (const auto& [key, row] : params.LimSValue()) by_key.Add(key, row);
-    modes = AnyRows(params.Mode());
-    limits = AnyRows(params.LimSValue());
-    for (const auto* mode : modes) utf8_names.push_back(Text::ToUtf8(mode->second.text));
+    ids = AnyKeys(params.Mode());
+    for (const QIdx1& id : ids) asked_names.push_back(&names.at(id));
+    keys = AnyKeys(params.LimSValue());
   }
 
-  const QIdx1& Id(std::size_t i) const { return modes[i]->first; }
-  const QIdxName& Name(std::size_t i) const { return modes[i]->second; }
-  const QClavis& Key(std::size_t i) const { return limits[i]->first; }
+  void RequireSameRows() const {
+    auto sections = sqlite.Prepare("select name from sqlite_schema where type = 'table'");
+    while (sections.Step()) {
+      const std::string section(reinterpret_cast<const char*>(sections.Text(0)));
+      auto count = sqlite.Prepare("select count(*) from \"" + section + "\"");
+      count.Step();
+      const std::size_t rows =
+          TableCatalogue::Find(Text::FromUtf8(section))->row_count(data_base.Store());
+      if (static_cast<std::size_t>(count.Integer(0)) != rows)
+        std::cerr << section << rows << ' ' << count.Integer(0) << '\n';
+    }
+  }
 
   DataBase data_base;
   CQtParamInstance params;
@@ -60,21 +79,22 @@ struct Fixture {
   Rivals<QIdxName, QIdx1> by_name;
   Rivals<QClavis, QVLimSValue> by_key;
 
-  std::vector<const CNameMap::value_type*> modes;
-  std::vector<const std::pair<QClavis, QVLimSValue>*> limits;
-  std::vector<std::string> utf8_names;
+  std::vector<QIdx1> ids;
+  std::map<QIdx1, Name> names;
+  std::vector<const Name*> asked_names;
+  std::vector<QClavis> keys;
 };
 
 void RegisterNameById(const Fixture& fixture) {
   const std::string what = "look-up/name by id";
   RegisterQuestion(what + "/lKestrinDb",
-                   [&](std::size_t i) { return fixture.params.ModeName(fixture.Id(i)[0]); });
-  fixture.by_id.Register(what, [&](std::size_t i) -> const QIdx1& { return fixture.Id(i); });
+                   [&](std::size_t i) { return fixture.params.ModeName(fixture.ids[i][0]); });
+  fixture.by_id.Register(what, [&](std::size_t i) -> const QIdx1& { return fixture.ids[i]; });
   const auto statement = std::make_shared<SqliteStatement>(
       fixture.sqlite.Prepare("select c1 from \"<TMode>\" where c0 = ?"));
   RegisterQuestion(what + "/SQLite", [&fixture, statement](std::size_t i) {
-    statement->Bind(0, static_cast<long long>(fixture.Id(i)[0]));
-    statement->Step();
+    statement->Bind(0, static_cast<long long>(fixture.ids[i][0]));
+    Require(statement->Step(), "no such row in SQLite");
     const auto* name = statement->Text(0);
     statement->Reset();
     return name;
@@ -83,14 +103,16 @@ void RegisterNameById(const Fixture& fixture) {
 
 void RegisterIdByName(const Fixture& fixture) {
   const std::string what = "look-up/id by name";
-  RegisterQuestion(what + "/lKestrinDb",
-                   [&](std::size_t i) { return fixture.params.ModeId(fixture.Name(i).text); });
-  fixture.by_name.Register(what, [&](std::size_t i) -> const QIdxName& { return fixture.Name(i); });
+  RegisterQuestion(what + "/lKestrinDb", [&](std::size_t i) {
+    return fixture.params.ModeId(fixture.asked_names[i]->wide.text);
+  });
+  fixture.by_name.Register(
+      what, [&](std::size_t i) -> const QIdxName& { return fixture.asked_names[i]->wide; });
   const auto statement = std::make_shared<SqliteStatement>(
       fixture.sqlite.Prepare("select c0 from \"<TMode>\" where c1 = ?"));
   RegisterQuestion(what + "/SQLite", [&fixture, statement](std::size_t i) {
-    statement->Bind(0, std::string_view(fixture.utf8_names[i]));
-    statement->Step();
+    statement->Bind(0, std::string_view(fixture.asked_names[i]->utf8));
+    Require(statement->Step(), "no such row in SQLite");
     const long long id = statement->Integer(0);
     statement->Reset();
     return id;
@@ -100,17 +122,17 @@ void RegisterIdByName(const Fixture& fixture) {
 void RegisterRowByKey(const Fixture& fixture) {
   const std::string what = "look-up/row by key";
   RegisterQuestion(what + "/lKestrinDb", [&, &rows = fixture.params.LimSValue()](std::size_t i) {
-    return &*rows.find(fixture.Key(i));
+    return &*rows.find(fixture.keys[i]);
   });
-  fixture.by_key.Register(what, [&](std::size_t i) -> const QClavis& { return fixture.Key(i); });
+  fixture.by_key.Register(what, [&](std::size_t i) -> const QClavis& { return fixture.keys[i]; });
   const auto statement = std::make_shared<SqliteStatement>(
       fixture.sqlite.Prepare("select c6, c7, c8 from \"<TLimSValue>\" where c0 = ? and c1 = ? and "
                              "c2 = ? and c3 = ? and c4 = ? and c5 = ?"));
   RegisterQuestion(what + "/SQLite", [&fixture, statement](std::size_t i) {
     for (int element = 0; element < Clavis::element_count; ++element) {
-      statement->Bind(element, static_cast<long long>(fixture.Key(i)[element]));
+      statement->Bind(element, static_cast<long long>(fixture.keys[i][element]));
     }
-    statement->Step();
+    Require(statement->Step(), "no such row in SQLite");
     QVLimSValue row;
     row.first = static_cast<int>(statement->Integer(0));
     row.second = static_cast<float>(statement->Real(1));

@@ -3,7 +3,6 @@
 // bytes, and the parent reads them.
 
 #include <malloc.h>
-#include <sys/resource.h>
 
 #include <array>
 #include <cstdio>
@@ -13,26 +12,25 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "Benchmarks.h"
 
 namespace benchmarks {
 namespace {
 
-std::size_t PeakBytes() {
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  return static_cast<std::size_t>(usage.ru_maxrss) * 1024;
+// A line of the process's status, such as "VmHWM:  5000 kB". What getrusage calls the peak may be
+// that of the parent.
+std::size_t BytesOf(std::string_view what) {
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with(what)) return std::stoul(line.substr(what.size())) * 1024;
+  }
+  throw std::runtime_error("the system doesn't tell " + std::string(what));
 }
 
-std::size_t CurrentBytes() {
-  constexpr std::size_t page = 4096;
-  std::ifstream statm("/proc/self/statm");
-  std::size_t all = 0;
-  std::size_t resident = 0;
-  statm >> all >> resident;
-  return resident * page;
-}
+std::size_t CurrentBytes() { return BytesOf("VmRSS:"); }
+std::size_t PeakBytes() { return BytesOf("VmHWM:"); }
 
 struct ClosePipe {
   void operator()(std::FILE* pipe) const { static_cast<void>(pclose(pipe)); }

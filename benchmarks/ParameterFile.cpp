@@ -108,7 +108,7 @@ class Writer {
   static int Instrument(int parameter) { return 1001 + parameter % 60; }
 
   void Section(std::string_view name, std::vector<std::string> rows) {
-    if (order_ == Order::shuffled) random_.Shuffle(rows);
+    if (order_ == Order::shuffled) of_order_.Shuffle(rows);
     text_.append("; Rows of ").append(name).append("\n").append(name).append(": {\n");
     for (const std::string& row : rows) text_ += row;
     text_.append("}\t; ").append(name).append("\n\n");
@@ -262,6 +262,7 @@ class Writer {
   int polygons_;
   Order order_;
   Random random_;
+  Random of_order_;  // of its own, so that shuffled files hold the rows of sorted ones
   std::string text_;
 };
 

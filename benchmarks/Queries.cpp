@@ -17,17 +17,31 @@ struct Fixture {
   explicit Fixture(const TemporaryFile& file) : data_base(file.Name()), params(data_base.Params()) {
     CParameterLake::Lake().clear();
     interval.LoadTransformParams(1, 1, 12);
-    for (const auto* record : AnyRows(params.IpSvOfSpec())) {
-      const auto id = static_cast<unsigned>(record->first[0]);
-      entries.push_back(params.SpecIntervalRange(id).first->second);
+    for (const QIdx1& record : AnyKeys(params.IpSvOfSpec())) {
+      entries.push_back(params.SpecIntervalRange(static_cast<unsigned>(record[0])).first->second);
     }
-    quantities = AnyRows(params.IpParamAndStore());
-    modes = AnyRows(params.Mode());
+    quantities = AnyKeys(params.IpParamAndStore());
+    modes = AnyKeys(params.Mode());
     std::mt19937_64 random;
     for (std::size_t i = 0; i < questions; ++i) {
       values.push_back(600.0F + static_cast<float>(random() % 2400));
     }
-    triggers.field(1, trigger, axis, kept_axis);
+    Require(triggers.field(1, trigger, axis, kept_axis), "no trigger");
+    RequireAnswers();
+  }
+
+  void RequireAnswers() const {
+    for (std::size_t i = 0; i < few; ++i) {
+      CQtSpecInterval::IndexInterval lines;
+      std::int64_t cell = 0;
+      float edge = 0;
+      Require(interval.IndexRange(entries[i], lines, 1600, 0.125F, 1.0F) ==
+                  CQtSpecInterval::index_range_ok,
+              "no spectral lines");
+      Require(triggers.cell(modes[i][0], trigger, axis, values[i], cell, false) &&
+                  triggers.position(modes[i][0], trigger, cell, axis, edge) && edge >= values[i],
+              "no cell around a value");
+    }
   }
 
   DataBase data_base;
@@ -37,8 +51,8 @@ struct Fixture {
   CTriggerStore::CInterval kept_axis;
 
   std::vector<QVSpecIntervalEntry> entries;
-  std::vector<const std::pair<QClavis, QVIpParamAndStore>*> quantities;
-  std::vector<const CNameMap::value_type*> modes;
+  std::vector<QClavis> quantities;
+  std::vector<QIdx1> modes;
   std::vector<float> values;
 };
 
@@ -67,7 +81,7 @@ void RegisterQueries(const Files& files) {
   });
   // A test runs through the running values of one test step, and then of another.
   const auto one_mode = [](std::size_t) { return 150; };
-  const auto any_mode = [](std::size_t i) { return fixture.modes[i]->first[0]; };
+  const auto any_mode = [](std::size_t i) { return fixture.modes[i][0]; };
   RegisterTrigger(fixture, "one test step", one_mode);
   RegisterTrigger(fixture, "any test step", any_mode);
   RegisterQuestion("query/cell on a kept axis", [](std::size_t i) {
@@ -81,7 +95,7 @@ void RegisterQueries(const Files& files) {
     return value;
   });
   RegisterQuestion("query/FormatClavisText", [](std::size_t i) {
-    return fixture.params.FormatClavisText(fixture.quantities[i]->first,
+    return fixture.params.FormatClavisText(fixture.quantities[i],
                                            CQtParamInstance::show_id_if_no_name,
                                            CQtParamInstance::ElementMask().set());
   });

@@ -20,7 +20,10 @@ void AppendWide(std::wstring& wide, std::string_view utf8) {
   const auto is_ascii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
   while (!utf8.empty()) {
     const auto other = std::find_if_not(utf8.begin(), utf8.end(), is_ascii);
-    wide.append(utf8.begin(), other);
+    // Appending a range of other characters would go through a string of its own.
+    const std::size_t size = wide.size();
+    wide.resize(size + static_cast<std::size_t>(other - utf8.begin()));
+    std::copy(utf8.begin(), other, wide.begin() + static_cast<std::ptrdiff_t>(size));
     const auto ascii = std::find_if(other, utf8.end(), is_ascii);
     if (other != ascii) wide += Text::FromUtf8({other, ascii});
     utf8.remove_prefix(static_cast<std::size_t>(ascii - utf8.begin()));

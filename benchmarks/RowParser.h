@@ -116,14 +116,11 @@ class FlatTables {
     AppendWide(current_->texts, utf8);
     current_->text_ends.push_back(current_->texts.size());
   }
-  void EndRow() { ++rows_; }
-
-  std::size_t Rows() const { return rows_; }
+  void EndRow() {}
 
  private:
   std::vector<Columns> tables_;
   Columns* current_ = nullptr;
-  std::size_t rows_ = 0;
 };
 
 }  // namespace benchmarks

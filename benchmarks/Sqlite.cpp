@@ -68,7 +68,6 @@ class SqliteDataBase::Sink {
     insert_.Step();
     insert_.Reset();
     column_ = 0;
-    ++data_base_.rows_;
   }
 
  private:
@@ -84,7 +83,8 @@ class SqliteDataBase::Sink {
 
 SqliteDataBase::SqliteDataBase() {
   sqlite3* db = nullptr;
-  const int result = sqlite3_open(":memory:", &db);
+  constexpr int one_thread = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
+  const int result = sqlite3_open_v2(":memory:", &db, one_thread, nullptr);
   db_.reset(db);
   if (result != SQLITE_OK) throw std::runtime_error(sqlite3_errstr(result));
   Run("pragma journal_mode = off");

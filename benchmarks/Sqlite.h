@@ -50,9 +50,6 @@ class SqliteDataBase {
   SqliteStatement Prepare(const std::string& sql) const { return {db_.get(), sql}; }
   void Run(const std::string& sql) const { Prepare(sql).Step(); }
 
-  // The number of rows over all tables.
-  std::size_t Rows() const { return rows_; }
-
  private:
   class Sink;
 
@@ -60,7 +57,6 @@ class SqliteDataBase {
     void operator()(sqlite3* db) const { sqlite3_close(db); }
   };
   std::unique_ptr<sqlite3, Close> db_;
-  std::size_t rows_ = 0;
 };
 
 }  // namespace benchmarks
