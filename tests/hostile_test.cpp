@@ -1,9 +1,9 @@
 // Files that mean harm: eight times the bytes may cost eight times the work, not sixty-four times.
 //
 // Measured is the processor time of the calling thread, which other programs on the machine don't
-// add to, the best of three; between linear and quadratic lies a factor of eight, of which the
-// bound leaves three to chance. Where memory is meant, blocks are counted, and nothing is left to
-// chance.
+// add to, the best of three, or of as many as the large file needs to keep to the bound; between
+// linear and quadratic lies a factor of eight, of which the bound leaves three to chance. Where
+// memory is meant, blocks are counted, and nothing is left to chance.
 
 #include <gtest/gtest.h>
 
@@ -148,7 +148,7 @@ TEST_P(HostileFile, CostsWorkAndMemoryInProportionToItsLength) {
   const std::size_t bytes = AllocatedBytes();
   double large_time = SecondsOf(large);
   const std::size_t taken = AllocatedBytes() - bytes;
-  double small_time = std::min({SecondsOf(small), SecondsOf(small), SecondsOf(small)});
+  const double small_time = std::min({SecondsOf(small), SecondsOf(small), SecondsOf(small)});
   for (int again = 0; again < 2 && large_time >= bound * small_time; ++again) {
     large_time = std::min(large_time, SecondsOf(large));
   }

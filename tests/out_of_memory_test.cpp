@@ -28,6 +28,9 @@ constexpr const char* small_text =
     "<TIpParamAndStore>: {\n1 17 1 -1 5 -1\n}\n<TGrex10001>: {\n-1 17 -1 -1 -1 -1 1\n}\n"
     "<TSensorGroupList>: {\n1 2\n1 1\n}\n<QType><FBaseName>: name\n";
 
+constexpr const char* small_sea =
+    "sea 1\nlist \"a list\"\n  \"a line that is longer than a short text\"\nend\n";
+
 // Each line of a lake, and the number of rows of each table.
 std::wstring Content(const CLake& lake, const CQtParamStore& store) {
   std::wstring text;
@@ -41,17 +44,12 @@ std::wstring Content(const CLake& lake, const CQtParamStore& store) {
 // What a host has at hand; each round has its own.
 struct Host {
   Host() : lake(file.name()), params(&store) {
-    AddLine(L"a line that is longer than a short text");
-    sea.Save(sea_file.name());
+    sea.Load(sea_file.name());
     store.ReadTablesFromCandidateLake();
   }
 
-  void AddLine(const wchar_t* line) {
-    CResourceList(&sea, L"a list").AddLineTail()->SetSeaLine(line);
-  }
-
   ScratchFile file{testing_support::version + std::string(small_text)};
-  ScratchFile sea_file;
+  ScratchFile sea_file{small_sea};
   CLake lake;
   CResourceSea sea;
   CQtParamDistillery store;
@@ -96,7 +94,7 @@ const Operation operations[] = {
     {"LoadSea", [](Host& host) { host.sea.Load(host.sea_file.name()); }},
     {"SaveSea",
      [](Host& host) {
-       host.AddLine(L"another line that is longer than a short text");
+       CResourceList(&host.sea, L"a list").AddLineTail()->SetSeaLine(L"another line");
        host.sea.Save(host.sea_file.name());
      },
      true},
