@@ -194,6 +194,8 @@ TEST(Catalogue, AccessorsGiveTheTablesOfTheirNames) {
   }
   EXPECT_EQ(&params.ErrorCode(), &constant.ErrorCode());
   EXPECT_EQ(&params.AutoModeParams(), &constant.AutoModeParams());
+  EXPECT_EQ(&params.TriggerParam(), &constant.TriggerParam());
+  EXPECT_EQ(&params.SeverityProperty(), &constant.SeverityProperty());
 }
 
 TEST(Catalogue, FieldsOfARowGoWhereTheirNamesSay) {
