@@ -194,6 +194,8 @@ TEST(Catalogue, AccessorsGiveTheTablesOfTheirNames) {
   }
   EXPECT_EQ(&params.ErrorCode(), &constant.ErrorCode());
   EXPECT_EQ(&params.AutoModeParams(), &constant.AutoModeParams());
+  EXPECT_EQ(&params.TriggerParam(), &constant.TriggerParam());
+  EXPECT_EQ(&params.SeverityProperty(), &constant.SeverityProperty());
 }
 
 TEST(Catalogue, FieldsOfARowGoWhereTheirNamesSay) {
@@ -214,7 +216,8 @@ TEST(Catalogue, FieldsOfARowGoWhereTheirNamesSay) {
 }
 
 TEST(Catalogue, LearnTimesAreThoseOfTheLoad) {
-  static long long now = 1000;
+  static long long now;
+  now = 1000;
   const auto before = QVIpLearnParameter::SetClock([] { return now++; });
   testing_support::TestStore data(
       "<TIpLearnParams>: {\n1 1 1 1 1 1 5\n2 1 1 1 1 1 6\n"
