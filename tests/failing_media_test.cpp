@@ -1,0 +1,202 @@
+// Lakes and binary tables on a medium that fails at each of their bytes, and files that grow or
+// shrink while they are read: what was whole is there, and nothing else.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "interfaces/File.h"
+#include "lake/LakeReader.h"
+#include "lake_bytes.h"
+#include "tables/TableFile.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+enum class Failing { reports, throws };
+
+const std::string marked_text = "\xEF\xBB\xBF<TMode>: {\n\t1 \"H\xC3\xB6he\"\n}\t; <TMode>\nk: v\n";
+
+std::vector<std::wstring> Values(const CLake& lake) {
+  std::vector<std::wstring> values;
+  for (const CLake::CNode& line : lake) values.push_back(line.value());
+  return values;
+}
+
+// Bytes up to the place where the medium fails.
+LakeReader::Source FailingSource(const std::string& bytes, std::size_t good, Failing how) {
+  return [&bytes, good, how,
+          place = std::size_t{0}](std::span<char> block) mutable -> std::optional<std::size_t> {
+    if (place == good && how == Failing::throws) throw std::runtime_error("medium");
+    if (place == good) return std::nullopt;
+    const std::size_t count = std::min({block.size(), good - place, std::size_t{7}});
+    std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(place), count, block.begin());
+    place += count;
+    return count;
+  };
+}
+
+TEST(FailingMedium, LeavesALakeTheLinesReadUntilThere) {
+  const std::vector<std::wstring> whole = Values(FromBytes(marked_text));
+  for (std::size_t good = 0; good <= marked_text.size(); ++good) {
+    CLake lake = FromBytes("old\n");
+    EXPECT_FALSE(LakeReader::read(lake, FailingSource(marked_text, good, Failing::reports)))
+        << good;
+    const std::vector<std::wstring> lines = Values(lake);
+    if (lines == std::vector<std::wstring>{L"old"}) {
+      EXPECT_TRUE(good == 1 || good == 2) << "a broken mark alone leaves the lines";
+    } else {
+      // What a cut sequence began is not there; all lines but the last are whole.
+      const std::size_t feeds = static_cast<std::size_t>(std::count(
+          marked_text.begin(), marked_text.begin() + static_cast<std::ptrdiff_t>(good), '\n'));
+      ASSERT_LE(lines.size(), feeds + 1) << good;
+      EXPECT_TRUE(std::equal(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(feeds),
+                             whole.begin()))
+          << good;
+    }
+
+    CLake kept = FromBytes("old\n");
+    EXPECT_THROW(LakeReader::read(kept, FailingSource(marked_text, good, Failing::throws)),
+                 std::runtime_error);
+    EXPECT_EQ(Values(kept), std::vector<std::wstring>{L"old"}) << good;
+  }
+}
+
+// A binary table's file that fails at one byte.
+class FailingFile {
+ public:
+  FailingFile(std::string bytes, std::size_t good, Failing how)
+      : bytes_(std::move(bytes)), good_(good), how_(how) {}
+
+  unsigned Read(void* buffer, unsigned count) {
+    const std::size_t there = std::min<std::size_t>(count, good_ - place_);
+    std::memcpy(buffer, bytes_.data() + place_, there);
+    place_ += there;
+    if (there < count && how_ == Failing::throws) throw std::runtime_error("medium");
+    return static_cast<unsigned>(there);
+  }
+  void Write(const void* buffer, unsigned count) {
+    const std::size_t there = std::min<std::size_t>(count, good_ - bytes_.size());
+    bytes_.append(static_cast<const char*>(buffer), there);
+    if (there < count) throw std::runtime_error("medium");
+  }
+  const std::string& bytes() const { return bytes_; }
+
+ private:
+  std::string bytes_;
+  std::size_t good_;
+  std::size_t place_ = 0;
+  Failing how_;
+};
+
+struct BinaryRow {
+  int id = 0;
+  wchar_t name[8] = {};
+
+  static constexpr int sizes[] = {4, -8};
+  template <class File>
+  bool Read(File& file) {
+    void* const places[] = {&id, name};
+    return DynTables::ReadFromFile(file, sizes, places, 2);
+  }
+  template <class File>
+  void Write(File& file) const {
+    const void* const places[] = {&id, name};
+    DynTables::WriteToFile(file, sizes, places, 2);
+  }
+};
+
+constexpr std::size_t binary_row_size = 4 + 4 + 2 * 8;
+
+template <class File>
+void WriteTable(File& file) {
+  DynTables::QtTableHeader header;
+  DynTables::FillHeader(header, 2, 7, 8, 9);
+  DynTables::WriteToFile(file, header);
+  BinaryRow{1, L"one"}.Write(file);
+  BinaryRow{2, L"two"}.Write(file);
+}
+
+// The rows that can be read, or -1 without a header.
+template <class File>
+int ReadTable(File& file) {
+  DynTables::QtTableHeader header;
+  if (!DynTables::ReadFromFile(file, header)) return -1;
+  int rows = 0;
+  for (BinaryRow row; row.Read(file);) ++rows;
+  return rows;
+}
+
+int RowsIn(std::size_t bytes) {
+  if (bytes < DynTables::table_header_size) return -1;
+  return static_cast<int>((bytes - DynTables::table_header_size) / binary_row_size);
+}
+
+TEST(FailingMedium, CutsABinaryTableBehindItsLastWholeRow) {
+  FailingFile whole("", 1000, Failing::throws);
+  WriteTable(whole);
+  const std::size_t size = whole.bytes().size();
+  ASSERT_EQ(size, DynTables::table_header_size + 2 * binary_row_size);
+  for (std::size_t good = 0; good < size; ++good) {
+    FailingFile shortened(whole.bytes(), good, Failing::reports);
+    EXPECT_EQ(ReadTable(shortened), RowsIn(good)) << good;
+    FailingFile throwing(whole.bytes(), good, Failing::throws);
+    EXPECT_THROW(ReadTable(throwing), std::runtime_error) << good;
+    FailingFile target("", good, Failing::throws);
+    EXPECT_THROW(WriteTable(target), std::runtime_error) << good;
+    EXPECT_EQ(target.bytes(), whole.bytes().substr(0, good)) << good;
+  }
+}
+
+// Reads a real file of a lake; after the first piece the file changes its size.
+std::vector<std::wstring> LinesOfChanged(const std::string& bytes, std::size_t new_size) {
+  const ScratchFile file(bytes);
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> in(std::fopen(file.path().c_str(), "rb"),
+                                                           std::fclose);
+  std::setvbuf(in.get(), nullptr, _IONBF, 0);
+  CLake lake;
+  bool changed = false;
+  EXPECT_TRUE(LakeReader::read(lake, [&](std::span<char> block) -> std::optional<std::size_t> {
+    const std::size_t count =
+        std::fread(block.data(), 1, std::min<std::size_t>(4, block.size()), in.get());
+    if (!changed) fs::resize_file(file.path(), new_size);
+    changed = true;
+    return count;
+  }));
+  return Values(lake);
+}
+
+TEST(ChangingFile, GivesALakeWhatWasThere) {
+  const std::string bytes = "1 a\n2 b\n3 c\n";
+  using Expected = std::vector<std::wstring>;
+  EXPECT_EQ(LinesOfChanged(bytes, 0), (Expected{L"1 a"}));
+  EXPECT_EQ(LinesOfChanged(bytes, 6), (Expected{L"1 a", L"2"}));
+  const Expected grown = LinesOfChanged(bytes, 100);
+  ASSERT_EQ(grown.size(), 4U);
+  EXPECT_EQ(grown[3], std::wstring(100 - bytes.size(), L'\0'));
+}
+
+TEST(ChangingFile, GivesABinaryTableItsWholeRows) {
+  const ScratchFile file;
+  CFile target(file.name(), CFile::modeWrite);
+  WriteTable(target);
+  target.Close();
+  const std::string whole = file.bytes();
+  for (std::size_t size = 0; size <= whole.size() + 2 * binary_row_size; size += 3) {
+    std::ofstream(file.path(), std::ios::binary | std::ios::trunc) << whole;
+    CFile source(file.name(), CFile::modeRead);
+    fs::resize_file(file.path(), size);
+    EXPECT_EQ(ReadTable(source), RowsIn(size)) << size;
+  }
+}
+
+}  // namespace
