@@ -50,7 +50,8 @@ CLake MakeLake(bool large) {
 class World {
  public:
   explicit World(Input input) : input_(input) {
-    Load();
+    const std::size_t choice = Choice();
+    if (choice != loaded_) Load(choice);  // it would take longer than most of what follows
     CQtParamInstance::ShowIdsInDialogs((input_.Below(2)) != 0);
     frame_.Create(nullptr);
     for (Editor& editor : editors_) Make(editor);
@@ -94,14 +95,18 @@ class World {
     return key;
   }
 
-  void Load() {
-    static const std::array lakes = {MakeLake(false), MakeLake(true)};
+  std::size_t Choice() { return input_.Below(no_tables + 1); }
+
+  static void Load(std::size_t choice) {
+    static const std::array<CLake, no_tables> lakes = {MakeLake(false), MakeLake(true)};
     CQtParamInstance params;
     params.PurgeTables();
-    const std::size_t choice = input_.Below(3);
-    if (choice == lakes.size()) return;  // tables that are empty
+    loaded_ = no_tables;
+    if (choice == no_tables) return;
     CParameterLake::Lake() = lakes[choice];
     Require(params.ReadTablesFromCandidateLake(), "the tables can be loaded");
+    CParameterLake::Lake().clear();
+    loaded_ = choice;
   }
 
   // ---- editors and their models ----
@@ -166,7 +171,7 @@ class World {
         editor = {};
         break;
       case 3:
-        Load();
+        Load(Choice());
         break;
       case 4:
         if (&editor == choosing_) choosing_ = nullptr;
@@ -213,7 +218,7 @@ class World {
       case 8:
         return Make(editor);
       case 9:
-        return Load();
+        return Load(Choice());
       case 10:
         return Dialog();
       case 11:
@@ -282,6 +287,10 @@ class World {
     }
   }
 
+  // What the tables hold, which outlasts an input: one of the lakes, or nothing.
+  static constexpr std::size_t no_tables = 2;
+  static inline std::size_t loaded_ = no_tables;
+
   Input input_;
   CWnd frame_;
   std::array<Editor, 2> editors_;
@@ -297,8 +306,6 @@ void KeyEditor(Bytes bytes) {
   if (bytes.size() > 1024) return;
   const QuietLog log;
   World(Input(bytes)).Run();
-  CQtParamInstance().PurgeTables();
-  CParameterLake::Lake().clear();
 }
 
 }  // namespace fuzz

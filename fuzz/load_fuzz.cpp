@@ -9,6 +9,8 @@
 #include <iterator>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "Fuzz.h"
@@ -17,6 +19,7 @@
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
 #include "frame/TableCatalogue.h"
+#include "frame/TableList.h"
 #include "interfaces/ComboBoxX.h"
 #include "interfaces/MeasuringUnit.h"
 #include "interfaces/ResourceSea.h"
@@ -171,8 +174,13 @@ void AskId(CQtParamInstance& params, int id) {
   for (int element = Clavis::Mode; element <= Clavis::Sensor; ++element) {
     AskText(params.ClavisElementName(element, id));
   }
-  const wchar_t* const channel = params.ChannelName(id);
-  if (channel[0] != L'\0') params.ChannelId(channel);
+  // Names of a table with a bad line are not found, and -1 has none.
+  const int first = params.ModeId(params.ModeName(id));
+  if (params.IsValidMode(id) && id != -1 && first != -1) {
+    Require(first <= id && std::wstring_view(params.ModeName(first)) == params.ModeName(id),
+            "a name leads to the first id that has it");
+  }
+  params.ChannelId(params.ChannelName(id));
   Require((params.Channel().find(id) != params.Channel().end()) == params.IsValidChannel(id),
           "an id is valid if it has a row");
   params.TriggerId(id);
@@ -218,6 +226,24 @@ std::size_t RowCount(const CQtParamDistillery& store) {
   return count;
 }
 
+// Every search relies on it. The keys of one table are completed after it was sorted.
+void RequireOrder(const CQtParamDistillery& store) {
+  tables::All::ForEach([&](auto entry) {
+    using Entry = decltype(entry);
+    using Table = typename Entry::Table;
+    using Key = typename Table::key_type;
+    using Multi = tables::Multi<Key, typename Table::mapped_type>;
+    if (Entry::section == tables::Word(L"<TGrex15>")) return;
+    const typename Table::key_compare less;
+    const Table& table = store.Table<Entry::section>();
+    const auto disordered = [&](const auto& a, const auto& b) {
+      return std::is_same_v<Table, Multi> ? less(b.first, a.first) : !less(a.first, b.first);
+    };
+    Require(std::adjacent_find(table.begin(), table.end(), disordered) == table.end(),
+            "rows stand in the order of their keys");
+  });
+}
+
 }  // namespace
 
 void Load(Bytes bytes) {
@@ -232,11 +258,12 @@ void Load(Bytes bytes) {
   const bool loaded = params.ReadTablesFromCandidateLake();
   Require(params.Initialized() == loaded, "a store knows whether it was loaded");
   const std::size_t rows = RowCount(store);
+  RequireOrder(store);
 
   const std::vector<int> ids = Ids(params, bytes);
   for (const int id : ids) {
     AskId(params, id);
-    for (std::size_t i = 0; i < ids.size(); i += 3) AskPair(params, ids[i], id);
+    for (std::size_t i = bytes.size() % 8; i < ids.size(); i += 8) AskPair(params, ids[i], id);
   }
   AskWhole(params);
   params.DumpTables(0);
