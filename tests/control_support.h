@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "frame/ModuleStrings.h"
+#include "interfaces/ComboBoxX.h"
 #include "interfaces/TextView.h"
 #include "test_store.h"
 
@@ -37,6 +38,20 @@ class ProcessBase : public testing::Test {
  private:
   CQtParamInstance params_;
 };
+
+// Puts a blank, a mark and "text=id" behind what is there.
+inline void AddEntry(std::string& all, const char* mark, const CString& text, int id) {
+  all += " " + (mark + Text::ToUtf8(text)) + "=" + std::to_string(id);
+}
+
+// Every entry with its data, the selected one behind a *.
+inline std::string Entries(const CComboBox& combo) {
+  std::string all;
+  for (int i = 0; i < combo.GetCount(); ++i) {
+    AddEntry(all, i == combo.GetCurSel() ? "*" : "", combo.GetLBText(i), combo.GetItemData(i));
+  }
+  return all;
+}
 
 // Pictures beside each other, below an empty line.
 inline std::string SideBySide(const std::vector<TextView::Lines>& pictures) {

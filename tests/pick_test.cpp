@@ -43,18 +43,15 @@ class PickKeys : public ProcessBase {
     for (const Key key : keys) picker.Press(key);
   }
 
-  // The uppermost picture, with the marked line between > and <.
-  static std::string Shown(KeyPicker& picker, kestrindb::ScreenSize screen = {80, 24}) {
+  // The uppermost picture, with > in front of the marked line.
+  static TextView::Lines Shown(KeyPicker& picker, kestrindb::ScreenSize screen = {80, 24}) {
     const ScreenPicture picture = picker.Draw(screen);
-    std::string shown;
+    TextView::Lines shown;
     for (const ScreenPicture::Layer& layer : picture.layers) {
       if (layer.lines.size() == 1) continue;  // the help, what was typed
-      shown.clear();
+      shown = layer.lines;
       int y = layer.y;
-      for (const CString& line : layer.lines) {
-        const bool marked = y++ == picture.mark.top;
-        shown += (marked ? ">" : " ") + Text::ToUtf8(line) + (marked ? "<\n" : "\n");
-      }
+      for (CString& line : shown) line.insert(0, 1, y++ == picture.mark.top ? L'>' : L' ');
     }
     return shown;
   }
@@ -63,36 +60,29 @@ class PickKeys : public ProcessBase {
 TEST_F(PickKeys, RowsDropDownsAndButtonsAreWorkedByKeys) {
   KeyPicker picker(KeyOf({-1, 3, -1, -1, 12, 7}));
   Press(picker, {Key::backspace, Key::left, Key::up, Key::down});
-  EXPECT_EQ(Shown(picker),
-            " ╒═ Key Specification ══════════════════════╕\n"
-            " │                                          │\n"
-            " │  ┌────────────┬────────────────────────┐ │\n"
-            " │  │ Section    │ Value                  │ │\n"
-            " │  ├────────────┼────────────────────────┤ │\n"
-            " │  │ test step  │ —                    ▾ │ │\n"
-            ">│  │ instrument │ Pegel über Zeit      ▾ │ │<\n"
-            " │  │ channel    │ —                    ▾ │ │\n"
-            " │  │ object     │ —                    ▾ │ │\n"
-            " │  │ parameter  │ B                    ▾ │ │\n"
-            " │  │ sensor     │ (sensor 7)           ▾ │ │\n"
-            " │  └────────────┴────────────────────────┘ │\n"
-            " │  [  Cancel   ]             «    OK     » │\n"
-            " │                                          │\n"
-            " │                                          │\n"
-            " └──────────────────────────────────────────┘\n");
+  const TextView::Lines dialog = Shown(picker);
   Press(picker, {Key::enter, Key::down});
-  EXPECT_EQ(Shown(picker),
-            " ┌─────────────────┐\n"
-            " │ —               │\n"
-            " │ Summenpegel     │\n"
-            " │ Örtlicher Pegel │\n"
-            " │ Pegel über Zeit │\n"
-            ">│▐RMS            ▌│<\n"
-            " └─────────────────┘\n");
+  EXPECT_EQ(SideBySide({Shown(picker), dialog}), R"(
+ ┌─────────────────┐   ╒═ Key Specification ══════════════════════╕
+ │ —               │   │                                          │
+ │ Summenpegel     │   │  ┌────────────┬────────────────────────┐ │
+ │ Örtlicher Pegel │   │  │ Section    │ Value                  │ │
+ │ Pegel über Zeit │   │  ├────────────┼────────────────────────┤ │
+>│▐RMS            ▌│   │  │ test step  │ —                    ▾ │ │
+ └─────────────────┘  >│  │ instrument │ Pegel über Zeit      ▾ │ │
+                       │  │ channel    │ —                    ▾ │ │
+                       │  │ object     │ —                    ▾ │ │
+                       │  │ parameter  │ B                    ▾ │ │
+                       │  │ sensor     │ (sensor 7)           ▾ │ │
+                       │  └────────────┴────────────────────────┘ │
+                       │  [  Cancel   ]             «    OK     » │
+                       │                                          │
+                       │                                          │
+                       └──────────────────────────────────────────┘
+)");
   Press(picker, {Key::escape, Key::enter, Key::end, Key::enter});  // the first Enter opens anew
   Press(picker, {Key::down, Key::down, Key::down, Key::down, Key::down});
-  EXPECT_NE(Shown(picker).find(">│  [  Cancel   ]             «    OK     » │<"),
-            std::string::npos);
+  EXPECT_EQ(Shown(picker).at(12), L">│  [  Cancel   ]             «    OK     » │");
   Press(picker, {Key::down, Key::right, Key::up, Key::end, Key::left, Key::right, Key::enter});
   EXPECT_FALSE(picker.IsOpen());
   EXPECT_EQ(picker.Chosen(), KeyOf({-1, 4, -1, -1, -1, 7}));
@@ -109,17 +99,18 @@ TEST_F(PickKeys, ASearchTakesBeginningsFirstAndAnyCase) {
   picker.Press(Key::down);
   picker.Type(L"PE");
   picker.Type(L"GEL");
-  EXPECT_EQ(Shown(picker),
-            " ┌─────────────────┐\n"
-            ">│▐Pegel über Zeit▌│<\n"
-            " │ Summenpegel     │\n"
-            " │ Örtlicher Pegel │\n"
-            " └─────────────────┘\n");
+  const TextView::Lines three = Shown(picker);
   picker.Type(L"\xD83D\xDE00");
-  EXPECT_EQ(Shown(picker), " ┌─────────────────┐\n>└─────────────────┘<\n");
+  const TextView::Lines none = Shown(picker);
   picker.Press(Key::enter);  // nothing is left to choose
   Press(picker, {Key::backspace, Key::end});
-  EXPECT_NE(Shown(picker).find(">│▐Örtlicher Pegel▌│<"), std::string::npos);
+  EXPECT_EQ(SideBySide({none, three, Shown(picker)}), R"(
+ ┌─────────────────┐   ┌─────────────────┐   ┌─────────────────┐
+>└─────────────────┘  >│▐Pegel über Zeit▌│   │ Pegel über Zeit │
+                       │ Summenpegel     │   │ Summenpegel     │
+                       │ Örtlicher Pegel │  >│▐Örtlicher Pegel▌│
+                       └─────────────────┘   └─────────────────┘
+)");
   Press(picker, {Key::escape, Key::down, Key::up});
   picker.Type(L"ÖRT");
   Press(picker, {Key::enter, Key::end, Key::enter});
@@ -134,8 +125,7 @@ TEST_F(PickKeys, NoScreenIsTooSmall) {
       picker.Draw(screen);
       Press(picker, {Key::down, Key::down, Key::down});
       const CRect row = picker.Draw(screen).mark;
-      picker.Press(Key::up);
-      picker.Press(Key::up);
+      Press(picker, {Key::up, Key::up});
       picker.Type(L"e");
       const CRect entry = picker.Draw(screen).mark;
       if (width < 24 || height < 11) continue;
@@ -143,7 +133,7 @@ TEST_F(PickKeys, NoScreenIsTooSmall) {
         EXPECT_TRUE(mark.top >= 0 && mark.bottom <= height && mark.left > 0 && mark.right < width)
             << width << "x" << height << ": " << mark.left << ' ' << mark.top;
       }
-      EXPECT_NE(Shown(picker, screen).find(">│▐Summenpegel "), std::string::npos);
+      EXPECT_NE(SideBySide({Shown(picker, screen)}).find(">│▐Summenpegel "), std::string::npos);
     }
   }
 }

@@ -290,17 +290,13 @@ TEST(Combos, EntriesKeepTheirDataAndTheirSelection) {
   CComboBoxX plain;
   CComboBox sorted(CComboBox::Order::sorted);
   ASSERT_TRUE(parent.Create(nullptr) && plain.Create(&parent, 7));
-  std::vector<int> places;
   for (const wchar_t* const name : {L"pear", L"Apple", L"fig", L"apple", L"Öl", L"pear"}) {
     const int number = plain.AddString(name);
-    places.push_back(sorted.AddString(name));
-    EXPECT_TRUE(sorted.SetItemData(places.back(), 100 + number));
+    EXPECT_TRUE(sorted.SetItemData(sorted.AddString(name), 100 + number));
     if (number == 0) sorted.SetCurSel(0);
   }
-  EXPECT_EQ(places, (std::vector{0, 0, 1, 1, 4, 4}));
-  EXPECT_EQ(sorted.GetLBText(sorted.GetCurSel()), L"pear");
-  EXPECT_EQ(sorted.GetItemData(sorted.GetCurSel()), 100);
-  EXPECT_EQ(sorted.GetItemData(sorted.FindStringExact(-1, L"Öl")), 104);
+  EXPECT_EQ(Entries(plain), " pear=0 Apple=0 fig=0 apple=0 Öl=0 pear=0");
+  EXPECT_EQ(Entries(sorted), " Apple=101 apple=103 fig=102 *pear=100 pear=105 Öl=104");
   const std::tuple<int, const wchar_t*, int> searches[] = {
       {-1, L"pear", 0}, {0, L"pear", 5}, {5, L"pear", 0}, {-1, L"pea", -1}, {INT_MAX, L"apple", 3}};
   for (const auto& [start, text, found] : searches) {
@@ -320,9 +316,11 @@ TEST(Combos, EntriesKeepTheirDataAndTheirSelection) {
   plain.SetCurSel(1);
   EXPECT_TRUE(plain.ChooseEntry(2));
   EXPECT_EQ(plain.GetCurSel(), 2);
-  EXPECT_EQ(heard, std::vector<WPARAM>{CommandParam(7, command_selection_changed)});
-  plain.SetCurSel(-1);
-  EXPECT_EQ(plain.GetCurSel(), -1);
+  EXPECT_EQ(heard, std::vector{CommandParam(7, command_selection_changed)});
+  for (const int none : {-1, 6}) {
+    plain.SetCurSel(none);
+    EXPECT_EQ(plain.GetCurSel(), -1);
+  }
   plain.SetCurSel(3);
   plain.ResetContent();
   EXPECT_EQ(plain.GetCurSel(), -1);
