@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
+#include <climits>
+#include <cmath>
 #include <list>
 #include <sstream>
 #include <string>
@@ -16,9 +17,6 @@ namespace {
 
 using Texts = std::list<CString>;
 using Row = QVIpCalcParameter;
-
-constexpr int lowest = std::numeric_limits<int>::min();
-constexpr int highest = std::numeric_limits<int>::max();
 
 // The texts between bars.
 Texts Split(const CString& joined) {
@@ -61,8 +59,8 @@ TEST_F(CalcParameterTexts, GoWithTheirNumbers) {
       {-1, L"Calculation parameter"},  // its neighbour in the string table
       {100, L"not defined"},
       {-101, L"Calculation parameter #-101"},
-      {highest, L"Calculation parameter #2147483647"},
-      {lowest, L"Calculation parameter #-2147483648"}};
+      {INT_MAX, L"Calculation parameter #2147483647"},
+      {INT_MIN, L"Calculation parameter #-2147483648"}};
   for (const auto& [other, text] : others) EXPECT_EQ(Row::GetCalcParamEnumText(other), text);
 }
 
@@ -80,7 +78,7 @@ TEST_F(CalcParameterTexts, NameTheValues) {
       // Those without.
       {1, 1, L"(0)"},
       {35, 1, L"(0)"},
-      {lowest, 1, L"(0)"},
+      {INT_MIN, 1, L"(0)"},
   };
   for (const auto& [number, listed, joined] : values) {
     SCOPED_TRACE(number);
@@ -90,7 +88,7 @@ TEST_F(CalcParameterTexts, NameTheValues) {
     for (const CString& text : expected) {
       EXPECT_EQ(Row::GetCalcParamEnumSubText(number, value++), has_names ? text : L"");
     }
-    for (const int unknown : {value, highest, lowest}) {
+    for (const int unknown : {value, INT_MAX, INT_MIN}) {
       EXPECT_EQ(Row::GetCalcParamEnumSubText(number, unknown), L"");
     }
     Texts texts = {L"what was there"};
@@ -109,16 +107,13 @@ TEST_F(CalcParameterTexts, SpeakTheUsersLanguage) {
 
 TEST(CalcParameterValues, AreReadFromTheStartOfTheText) {
   const std::tuple<const wchar_t*, int, float> cases[] = {
-      {L"", -1, 0.0F},     {L"12abc", 12, 12.0F},
-      {L"abc", 0, 0.0F},   {L"1.5", 1, 1.5F},
-      {L" ", 0, 0.0F},     {L" \t-7 8", -7, -7.0F},
-      {L"+3", 3, 3.0F},    {L"1,5", 1, 1.0F},
-      {L"0x10", 0, 16.0F}, {L"1e400", 1, std::numeric_limits<float>::infinity()}};
+      {L"", -1, 0.0F},     {L"12abc", 12, 12.0F},   {L"abc", 0, 0.0F}, {L"1.5", 1, 1.5F},
+      {L" ", 0, 0.0F},     {L" \t-7 8", -7, -7.0F}, {L"+3", 3, 3.0F},  {L"1,5", 1, 1.0F},
+      {L"0x10", 0, 16.0F}, {L"1e400", 1, INFINITY}};
   for (const auto& [text, integer, real] : cases) {
     Row row;
     std::wcscpy(row.text, text);
-    EXPECT_EQ(row.ValueInt(), integer) << Text::ToUtf8(text);
-    EXPECT_EQ(row.ValueFloat(), real) << Text::ToUtf8(text);
+    EXPECT_EQ(std::pair(row.ValueInt(), row.ValueFloat()), std::pair(integer, real)) << row.text;
     EXPECT_STREQ(Row(row).ValueText(), text);
   }
 }

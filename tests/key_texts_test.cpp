@@ -85,8 +85,7 @@ TEST(PlaceText, ShowsWhatTellsTheChannelFromOthersOfItsKind) {
       {"1 4\n2 1", 3, 1, L"Main"},   // the object's flag 4
       {"1 4\n2 1", 4, 1, L"Raw"},    // other flags
       {"1 4\n2 6", 5, 1, L"Third"},  // no properties
-      {"1 0\n2 1", 4, 1, L"Raw"},
-      {"2 1", 4, 1, L"Raw"},  // a channel without properties has type 0
+      {"2 1", 4, 1, L"Raw"},         // a channel without properties has type 0
       {"2 0\n3 0", 4, 1, L"Other (Raw)"},
       {"1 3\n2 3", 3, 1, L"Raw (Main)"},
       {"1 2\n2 3", 3, 1, L"Raw"},

@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <climits>
+#include <cmath>
 #include <iterator>
 #include <limits>
+#include <optional>
 #include <random>
 #include <string>
 #include <tuple>
@@ -21,11 +24,7 @@ using testing_support::TestStore;
 using Entry = QVSpecIntervalEntry;
 using Spec = CQtSpecInterval;
 
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr float kTiny = std::numeric_limits<float>::denorm_min();
-constexpr int kMaxInt = std::numeric_limits<int>::max();
-constexpr unsigned kMaxUnsigned = std::numeric_limits<unsigned>::max();
 
 std::string Section(const std::string& name, const std::string& rows) {
   return "<" + name + ">: {\n" + rows + "}\n";
@@ -46,49 +45,39 @@ std::string ParameterRow(int id) { return std::to_string(id) + " 1700 \"P\" 1 0 
 
 TEST(SpecIntervals, AreReadFromTheDefinitionOfAParameter) {
   using Intervals = std::vector<std::tuple<QIdx2, float, float>>;  // by their harmonics
-  struct Case {
-    std::string rows;
-    bool has_record;
-    Intervals intervals;
-    std::wstring log;
-  };
   Intervals repeated;
   for (int i = 0; i < 32; i += 2) repeated.emplace_back(QIdx2(7, i), i + 1, i + 2);
-  const Case cases[] = {
-      {CalcRows(7, "H1"), true, {{QIdx2(7, 0), 1, 1}}, L""},
-      {CalcRows(7, "H1;H2;H3;H4"), true, {{QIdx2(7, 0), 1, 2}, {QIdx2(7, 2), 3, 4}}, L""},
-      {CalcRows(7, "Hx"), true, repeated, L""},
-      {CalcRows(7, ""), false, {}, L""},
-      {CalcRows(7, " "), true, {}, L""},
-      {CalcRows(7, "F1-M2"),
-       true,
-       {},
-       L"OrderInterpreter::GetSpecPositions(): Syntax error in order definition 'F1-M2', treating "
-       L"it as empty.\n"},
-      {CalcRows(7, "H1;H2;H3"),
-       true,
-       {},
-       L"CQtSpecIntervalStore::ProcessTables():\nIpSvOfSpec contains entry with 3 terms. Number of "
-       L"terms has to be one ore even. Entrys id is 7. Definition ignored\n"},
+  const std::pair<std::string, Intervals> cases[] = {
+      {"H1", {{QIdx2(7, 0), 1, 1}}},
+      {"H1;H2;H3;H4", {{QIdx2(7, 0), 1, 2}, {QIdx2(7, 2), 3, 4}}},
+      {"Hx", repeated},
+      {"", {}},  // the one without a record
+      {" ", {}},
+      {"F1-M2", {}},
+      {"H1;H2;H3", {}},
   };
   TestStore base;
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.rows);
-    base.log.lines.clear();
+  for (const auto& [definition, intervals] : cases) {
+    SCOPED_TRACE(definition);
     base.Load(Section("TInstrumentParam", ParameterRow(6) + ParameterRow(7) + ParameterRow(8)) +
-              Section("TIpCalcParameter", CalcRows(6, "H8;H9") + CalcRows(8, "H8;H9") + c.rows));
-    EXPECT_EQ(base.log.Text(), c.log);
-    for (const auto& line : base.log.lines) EXPECT_EQ(line.category * 10 + line.style, 83);
-    EXPECT_EQ(base.params.IpSvOfSpec().count(7), c.has_record ? 1U : 0U);
-    EXPECT_EQ(base.params.SpecIntervalDefinition(7) != nullptr, c.has_record);
+              Section("TIpCalcParameter",
+                      CalcRows(6, "H8;H9") + CalcRows(8, "H8;H9") + CalcRows(7, definition)));
+    EXPECT_EQ(base.params.IpSvOfSpec().count(7), definition.empty() ? 0U : 1U);
+    EXPECT_EQ(base.params.SpecIntervalDefinition(7) == nullptr, definition.empty());
     Intervals found;
     const auto [first, end] = base.params.SpecIntervalRange(7);
     for (auto row = first; row != end; ++row) {
-      const auto& [lower, upper] = std::pair(row->second.lower(), row->second.upper());
-      found.emplace_back(row->first, lower.harmonic(), upper.harmonic());
+      found.emplace_back(row->first, row->second.lower().harmonic(),
+                         row->second.upper().harmonic());
     }
-    EXPECT_EQ(found, c.intervals);
+    EXPECT_EQ(found, intervals);
   }
+  EXPECT_EQ(base.log.Text(),
+            L"OrderInterpreter::GetSpecPositions(): Syntax error in order definition 'F1-M2', "
+            L"treating it as empty.\n"
+            L"CQtSpecIntervalStore::ProcessTables():\nIpSvOfSpec contains entry with 3 terms. "
+            L"Number of terms has to be one ore even. Entrys id is 7. Definition ignored\n");
+  for (const auto& line : base.log.lines) EXPECT_EQ(line.category * 10 + line.style, 83);
 }
 
 TEST(SpecIntervals, AreJoinedFromThreeCalculationParameters) {
@@ -101,7 +90,7 @@ TEST(SpecIntervals, AreJoinedFromThreeCalculationParameters) {
     std::string parameters;
     std::string rows;
     for (int i = -3; i < 40; ++i) {
-      const int id = i == 39 ? kMaxInt : i;
+      const int id = i == 39 ? INT_MAX : i;
       const bool has[] = {present(random), present(random), present(random)};
       parameters += ParameterRow(id);
       rows += CalcRows(id, has[0] ? "H1+L" + std::to_string(i) : "", has[1] ? i + 100 : 0,
@@ -141,15 +130,9 @@ TEST(SpecIntervals, AreDumpedBehindTheBaseChannels) {
 TEST(SpecIntervals, AreReadForAHostWithoutTheStore) {
   std::wstring long_definition;
   for (int i = 0; i < 10'000; ++i) long_definition += L"H1;";
-  const std::tuple<std::wstring, unsigned, unsigned> cases[] = {{L"H1", 32, 0},
-                                                                {L"H1;H2;H3", 32, 1},
-                                                                {L"H1;H2;H3;H4", 3, 1},
-                                                                {L"Hx", 100, 16},
-                                                                {L"Hx", 0, 0},
-                                                                {L"", 32, 0},
-                                                                {L"F1-M2;H1", 32, 0},
-                                                                {long_definition, 32, 16},
-                                                                {L"H1;H2;H3;H4", kMaxUnsigned, 2}};
+  const std::tuple<std::wstring, unsigned, unsigned> cases[] = {
+      {L"H1;H2;H3", 32, 1}, {L"H1;H2;H3;H4", 3, 1}, {L"Hx", 100, 16},
+      {L"Hx", 0, 0},        {L"F1-M2;H1", 32, 0},   {long_definition, 32, 16}};
   const testing_support::Log quiet;
   for (const auto& [definition, max_orders, count] : cases) {
     std::vector<Entry> ranges(17);
@@ -206,12 +189,8 @@ TEST(SpecIntervals, LieAtTheirSpectralLines) {
   struct Case {
     const wchar_t* definition;
     Spectrum spectrum;
-    Outcome loaded;  // with the parameters of mode 7
-    Outcome bare;    // without any
-  };
-  const auto both = [](const wchar_t* definition, const Spectrum& spectrum,
-                       const Outcome& outcome) {
-    return Case{definition, spectrum, outcome, outcome};
+    Outcome loaded;                    // with the parameters of mode 7
+    std::optional<Outcome> bare = {};  // without any, if that differs
   };
   const Case cases[] = {
       {L"H1-O2;H1+O2", {.resolution = 0.25F}, {ok, {8, 12, 32, 48}}, no_base_order},
@@ -219,30 +198,29 @@ TEST(SpecIntervals, LieAtTheirSpectralLines) {
       {L"H1;O10", {.resolution = 0.25F}, {ok, {10, 10, 40, 40}}, no_base_order},
       {L"M3", {.resolution = 0.5F}, {ok, {1.5, 1.5, 3, 3}}, no_ratio},
       {L"O1;M4", {}, {ok, {1, 2, 1, 2}}, no_ratio},
-      {L"H1", {.resolution = 0}, invalid, invalid},
-      both(L"F5-L1;F6+L1", {.resolution = 0.5F, .order_scale = 9}, {ok, {4.5, 6.5, 9, 13}}),
-      both(L"F1+O2;F1+O2+L4", {.resolution = 2, .order_scale = 10}, {ok, {21, 29, 11, 15}}),
-      both(L"O1,125", {.resolution = 0.25F}, {ok, {1.125, 1.125, 5, 5}}),
-      both(L"L-1;O5", {}, invalid),
-      both(L"O5;O4", {}, invalid),
+      {L"H1", {.resolution = 0}, invalid},
+      {L"F5-L1;F6+L1", {.resolution = 0.5F, .order_scale = 9}, {ok, {4.5, 6.5, 9, 13}}},
+      {L"F1+O2;F1+O2+L4", {.resolution = 2, .order_scale = 10}, {ok, {21, 29, 11, 15}}},
+      {L"O1,125", {.resolution = 0.25F}, {ok, {1.125, 1.125, 5, 5}}},
+      {L"L-1;O5", {}, invalid},
+      {L"O5;O4", {}, invalid},
       // The end of the spectrum.
-      both(L"O399.25;O500", {}, {ok, {399.25, 399, 399, 399}}),
-      both(L"O399.5;O500", {}, beyond),
-      both(L"O0;O5", {.lines = 0}, beyond),
-      both(L"O0;O5", {.lines = 1}, {ok, {0, 0, 0, 0}}),
-      both(L"O4294967040;O1e30", {.lines = kMaxUnsigned},
-           {ok, {4294967040.0F, 4294967296.0F, 4294967040U, kMaxUnsigned - 1}}),
-      both(L"O4294967296", {.lines = kMaxUnsigned}, beyond),
+      {L"O399.25;O500", {}, {ok, {399.25, 399, 399, 399}}},
+      {L"O399.5;O500", {}, beyond},
+      {L"O0;O5", {.lines = 0}, beyond},
+      {L"O0;O5", {.lines = 1}, {ok, {0, 0, 0, 0}}},
+      {L"O4294967040;O1e30",
+       {.lines = UINT_MAX},
+       {ok, {4294967040.0F, 4294967296.0F, 4294967040U, UINT_MAX - 1}}},
+      {L"O4294967296", {.lines = UINT_MAX}, beyond},
       // Numbers that no spectrum has.
-      both(L"O1;O1e400", {}, {ok, {1, 399, 1, 399}}),
-      both(L"O1e400", {}, beyond),
-      both(L"F1e400-O1e400", {}, invalid),
-      both(L"F1;O1", {.order_scale = kNaN}, invalid),
-      both(L"O0;O1", {.resolution = -1}, invalid),
-      both(L"O0;O1", {.resolution = kNaN}, invalid),
-      both(L"L1;L2", {.resolution = kInfinity}, invalid),
-      both(L"O0;O1", {.resolution = kTiny}, {ok, {0, 399 * kTiny, 0, 399}}),
-      both(L"O1", {.resolution = kTiny}, beyond),
+      {L"O1;O1e400", {}, {ok, {1, 399, 1, 399}}},
+      {L"O1e400", {}, beyond},
+      {L"F1e400-O1e400", {}, invalid},
+      {L"O0;O1", {.resolution = -1}, invalid},
+      {L"O0;O1", {.resolution = NAN}, invalid},
+      {L"L1;L2", {.resolution = INFINITY}, invalid},
+      {L"O0;O1", {.resolution = kTiny}, {ok, {0, 399 * kTiny, 0, 399}}},
   };
   TestStore base(Machine());
   Spec loaded(base.params);
@@ -251,10 +229,10 @@ TEST(SpecIntervals, LieAtTheirSpectralLines) {
   for (const Case& c : cases) {
     SCOPED_TRACE(Text::ToUtf8(c.definition));
     EXPECT_EQ(Evaluate(loaded, Read(c.definition), c.spectrum), c.loaded);
-    EXPECT_EQ(Evaluate(bare, Read(c.definition), c.spectrum), c.bare);
+    EXPECT_EQ(Evaluate(bare, Read(c.definition), c.spectrum), c.bare.value_or(c.loaded));
   }
   Entry no_number = Read(L"O1;O2");
-  no_number.upper().order() = kNaN;
+  no_number.upper().order() = NAN;
   EXPECT_EQ(Evaluate(loaded, no_number, {}), invalid);
 
   float low = 0;
@@ -278,8 +256,8 @@ TEST(SpecIntervals, FollowTheTestStepAndTheAssembly) {
   EXPECT_EQ(evaluation.RatioAssembly2SpeedSrc(), 1);
   EXPECT_EQ(harmonic(CQtParamInstance::VirtModeGenerateId(7, 5), 2), 10);
   EXPECT_EQ(harmonic(7, 9), -1);
-  EXPECT_EQ(harmonic(kMaxInt, kMaxInt), -1);
-  EXPECT_EQ(harmonic(std::numeric_limits<int>::min(), -1), -1);
+  EXPECT_EQ(harmonic(INT_MAX, INT_MAX), -1);
+  EXPECT_EQ(harmonic(INT_MIN, -1), -1);
 
   // Nothing is looked up anew while base mode and order sources stay.
   EXPECT_EQ(harmonic(7, 2), 10);
@@ -301,9 +279,8 @@ TEST(SpecIntervals, CanBeCutOutOfOneAnother) {
   } const cases[] = {
       {{Lines(0, 100), Lines(10, 20), Lines(30, 40), Lines(90, 100)},
        {{-0.25F, 9.75F, 0, 9}, {20.25F, 29.75F, 21, 29}, {40.25F, 89.75F, 41, 89}}},
-      {{Lines(2, 9), Lines(0, 20), Lines(3, 4)}, {}},
-      {{Lines(0, kMaxUnsigned), Lines(0, 0), Lines(kMaxUnsigned, kMaxUnsigned)},
-       {{0.25F, 4294967296.0F, 1, kMaxUnsigned - 1}}},
+      {{Lines(0, UINT_MAX), Lines(0, 0), Lines(UINT_MAX, UINT_MAX)},
+       {{0.25F, 4294967296.0F, 1, UINT_MAX - 1}}},
       {{}, {}},
       // Two cuts whose ends fall on one line: the piece behind them begins at the later end.
       {{{0.0F, 100.0F, 0, 100}, {10.1F, 20.1F, 10, 20}, {15.0F, 20.3F, 15, 20}},

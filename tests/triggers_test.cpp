@@ -5,7 +5,6 @@
 #include <climits>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <random>
 #include <tuple>
@@ -21,8 +20,6 @@ using Intervals = CTriggerStore::CIntervals;
 using Dimensions = CTriggerStore::CDimensions;
 using Cell = std::int64_t;
 
-constexpr float infinity = std::numeric_limits<float>::infinity();
-constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 constexpr int virtual_10 = 10 + (7 << 11);
 constexpr auto missing = std::nullopt;
 
@@ -53,9 +50,10 @@ class Triggers : public testing::Test {
 
 Dimensions Values(std::initializer_list<std::optional<float>> values) {
   Dimensions dimensions;
+  dimensions.value.fill(777.0F);
   unsigned dim = 0;
   for (const std::optional<float> value : values) {
-    dimensions.value[dim] = value.value_or(777.0F);
+    if (value) dimensions.value[dim] = *value;
     dimensions.is_set[dim++] = value.has_value();
   }
   return dimensions;
@@ -80,24 +78,19 @@ TEST(TriggerAxes, ComeFromTheirBounds) {
       {5, 1, 5, {5, 5, 0, true}},
       {0, 0.3F, 1, {0, 1, 3, true}},
       {0, 0, 1, {0, 1, 0, true}},
-      {0, -1, 5, {0, 5, 0, true}},
       {0, 1e-30F, 1e9F, {0, 1e9F, UINT_MAX, true}},
-      {infinity, 1, 0, {0, infinity, UINT_MAX, false}},
-      {0, nan, 5, {0, 5, 0, true}},
-      {infinity, 1, infinity, {infinity, infinity, 0, true}},
-  };
+      {INFINITY, 1, 0, {0, INFINITY, UINT_MAX, false}},
+      {INFINITY, 1, INFINITY, {INFINITY, INFINITY, 0, true}}};
   for (const auto& [start, step, stop, shape] : cases) {
     QVTriggerParams row;
-    row.start = start;
-    row.step = step;
-    row.stop = stop;
+    std::tie(row.start, row.step, row.stop) = std::tie(start, step, stop);
     row.direction = 3;  // plays no part
     for (const Interval& axis : {Axis(start, step, stop), Interval(row)}) {
       EXPECT_EQ(ShapeOf(axis), shape) << start << ' ' << step << ' ' << stop;
-      EXPECT_TRUE(axis.step() == step || std::isnan(step));
+      EXPECT_EQ(axis.step(), step);
     }
   }
-  EXPECT_TRUE(Axis(0, 1, nan).raising());
+  EXPECT_TRUE(Axis(0, 1, NAN).raising());
   Interval axis(10, 2, 5, false);
   EXPECT_EQ(axis.stop(), 20);
   axis.clear();
@@ -115,8 +108,8 @@ TEST(TriggerCells, OfOneValue) {
       {Axis(1000, 50, 3000), 1175, 3, 3},      {Axis(1000, 50, 3000), 1050, 1, 1},
       {Axis(1000, 50, 3000), 975, 0, 0},       {Axis(1000, 50, 3000), 950, missing, 0},
       {Axis(3000, 50, 1000), 2000, 20, 20},    {Axis(0, 1, 10), 65535.5F, 65535, 65535},
-      {Axis(0, 1, 10), 65536, missing, 65535}, {Axis(0, 1, 10), infinity, missing, 65535},
-      {Axis(0, 1, 10), -infinity, missing, 0}, {Axis(0, 1, 10), nan, missing, 0},
+      {Axis(0, 1, 10), 65536, missing, 65535}, {Axis(0, 1, 10), INFINITY, missing, 65535},
+      {Axis(0, 1, 10), -INFINITY, missing, 0}, {Axis(0, 1, 10), NAN, missing, 0},
       {Axis(5, 0, 10), 6, missing, 65535},     {Axis(5, 0, 10), 5, missing, 0},
   };
   for (const auto& c : cases) {
@@ -148,9 +141,7 @@ TEST_F(Triggers, GiveTheCellOfTheirRows) {
       {10, 3, 0, 2000, false, missing},  // from the row's own start: -20
       {10, 3, 0, 2000, true, 0},
       {10, 4, 3, 6, false, Cell{3} << 48},
-      {10, INT_MAX, 3, 2, false, Cell{2} << 48},
       {10, 5, 4, 2, true, missing},
-      {10, 8, UINT_MAX, 2, true, missing},
       {INT_MIN, INT_MIN, 0, 1175, true, missing},
   };
   for (const auto& [mode, trigger, dim, value, clamp, expected] : cases) {
@@ -193,11 +184,9 @@ TEST_F(Triggers, GiveTheEdgeInTheRunningDirection) {
       {4, 0, 3, missing, 4},  // no direction
       {4, 1, Cell{0x0007'0000} | 3, 180, 180},
       {1, 0, 65535, 1000, 1000},  // the index -1
-      {1, 0, 32767, 1639400, 1639400},
       {5, 0, 3, missing, missing},
       {8, UINT_MAX, 3, missing, missing},
       {INT_MAX, 3, Cell{5} << 48, 6, 6},
-      {INT_MIN, 0, 3, missing, missing},
   };
   for (const auto& [trigger, dim, cell, by_row, by_bounds] : cases) {
     SCOPED_TRACE(testing::Message() << trigger << ' ' << dim);
@@ -215,8 +204,6 @@ TEST_F(Triggers, GiveTheEdgeInTheRunningDirection) {
 TEST_F(Triggers, GiveTheMiddleOrTheEdgeOfACellNearby) {
   const std::tuple<int, Cell, Cell, Dimensions> cases[] = {
       {1, 3, 0, Values({1175})},
-      {1, 3, 2, Values({1250})},
-      {1, 3, 0xFFFF, Values({1100})},
       {1, 32767, 1, Values({-1637400})},  // wraps to -32768
       {3, 3, 0, Values({1175})},
       {4, 0x0002'000A'0005'0003, 0x0001'0000'FFFF'0000, Values({3.5F, 140, 0.25F, 6})},
@@ -225,19 +212,19 @@ TEST_F(Triggers, GiveTheMiddleOrTheEdgeOfACellNearby) {
   };
   for (const auto& [trigger, cell, offset, places] : cases) {
     SCOPED_TRACE(testing::Message() << trigger << ' ' << offset);
-    Dimensions table = Values({1, 2, 3, 4});
-    Dimensions axes;
-    Intervals intervals;
+    Dimensions table = Values({});
     EXPECT_EQ(store.position(10, trigger, cell, offset, table), places.is_set.any());
     EXPECT_EQ(table.is_set, places.is_set);
+    EXPECT_EQ(table.value, places.value);
+    Intervals intervals;
     store.field(10, trigger, intervals);
+    Dimensions axes;
     EXPECT_TRUE(CTriggerStore::position(intervals, cell, offset, axes));
     EXPECT_TRUE(axes.is_set.all());
     for (unsigned dim = 0; dim < 4; ++dim) {
-      if (!places.is_set[dim]) continue;
-      EXPECT_EQ(table.value[dim], places.value[dim]) << dim;
-      EXPECT_EQ(axes.value[dim], places.value[dim]) << dim;
+      if (!places.is_set[dim]) axes.value[dim] = 777.0F;
     }
+    EXPECT_EQ(axes.value, places.value);
   }
 }
 
