@@ -127,7 +127,8 @@ inline void Require(bool found, const char* what) {
 // `ask` takes the number of a question, which is below `questions`.
 template <class Ask>
 void RegisterQuestion(const std::string& name, Ask ask) {
-  for (const auto& [how, count] : {std::pair("/again", few), std::pair("/any", questions)}) {
+  for (const std::size_t count : {few, questions}) {
+    const char* const how = count == few ? "/again" : "/any";
     benchmark::RegisterBenchmark(
         (name + how).c_str(),
         [ask, count](benchmark::State& state) {

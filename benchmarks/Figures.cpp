@@ -130,7 +130,7 @@ void Figures::WriteMarkdown(std::ostream& out) const {
   for (const Goal& goal : Goals()) {
     const auto measured = Measured(goal, values_);
     if (!measured) continue;
-    const char* form = goal.over.empty() ? "%.3g ns" : "%.3g";
+    const char* form = goal.over.empty() ? "%.4g ns" : "%.4g";
     out << "| " << goal.what << " | at " << (goal.sense == Goal::at_most ? "most " : "least ")
         << Format(form, goal.limit) << " | " << Format(form, *measured) << " | "
         << (goal.IsMetBy(*measured) ? "yes" : "**no**") << " |\n";

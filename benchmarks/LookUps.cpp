@@ -2,7 +2,6 @@
 // rivals hold the same rows: SQLite in its tables, asked by prepared statements, and two maps.
 
 #include <boost/container/flat_map.hpp>
-#include <iostream>
 #include <map>
 #include <string>
 #include <vector>
@@ -67,8 +66,7 @@ struct Fixture {
       count.Step();
       const std::size_t rows =
           TableCatalogue::Find(Text::FromUtf8(section))->row_count(data_base.Store());
-      if (static_cast<std::size_t>(count.Integer(0)) != rows)
-        std::cerr << section << rows << ' ' << count.Integer(0) << '\n';
+      Require(static_cast<std::size_t>(count.Integer(0)) == rows, "SQLite has other rows");
     }
   }
 

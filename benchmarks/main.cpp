@@ -20,7 +20,7 @@ std::string TakeOption(std::vector<char*>& arguments, std::string_view name) {
     return text.starts_with(name) && text.substr(name.size()).starts_with('=');
   });
   if (option == arguments.end()) return {};
-  const std::string value = *option + name.size() + 1;
+  std::string value = *option + name.size() + 1;
   arguments.erase(option);
   return value;
 }
