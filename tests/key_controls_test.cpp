@@ -9,6 +9,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "control_support.h"
@@ -100,13 +101,8 @@ class Listener : public CWnd {
 // --- One element ---
 
 TEST_F(KeyControls, TheComboOffersWhatTheFilterLetsThrough) {
-  struct Case {
-    Clavis::qOrder element;
-    int selected;
-    unsigned int filter;
-    const char* entries;  // behind "not assigned"
-  };
-  const Case cases[] = {
+  // Behind the filter stand the entries but for the first.
+  const std::tuple<Clavis::qOrder, int, unsigned int, const char*> cases[] = {
       {Clavis::Mode, 9, 0xFF, " Run-up=7 *Coast=9"},  // never filtered
       {Clavis::Mode, 5, 0, " Run-up=7 Coast=9 *(test step 5)=5"},
       {Clavis::Instrument, 1001, 0, " *RMS=1001 RMS track=2001"},
@@ -123,10 +119,10 @@ TEST_F(KeyControls, TheComboOffersWhatTheFilterLetsThrough) {
   CClavisComboBox combo;
   EXPECT_EQ(combo.Retrieve(), -1);
   ASSERT_TRUE(combo.Create(nullptr));
-  for (const Case& c : cases) {
-    combo.Fill(c.element, c.selected, c.filter);
-    EXPECT_EQ(Entries(combo), std::string(" (not assigned)=-1") + c.entries);
-    EXPECT_EQ(combo.Retrieve(), std::max(c.selected, -1)) << c.entries;
+  for (const auto& [element, selected, filter, entries] : cases) {
+    combo.Fill(element, selected, filter);
+    EXPECT_EQ(Entries(combo), std::string(" (not assigned)=-1") + entries);
+    EXPECT_EQ(combo.Retrieve(), std::max(selected, -1)) << entries;
   }
   for (const Clavis::qOrder element : {Clavis::Instrument, no_element}) {
     combo.Fill(element, -1, 0x80);
@@ -167,41 +163,33 @@ TEST_F(KeyControls, TheComboOffersTheParametersOfOneInstrument) {
 
 TEST_F(KeyControls, TheCheckListGivesBackWhatIsChecked) {
   using Ids = std::set<int>;
-  struct Case {
-    Clavis::qOrder element;
-    const char* heading;
-    Ids selection;
-    unsigned int filter;
-    const char* rows;
-    Ids retrieved;
-    unsigned int count;
-  };
   const char* const all_parameters = "all parameters";
   const char* const parameters = " RMS=10 +RMS track low=11 RMS track high=12";
-  const Case cases[] = {
-      {Clavis::Mode, "all test steps", {9, 5}, 0, " Run-up=7 +Coast=9", {9}, 1},
-      {Clavis::Mode, "all test steps", {7, 9, 12}, 0, " +Run-up=7 +Coast=9", {-1}, 2},
-      {Clavis::Instrument, "all instruments", {-1}, 1, " +RMS=1001", {-1}, 1},
-      {Clavis::Channel, "all channels", {}, 1, " Sync=3", {}, 0},
-      {Clavis::Location, "all objects", {2}, 8, "", {-1}, 0},
-      {Clavis::Parameter, all_parameters, {11}, 8, parameters, {11}, 1},
-      {Clavis::Sensor, "all sensors", {22, 23}, 3, " Acceleration=21 +Sound=22", {22}, 1},
-      {no_element, "all (reserved)", {}, 0, "", {-1}, 0},
-  };
+  const std::tuple<Clavis::qOrder, const char*, Ids, unsigned, const char*, Ids, unsigned> cases[] =
+      {
+          {Clavis::Mode, "all test steps", {9, 5}, 0, " Run-up=7 +Coast=9", {9}, 1},
+          {Clavis::Mode, "all test steps", {7, 9, 12}, 0, " +Run-up=7 +Coast=9", {-1}, 2},
+          {Clavis::Instrument, "all instruments", {-1}, 1, " +RMS=1001", {-1}, 1},
+          {Clavis::Channel, "all channels", {}, 1, " Sync=3", {}, 0},
+          {Clavis::Location, "all objects", {2}, 8, "", {-1}, 0},
+          {Clavis::Parameter, all_parameters, {11}, 8, parameters, {11}, 1},
+          {Clavis::Sensor, "all sensors", {22, 23}, 3, " Acceleration=21 +Sound=22", {22}, 1},
+          {no_element, "all (reserved)", {}, 0, "", {-1}, 0},
+      };
   CClavisListCtrl list;
   ASSERT_TRUE(list.Create(nullptr));
   Ids ids = {99};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.heading);
-    list.Init(c.element);
+  for (const auto& [element, heading, selection, filter, rows, retrieved, count] : cases) {
+    SCOPED_TRACE(heading);
+    list.Init(element);
     ASSERT_EQ(list.GetColumnCount(), 1);
-    EXPECT_EQ(Text::ToUtf8(list.GetColumn(0)->heading), c.heading);
+    EXPECT_EQ(Text::ToUtf8(list.GetColumn(0)->heading), heading);
     EXPECT_EQ(list.GetExtendedStyle(), 0x60U);
-    list.Fill(c.selection, c.filter);
+    list.Fill(selection, filter);
     EXPECT_FALSE(list.Changes());
-    EXPECT_EQ(Rows(list), c.rows);
-    EXPECT_EQ(list.Retrieve(ids), c.count);
-    EXPECT_EQ(ids, c.retrieved);
+    EXPECT_EQ(Rows(list), rows);
+    EXPECT_EQ(list.Retrieve(ids), count);
+    EXPECT_EQ(ids, retrieved);
   }
 
   list.Init(Clavis::Sensor);
@@ -299,13 +287,7 @@ TEST_F(KeyControls, EveryChoiceIsToldAndAnotherInstrumentEmptiesTheParameter) {
   editor.fill(key);
   EXPECT_FALSE(editor.ChooseEntry(0, 1, 5));  // hidden
   EXPECT_FALSE(editor.ChooseEntry(0, 0, 9));
-  struct {
-    int row;
-    int id;
-    const char* heard;
-    CClavis key;
-    const char* parameters;
-  } const cases[] = {
+  const std::tuple<int, int, const char*, CClavis, const char*> cases[] = {
       {0, 9, " 0:9 [0:9]", Key(9, 2001, 3, 1, 11, 21), " —=-1 *low=11 high=12"},
       {4, 12, " 4:12 [4:12]", Key(9, 2001, 3, 1, 12, 21), " —=-1 low=11 *high=12"},
       {5, -1, " 5:-1 [5:-1]", Key(9, 2001, 3, 1, 12, -1), " —=-1 low=11 *high=12"},
@@ -314,12 +296,12 @@ TEST_F(KeyControls, EveryChoiceIsToldAndAnotherInstrumentEmptiesTheParameter) {
       {1, 1001, " 1:1001 [1:1001]", Key(9, 1001, 3, 1, -1, -1), " *—=-1 RMS=10"},  // again
       {1, -1, " 1:-1 [1:-1]", Key(9, -1, 3, 1, -1, -1), " *—=-1"},
   };
-  for (const auto& c : cases) {
+  for (const auto& [row, id, heard, chosen, parameters] : cases) {
     parent.heard.clear();
-    EXPECT_TRUE(editor.ChooseEntry(c.row, 1, c.id));
-    EXPECT_EQ(parent.heard, c.heard);
-    EXPECT_EQ(editor.retrieve(), c.key);
-    EXPECT_EQ(DropDown(editor, 4), c.parameters);
+    EXPECT_TRUE(editor.ChooseEntry(row, 1, id));
+    EXPECT_EQ(parent.heard, heard);
+    EXPECT_EQ(editor.retrieve(), chosen);
+    EXPECT_EQ(DropDown(editor, 4), parameters);
   }
 
   // With the instrument hidden there are no parameters to choose from.

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <thread>
+#include <tuple>
 
 #include "interfaces/PrWin.h"
 #include "interfaces/Support.h"

@@ -7,6 +7,7 @@
 #include <climits>
 #include <memory>
 #include <optional>
+#include <tuple>
 
 #include "control_support.h"
 #include "interfaces/ComboBoxX.h"
