@@ -44,9 +44,6 @@ struct Memory {
 
 Memory MeasureMemory(const TemporaryFile& file);
 
-// What the child process does for it.
-void PrintMemoryOf(const std::string& file);
-
 // A data base of its own, loaded from a file. The candidate lake holds the file until this goes.
 class DataBase {
  public:

@@ -30,6 +30,11 @@ constexpr std::size_t polygons_per_mille = 3;
 constexpr std::size_t calc_parameters = 6;
 constexpr int points = 8;  // of a polygon
 
+// Spectral intervals: around a mesh and its harmonics, between sidebands, from an order to the
+// mesh.
+constexpr std::array<std::string_view, 5> intervals = {"H1-O0.5;H1+O0.5", "H2-O0.5;H2+O0.5",
+                                                       "H1-M1;H1+M1", "O2;H1", "H1-L2;H1+L2"};
+
 using Key = std::array<int, 6>;  // test step, instrument, channel, object, parameter, sensor
 
 // Integer arithmetic alone: the distributions of the standard library may differ between systems.
@@ -184,8 +189,9 @@ class Writer {
     std::vector<std::string> rows;
     for (int id = first_parameter; id < first_parameter + count; ++id) {
       const std::string reference = std::to_string(first_gear + id % rotors);
+      const std::string_view interval = intervals[static_cast<std::size_t>(id) % intervals.size()];
       const std::array<std::pair<int, std::string_view>, calc_parameters> values = {
-          {{0, "3"}, {1, "1"}, {2, "6"}, {3, "H1-O0.5;H1+O0.5"}, {4, reference}, {7, "2500"}}};
+          {{0, "3"}, {1, "1"}, {2, "6"}, {3, interval}, {4, reference}, {7, "2500"}}};
       for (const auto& [number, value] : values) {
         rows.push_back((Row() << id << number << value).Take());
       }

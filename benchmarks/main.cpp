@@ -40,10 +40,6 @@ void RunAll(benchmarks::Figures& figures) {
 
 int main(int argc, char** argv) {
   std::vector<char*> arguments(argv, argv + argc);
-  if (const std::string file = TakeOption(arguments, "--memory-of"); !file.empty()) {
-    benchmarks::PrintMemoryOf(file);
-    return 0;
-  }
   const std::string markdown = TakeOption(arguments, "--markdown");
   const std::string json = TakeOption(arguments, "--json");
 

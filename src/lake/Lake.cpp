@@ -202,6 +202,7 @@ bool CLake::CNode::Linker::add(NodeList::iterator line) {
   } else if (line->is_closing()) {
     line->depth_ = section.depth_;
     children.end = line;
+    children.unnamed.shrink_to_fit();  // up to half of the room would stay empty
     open_.pop_back();
     return !open_.empty();
   } else {
