@@ -340,7 +340,7 @@ std::string Fixed(const Json& number, int digits) {
   return {text, written.ptr};
 }
 
-void PrintAsText(const Json& json) {
+void PrintReport(const Json& json) {
   std::cout << "file   " << json["file"].get<std::string>() << "\nbytes  " << json["bytes"]
             << "\nlines  " << json["lines"] << "\nrows   " << json["rows"] << "\n\n";
   std::vector<std::vector<std::string>> rows;
@@ -377,7 +377,7 @@ void AddBench(CommandLine& line) {
           throw Failure(file_unusable, "'" + *file + "' can't be read again and again.");
         }
         const Json json = Run(*file, data.params, *seconds);
-        line.json ? Print(json) : PrintAsText(json);
+        line.json ? Print(json) : PrintReport(json);
         return data.LoadStatus();
       });
   command->add_option("FILE", *file, "Parameter file")->required();

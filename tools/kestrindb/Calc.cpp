@@ -10,7 +10,7 @@
 namespace kestrindb {
 namespace {
 
-Json Describe(const CQtParamInstance& params, int parameter) {
+Json DescribeCalcParameters(const CQtParamInstance& params, int parameter) {
   const int instrument = params.InstrumentParameterToInstrument(parameter);
   Json json;
   json["parameter"] = parameter;
@@ -33,7 +33,7 @@ Json Describe(const CQtParamInstance& params, int parameter) {
   return json;
 }
 
-void PrintAsText(const Json& json) {
+void PrintCalcParameters(const Json& json) {
   std::cout << "parameter   " << json["parameter"] << "  "
             << json["parameter_name"].get<std::string>() << "\ninstrument  " << json["instrument"]
             << "  " << json["instrument_name"].get<std::string>() << "\n\n";
@@ -58,8 +58,8 @@ void AddCalc(CommandLine& line) {
           throw Failure(data_bad, "There is no parameter " + std::to_string(*parameter) +
                                       "; see kestrindb names FILE parameter.");
         }
-        const Json json = Describe(data.params, *parameter);
-        line.json ? Print(json) : PrintAsText(json);
+        const Json json = DescribeCalcParameters(data.params, *parameter);
+        line.json ? Print(json) : PrintCalcParameters(json);
         return data.LoadStatus();
       });
   command->add_option("FILE", *file, "Parameter file")->required();

@@ -31,7 +31,7 @@ std::vector<int> Chain(const CQtParamInstance& params, int mode, int channel) {
   return chain;
 }
 
-Json Describe(const CQtParamInstance& params, int mode, int channel) {
+Json DescribeChannel(const CQtParamInstance& params, int mode, int channel) {
   Json json;
   json["mode"] = mode;
   json["mode_name"] = Utf8(params.ModeName(mode));
@@ -56,7 +56,7 @@ std::string WithName(const Json& named) {
   return named["id"].dump() + "  " + named["name"].get<std::string>();
 }
 
-void PrintAsText(const Json& json) {
+void PrintChannel(const Json& json) {
   std::cout << "test step     " << json["mode"] << "  " << json["mode_name"].get<std::string>()
             << "\nbase channel  " << WithName(json["base"]) << "\nflags         "
             << Joined(json["flags"]) << "\n\n";
@@ -83,8 +83,8 @@ void AddChannel(CommandLine& line) {
                    throw Failure(data_bad, "There is no channel " + std::to_string(*channel) +
                                                "; see kestrindb names FILE channel.");
                  }
-                 const Json json = Describe(data.params, *mode, *channel);
-                 line.json ? Print(json) : PrintAsText(json);
+                 const Json json = DescribeChannel(data.params, *mode, *channel);
+                 line.json ? Print(json) : PrintChannel(json);
                  return data.LoadStatus();
                });
   command->add_option("FILE", *file, "Parameter file")->required();

@@ -73,7 +73,7 @@ Json ToJson(const ParameterCheck::Finding& finding) {
 }
 
 // As compilers tell of errors, so that editors can jump to the line.
-void PrintAsText(const std::string& file_name, const Json& findings) {
+void PrintFindings(const std::string& file_name, const Json& findings) {
   for (const Json& finding : findings) {
     std::cout << file_name << ':' << finding["line"] << ": " << finding["kind"].get<std::string>()
               << ": ";
@@ -105,7 +105,7 @@ void AddCheck(CommandLine& line) {
              std::stable_sort(findings.begin(), findings.end(), [](const Json& a, const Json& b) {
                return a["line"].get<std::size_t>() < b["line"].get<std::size_t>();
              });
-             line.json ? Print(findings) : PrintAsText(*file, findings);
+             line.json ? Print(findings) : PrintFindings(*file, findings);
              return findings.empty() ? fine : data_bad;
            })
       ->add_option("FILE", *file, "Parameter file")

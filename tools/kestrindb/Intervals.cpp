@@ -13,7 +13,7 @@
 namespace kestrindb {
 namespace {
 
-struct Request {
+struct IntervalRequest {
   int mode = 0;
   std::optional<int> parameter;
   int speed_source = 0;
@@ -32,8 +32,8 @@ const char* Name(CQtSpecInterval::index_range_result_t result) {
 }
 
 // Bounds are given wherever they can be computed, lines only where they are good.
-Json Describe(const CQtSpecInterval& evaluation, const QVSpecIntervalEntry& entry,
-              const Request& request) {
+Json DescribeIntervals(const CQtSpecInterval& evaluation, const QVSpecIntervalEntry& entry,
+                       const IntervalRequest& request) {
   float low = NAN;
   float high = NAN;
   evaluation.FrequencyRange(entry, request.resolution, request.order_scale, low, high);
@@ -51,8 +51,8 @@ Json Describe(const CQtSpecInterval& evaluation, const QVSpecIntervalEntry& entr
   return json;
 }
 
-Json Describe(const CQtParamInstance& params, int parameter, const QVIpSvOfSpec& record,
-              const Request& request) {
+Json DescribeIntervals(const CQtParamInstance& params, int parameter, const QVIpSvOfSpec& record,
+                       const IntervalRequest& request) {
   const int assembly = request.assembly.value_or(record.reference);
   CQtSpecInterval evaluation(params);
   evaluation.LoadTransformParams(request.mode, request.speed_source, assembly);
@@ -67,12 +67,12 @@ Json Describe(const CQtParamInstance& params, int parameter, const QVIpSvOfSpec&
   json["intervals"] = Json::array();
   const auto [first, last] = params.SpecIntervalRange(static_cast<unsigned>(parameter));
   for (auto row = first; row != last; ++row) {
-    json["intervals"].push_back(Describe(evaluation, row->second, request));
+    json["intervals"].push_back(DescribeIntervals(evaluation, row->second, request));
   }
   return json;
 }
 
-Json Describe(const CQtParamInstance& params, const Request& request) {
+Json DescribeIntervals(const CQtParamInstance& params, const IntervalRequest& request) {
   Json json;
   json["mode"] = request.mode;
   json["mode_name"] = Utf8(params.ModeName(request.mode));
@@ -83,7 +83,7 @@ Json Describe(const CQtParamInstance& params, const Request& request) {
   json["parameters"] = Json::array();
   for (const auto& [key, record] : params.IpSvOfSpec()) {
     if (request.parameter.value_or(key[0]) == key[0]) {
-      json["parameters"].push_back(Describe(params, key[0], record, request));
+      json["parameters"].push_back(DescribeIntervals(params, key[0], record, request));
     }
   }
   if (request.parameter && json["parameters"].empty()) {
@@ -98,7 +98,7 @@ std::string String(const Json& json) { return json.is_string() ? json.get<std::s
 
 std::string Number(const Json& json) { return json.is_null() ? "" : json.dump(); }
 
-void PrintAsText(const Json& json) {
+void PrintIntervals(const Json& json) {
   std::cout << "test step     " << json["mode"] << "  " << String(json["mode_name"])
             << "\nspeed source  " << json["speed_source"] << "\nresolution    "
             << json["resolution"] << "\nlines         " << json["lines"] << "\norder scale   "
@@ -280,16 +280,16 @@ void SavePicture(const Json& json, const std::string& unit, const std::string& f
 void AddIntervals(CommandLine& line) {
   auto file = std::make_shared<std::string>();
   auto picture = std::make_shared<std::string>();
-  auto request = std::make_shared<Request>();
+  auto request = std::make_shared<IntervalRequest>();
   CLI::App* command = line.Add(
       "intervals", "Spectrum intervals in a test step: bounds on the axis and spectral lines",
       [file, picture, request, &line] {
         const DataBase data(*file);
         data.RequireAccepted();
         data.RequireMode(request->mode);
-        const Json json = Describe(data.params, *request);
+        const Json json = DescribeIntervals(data.params, *request);
         if (!picture->empty()) SavePicture(json, request->unit, *picture);
-        line.json ? Print(json) : PrintAsText(json);
+        line.json ? Print(json) : PrintIntervals(json);
         return data.LoadStatus();
       });
   command->add_option("FILE", *file, "Parameter file")->required();

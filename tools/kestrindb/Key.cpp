@@ -8,7 +8,8 @@
 namespace kestrindb {
 namespace {
 
-Json Describe(const CQtParamInstance& params, const QClavis& key, const std::wstring& separator) {
+Json DescribeKey(const CQtParamInstance& params, const QClavis& key,
+                 const std::wstring& separator) {
   const auto plain = [&](CQtParamInstance::show_id_t show) {
     return Utf8(params.FormatClavisText(key, show, CQtParamInstance::ElementMask().set()));
   };
@@ -30,7 +31,7 @@ std::string Ids(const Json& json) {
   return ids;
 }
 
-void PrintAsText(const Json& json) {
+void PrintKey(const Json& json) {
   std::cout << "ids                   " << Ids(json) << '\n';
   const auto print = [&json](const char* heading, const char* text) {
     std::cout << heading << json[text].get<std::string>() << '\n';
@@ -47,8 +48,8 @@ void PrintAsText(const Json& json) {
 
 void PrintKey(const CQtParamInstance& params, const QClavis& key, const std::string& separator,
               bool as_json) {
-  const Json json = Describe(params, key, Wide(separator));
-  as_json ? Print(json) : PrintAsText(json);
+  const Json json = DescribeKey(params, key, Wide(separator));
+  as_json ? Print(json) : PrintKey(json);
 }
 
 CLI::Option* AddIds(CLI::App& command, std::vector<int>& ids) {

@@ -37,7 +37,7 @@ std::string OrNone(const Json& text) {
   return text.get<std::string>().empty() ? "(none)" : text.get<std::string>();
 }
 
-void PrintAsText(const Json& json) {
+void PrintLoad(const Json& json) {
   std::cout << "version          " << json["version"]["major"] << '.' << json["version"]["minor"]
             << (json["accepted"] ? "" : "  not accepted: " + json["reason"].get<std::string>())
             << '\n'
@@ -65,7 +65,7 @@ void AddLoad(CommandLine& line) {
            [file, &line] {
              const DataBase data(*file);
              const Json json = ToJson(data);
-             line.json ? Print(json) : PrintAsText(json);
+             line.json ? Print(json) : PrintLoad(json);
              return data.LoadStatus();
            })
       ->add_option("FILE", *file, "Parameter file")

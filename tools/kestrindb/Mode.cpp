@@ -8,7 +8,7 @@
 namespace kestrindb {
 namespace {
 
-Json Describe(const CQtParamInstance& params, int id) {
+Json DescribeMode(const CQtParamInstance& params, int id) {
   Json json;
   json["id"] = id;
   json["virtual"] = CQtParamInstance::IsVirtualMode(id);
@@ -39,7 +39,7 @@ std::string WithName(const Json& id, const Json& name) {
   return text.empty() ? id.dump() : id.dump() + "  " + text;
 }
 
-void PrintAsText(const Json& json) {
+void PrintMode(const Json& json) {
   std::cout << "id             " << json["id"] << (json["virtual"] ? "  virtual" : "") << '\n'
             << "name           " << json["name"].get<std::string>() << '\n'
             << "base           " << WithName(json["base"], json["base_name"]) << '\n'
@@ -92,9 +92,9 @@ void AddMode(CommandLine& line) {
                [file, id, numbers, &line] {
                  const DataBase data(*file);
                  data.RequireAccepted();
-                 const Json json =
-                     Describe(data.params, numbers->empty() ? *id : Pack(data.params, *numbers));
-                 line.json ? Print(json) : PrintAsText(json);
+                 const Json json = DescribeMode(
+                     data.params, numbers->empty() ? *id : Pack(data.params, *numbers));
+                 line.json ? Print(json) : PrintMode(json);
                  return data.LoadStatus();
                });
   command->add_option("FILE", *file, "Parameter file")->required();

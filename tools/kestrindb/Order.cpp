@@ -26,7 +26,7 @@ Json ToJson(const OrderInterpreter::SyntaxError& error) {
           {"reason", Utf8(OrderInterpreter::ReasonText(error.reason))}};
 }
 
-Json Describe(const std::wstring& definition) {
+Json DescribeOrder(const std::wstring& definition) {
   std::vector<Entry::Definition> positions(CQtSpecIntervalStore::max_orders);
   const auto result = OrderInterpreter::Interpret(definition.c_str(), positions.data(),
                                                   CQtSpecIntervalStore::max_orders);
@@ -105,7 +105,7 @@ void AddOrder(CommandLine& line) {
       throw CLI::ValidationError("TEXT", "one definition is needed; put it in quotes");
     }
     const std::wstring definition = Wide(given ? *text : extras.front());
-    const Json json = Describe(definition);
+    const Json json = DescribeOrder(definition);
     const bool well = !json.contains("error");
     if (line.json) {
       Print(json);

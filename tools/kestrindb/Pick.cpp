@@ -14,7 +14,7 @@
 namespace kestrindb {
 namespace {
 
-struct Request {
+struct PickRequest {
   std::string file;
   std::vector<int> ids;
   std::string separator = "|";
@@ -48,7 +48,7 @@ void PrintIds(const QClavis& key) {
 }  // namespace
 
 void AddPick(CommandLine& line) {
-  auto request = std::make_shared<Request>();
+  auto request = std::make_shared<PickRequest>();
   CLI::App* command = line.Add("pick", "Choose a key at the terminal", [request, &line] {
     const DataBase data(request->file);
     data.RequireAccepted();

@@ -36,7 +36,7 @@ Json PointsOf(const CQtParamInstance& params, int polygon) {
   return points;
 }
 
-Json Describe(const CQtParamInstance& params, const QClavis& key) {
+Json DescribePolygon(const CQtParamInstance& params, const QClavis& key) {
   const CVIpSvTrackPolygon& track = TrackPolygonOf(params, key);
   const auto stored = params.IpPolygon().find(track.polygon_id);
   Json json;
@@ -50,7 +50,7 @@ Json Describe(const CQtParamInstance& params, const QClavis& key) {
   return json;
 }
 
-void PrintAsText(const Json& json) {
+void PrintPolygon(const Json& json) {
   std::cout << "quantity  " << json["text"].get<std::string>() << "\npolygon   " << json["polygon"]
             << "  " << json["name"].get<std::string>() << "\ntrack a   " << json["track_a"]
             << "\ntrack c   " << json["track_c"] << "\n\n";
@@ -68,12 +68,6 @@ struct Picture {
   std::string x_title = "x";
   std::string y_title = "y";
 };
-
-constexpr double height = 420;
-constexpr double left = 84;
-constexpr double right = Svg::width - 28;
-constexpr double top = 64;
-constexpr double bottom = height - 64;
 
 struct Bounds {
   double low = std::numeric_limits<double>::infinity();
@@ -101,6 +95,11 @@ void Draw(const Json& json, const Picture& picture) {
     xs.Include(points.back().x);
     ys.Include(points.back().y);
   }
+  constexpr double height = 420;
+  constexpr double left = 84;
+  constexpr double right = Svg::width - 28;
+  constexpr double top = 64;
+  constexpr double bottom = height - 64;
   Svg svg(height);
   const std::string name = json["name"].get<std::string>();
   svg.Text({12, 24}, "Polygon " + json["polygon"].dump() + (name.empty() ? "" : ": " + name),
@@ -130,9 +129,9 @@ void AddPolygon(CommandLine& line) {
       line.Add("polygon", "The track polygon of a key", [file, ids, picture, &line] {
         const DataBase data(*file);
         data.RequireAccepted();
-        const Json json = Describe(data.params, QClavis(CClavis(ids->data())));
+        const Json json = DescribePolygon(data.params, QClavis(CClavis(ids->data())));
         if (!picture->file_name.empty()) Draw(json, *picture);
-        line.json ? Print(json) : PrintAsText(json);
+        line.json ? Print(json) : PrintPolygon(json);
         return data.LoadStatus();
       });
   command->add_option("FILE", *file, "Parameter file")->required();

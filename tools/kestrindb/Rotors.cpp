@@ -10,7 +10,7 @@ namespace {
 
 // One order source. "order" is where it shows on the axis of its speed source: its base order times
 // its ratio to the speed source, as floats.
-Json Describe(const CQtParamInstance& params, int mode, int source, int rotor) {
+Json DescribeRotors(const CQtParamInstance& params, int mode, int source, int rotor) {
   const auto& speeds = params.Store().Table<L"<TRotorSpeed>">();
   const auto speed = speeds.find({params.PhysModeId(mode), rotor});
   const int signal = params.RotorSpeedSourceAppId(mode, source);
@@ -29,7 +29,7 @@ Json Describe(const CQtParamInstance& params, int mode, int source, int rotor) {
   return json;
 }
 
-Json Describe(const CQtParamInstance& params, int mode) {
+Json DescribeRotors(const CQtParamInstance& params, int mode) {
   const int phys_mode = params.PhysModeId(mode);
   Json json;
   json["mode"] = mode;
@@ -39,13 +39,13 @@ Json Describe(const CQtParamInstance& params, int mode) {
   json["order_sources"] = Json::array();
   for (const auto& [key, row] : params.Store().Table<L"<TOrderSource2Rotor>">()) {
     if (key[1] == phys_mode) {
-      json["order_sources"].push_back(Describe(params, mode, key[0], row.ref));
+      json["order_sources"].push_back(DescribeRotors(params, mode, key[0], row.ref));
     }
   }
   return json;
 }
 
-void PrintAsText(const Json& json) {
+void PrintRotors(const Json& json) {
   std::cout << "test step      " << json["mode"] << "  " << json["mode_name"].get<std::string>()
             << "\nphysical mode  " << json["phys_mode"] << "  "
             << json["phys_mode_name"].get<std::string>() << "\n\n";
@@ -76,8 +76,8 @@ void AddRotors(CommandLine& line) {
         const DataBase data(*file);
         data.RequireAccepted();
         data.RequireMode(*mode);
-        const Json json = Describe(data.params, *mode);
-        line.json ? Print(json) : PrintAsText(json);
+        const Json json = DescribeRotors(data.params, *mode);
+        line.json ? Print(json) : PrintRotors(json);
         return data.LoadStatus();
       });
   command->add_option("FILE", *file, "Parameter file")->required();

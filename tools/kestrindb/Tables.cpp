@@ -26,7 +26,7 @@ Json ToJson(const TableCatalogue::TableInfo& table) {
 }
 
 // As Markdown, which is also what docs/tables.md holds.
-void PrintAsText(const TableCatalogue::TableInfo& table) {
+void PrintTableInfo(const TableCatalogue::TableInfo& table) {
   std::cout << "## `" << Utf8(table.section) << "`\n\n"
             << "Table " << table.registered << ", " << table.container
             << (table.unique_keys ? "" : " (a key may stand on several lines)") << "; "
@@ -62,7 +62,7 @@ void AddTables(CommandLine& line) {
              }
              for (const auto& table : TableCatalogue::Tables()) {
                if (only != nullptr && only != &table) continue;
-               line.json ? json.push_back(ToJson(table)) : PrintAsText(table);
+               line.json ? json.push_back(ToJson(table)) : PrintTableInfo(table);
              }
              if (line.json) Print(json);
              return fine;

@@ -16,7 +16,7 @@ namespace {
 
 constexpr unsigned index_bits = 16;
 
-struct Request {
+struct TriggerRequest {
   int mode = 0;
   int trigger = 0;
   std::vector<float> values;
@@ -24,14 +24,14 @@ struct Request {
   bool clamp = false;
 };
 
-const char* Direction(const CQtParamInstance& params, const Request& request, unsigned dim) {
+const char* Direction(const CQtParamInstance& params, const TriggerRequest& request, unsigned dim) {
   const auto row = params.TriggerParam().find({CQtParamInstance::VirtMode2BaseMode(request.mode),
                                                request.trigger, static_cast<int>(dim) + 1});
   if (row == params.TriggerParam().end()) return "none";
   return row->second.direction == 2 ? "raising" : row->second.direction == 3 ? "falling" : "none";
 }
 
-CTriggerStore::CIntervals AxesOf(const CTriggerStore& store, const Request& request) {
+CTriggerStore::CIntervals AxesOf(const CTriggerStore& store, const TriggerRequest& request) {
   CTriggerStore::CIntervals axes;
   if (store.field(request.mode, request.trigger, axes)) return axes;
   throw Failure(data_bad, "Trigger " + std::to_string(request.trigger) +
@@ -55,7 +55,7 @@ CTriggerStore::CDimensions ValuesFor(const CTriggerStore::CIntervals& axes,
   return dimensions;
 }
 
-Json DescribeAxes(const CQtParamInstance& params, const Request& request,
+Json DescribeAxes(const CQtParamInstance& params, const TriggerRequest& request,
                   const CTriggerStore::CIntervals& axes) {
   Json json = Json::array();
   for (unsigned dim = 0; dim < CTriggerStore::dimensions_d; ++dim) {
@@ -90,7 +90,7 @@ Json DescribePlaces(const CTriggerStore::CIntervals& axes, std::int64_t cell,
   return json;
 }
 
-Json Describe(const CQtParamInstance& params, const Request& request) {
+Json DescribeTrigger(const CQtParamInstance& params, const TriggerRequest& request) {
   const CTriggerStore store(params);
   const CTriggerStore::CIntervals axes = AxesOf(store, request);
   const int running = store.dimension(request.mode, request.trigger);
@@ -120,7 +120,7 @@ Json Describe(const CQtParamInstance& params, const Request& request) {
 
 std::string CellText(const Json& cell) { return cell.is_null() ? "out of range" : cell.dump(); }
 
-void PrintAsText(const Json& json) {
+void PrintTrigger(const Json& json) {
   std::cout << "test step  " << json["mode"] << "  " << json["mode_name"].get<std::string>()
             << "\ntrigger    " << json["trigger"] << "  " << json["trigger_name"].get<std::string>()
             << "\nruns in    "
@@ -155,14 +155,14 @@ void PrintAsText(const Json& json) {
 
 void AddTrigger(CommandLine& line) {
   auto file = std::make_shared<std::string>();
-  auto request = std::make_shared<Request>();
+  auto request = std::make_shared<TriggerRequest>();
   CLI::App* command =
       line.Add("trigger", "The axes of a trigger, the cell of values, the places of a cell",
                [file, request, &line] {
                  const DataBase data(*file);
                  data.RequireAccepted();
-                 const Json json = Describe(data.params, *request);
-                 line.json ? Print(json) : PrintAsText(json);
+                 const Json json = DescribeTrigger(data.params, *request);
+                 line.json ? Print(json) : PrintTrigger(json);
                  return data.LoadStatus();
                });
   command->add_option("FILE", *file, "Parameter file")->required();
