@@ -4,8 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <functional>
 #include <system_error>
-#include <utility>
 
 #include "interfaces/PrWin.h"
 
@@ -25,6 +25,7 @@ QuietLog::QuietLog() {
   Before() = PrWin::SetSink([this](std::wstring_view text, auto, auto) {
     ++logged_.lines;
     logged_.characters += text.size();
+    logged_.hash = 31 * logged_.hash + std::hash<std::wstring_view>()(text);
   });
 }
 

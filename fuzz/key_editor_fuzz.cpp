@@ -303,7 +303,6 @@ class World {
 }  // namespace
 
 void KeyEditor(Bytes bytes) {
-  if (bytes.size() > 1024) return;
   const QuietLog log;
   World(Input(bytes)).Run();
 }

@@ -178,9 +178,8 @@ bool IsWrittenSmall(Bytes bytes) {
 }  // namespace
 
 void Lake(Bytes bytes) {
-  constexpr std::size_t most = 2048;
   constexpr std::size_t changes = 24;
-  if (bytes.size() > most || !IsWrittenSmall(bytes)) return;
+  if (!IsWrittenSmall(bytes)) return;
   const QuietLog log;
   CLake lake;
   ReadInPieces(lake, bytes, 1 + bytes.size() % 7);

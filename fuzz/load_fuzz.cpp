@@ -1,5 +1,6 @@
 // A whole load: the bytes are a parameter file. It is read, checked, loaded, asked about ids that
-// stand in it and about hostile ones, dumped, written back to the sea, loaded again and purged.
+// stand in it and about hostile ones, dumped, written back to the sea, loaded again, refused if its
+// own version asks for that, and purged.
 
 #include <algorithm>
 #include <array>
@@ -15,7 +16,9 @@
 
 #include "Fuzz.h"
 #include "catalogue/IpCalcParameter.h"
+#include "catalogue/LimitRows.h"
 #include "frame/ParameterCheck.h"
+#include "frame/QtParamDerived.h"
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
 #include "frame/TableCatalogue.h"
@@ -26,13 +29,11 @@
 #include "lake/Lake.h"
 #include "lake/LakeReader.h"
 #include "spec/QtSpecInterval.h"
+#include "tables/QTableManager.h"
 #include "trigger/TriggerStore.h"
 
 namespace fuzz {
 namespace {
-
-// Derived tables hold pairs of rows, so that the size of an input counts twice.
-constexpr std::size_t most_bytes = 8192;
 
 CLake FromBytes(Bytes bytes) {
   CLake lake;
@@ -45,25 +46,35 @@ CLake FromBytes(Bytes bytes) {
   return lake;
 }
 
-// An application sea of this input's own, since a load may write to it.
-class OwnSea {
+// An application sea of this input's own, since a load may write to it, and a clock that stands,
+// since rows may take the time of the load.
+class OwnHost {
  public:
-  OwnSea() : before_(CSeaBase::SetApplicationSea(&sea_)) {}
-  OwnSea(const OwnSea&) = delete;
-  OwnSea& operator=(const OwnSea&) = delete;
-  ~OwnSea() { CSeaBase::SetApplicationSea(before_); }
+  OwnHost()
+      : sea_before_(CSeaBase::SetApplicationSea(&sea_)),
+        clock_before_(QVIpLearnParameter::SetClock([] { return 1LL; })) {}
+  OwnHost(const OwnHost&) = delete;
+  OwnHost& operator=(const OwnHost&) = delete;
+  ~OwnHost() {
+    CSeaBase::SetApplicationSea(sea_before_);
+    QVIpLearnParameter::SetClock(clock_before_);
+  }
 
  private:
   CResourceSea sea_;
-  CResourceSea* before_;
+  CResourceSea* sea_before_;
+  QVIpLearnParameter::Clock clock_before_;
 };
+
+constexpr const wchar_t* major_version = L"<DbDesign.CacheVersion>";
+constexpr const wchar_t* minor_version = L"<DbDesign.CacheMinorVersion>";
 
 // The version stands in front, so that no input is lost to a refusal.
 void FillCandidateLake(const CLake& lake) {
   static const CLake version = [] {
     CLake lines;
-    lines[L"<DbDesign.CacheVersion>"] = L"215";
-    lines[L"<DbDesign.CacheMinorVersion>"] = L"1";
+    lines[major_version] = L"215";
+    lines[minor_version] = L"1";
     return lines;
   }();
   CParameterLake::Lake() = version;
@@ -244,12 +255,29 @@ void RequireOrder(const CQtParamDistillery& store) {
   });
 }
 
+// Of the tables and of what is derived from them.
+Logged Dump(const CQtParamDistillery& store, QuietLog& log) {
+  log.Take();
+  store.DumpTables(0);
+  store.Derived().Dump(0);
+  return log.Take();
+}
+
+// The same file with no version but its own.
+void RequireRefusal(CQtParamDistillery& store, const CLake& lake, QuietLog& log) {
+  if (CQTableManager::IsSupported(lake[major_version], lake[minor_version])) return;
+  const Logged before = Dump(store, log);
+  CParameterLake::Lake() = lake;
+  Require(!store.ReadTablesFromCandidateLake(), "an unsupported version is refused");
+  Require(log.Take().lines == (lake.empty() ? 0 : 1), "a refused version is logged, once");
+  Require(Dump(store, log) == before, "a refusal leaves the tables as they were");
+}
+
 }  // namespace
 
 void Load(Bytes bytes) {
-  if (bytes.size() > most_bytes) return;
-  const QuietLog log;
-  const OwnSea sea;
+  QuietLog log;
+  const OwnHost host;
   const CLake lake = FromBytes(bytes);
   ParameterCheck::Check(lake);
   FillCandidateLake(lake);
@@ -257,8 +285,8 @@ void Load(Bytes bytes) {
   CQtParamInstance params(&store);
   const bool loaded = params.ReadTablesFromCandidateLake();
   Require(params.Initialized() == loaded, "a store knows whether it was loaded");
-  const std::size_t rows = RowCount(store);
   RequireOrder(store);
+  const Logged dump = Dump(store, log);
 
   const std::vector<int> ids = Ids(params, bytes);
   for (const int id : ids) {
@@ -266,11 +294,12 @@ void Load(Bytes bytes) {
     for (std::size_t i = bytes.size() % 8; i < ids.size(); i += 8) AskPair(params, ids[i], id);
   }
   AskWhole(params);
-  params.DumpTables(0);
   params.WriteTablesToLocalSeas();
 
   Require(params.ReadTablesFromCandidateLake() == loaded, "a second load ends as the first");
-  Require(RowCount(store) == rows, "a second load finds the rows of the first");
+  Require(Dump(store, log) == dump, "a second load makes the tables of the first");
+  RequireRefusal(store, lake, log);
+  Require(params.Initialized() == loaded, "a refusal doesn't undo the load before");
   params.PurgeTables();
   Require(RowCount(store) == 0, "a purge leaves no rows");
   for (const int id : ids) AskId(params, id);

@@ -55,7 +55,7 @@ void RequireSame(const Answer& a, const Answer& b) {
 }  // namespace
 
 void Orders(Bytes bytes) {
-  if (bytes.empty() || bytes.size() > 4096) return;
+  if (bytes.empty()) return;
   const QuietLog log;
   const unsigned most = bytes[0] % 40U;
   std::wstring definition = Text::FromUtf8(AsText(bytes.subspan(1)));

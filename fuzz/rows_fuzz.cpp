@@ -41,7 +41,7 @@ bool ComesBack(const TableType::FieldRef& field) {
 }  // namespace
 
 void Rows(Bytes bytes) {
-  if (bytes.empty() || bytes.size() > 1024) return;
+  if (bytes.empty()) return;
   const QuietLog log;
   const auto& tables = TableCatalogue::Tables();
   const auto& table = tables[bytes[0] % tables.size()];

@@ -1,12 +1,63 @@
-// Seas: any bytes are loaded. A sea that could be loaded is changed and asked; one that couldn't
-// stays as it was.
+// Seas: any bytes are loaded. A sea that could be loaded is changed, asked, saved, and is the same
+// when it is loaded again; one that couldn't stays as it was.
 
+#include <stdlib.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
+#include <system_error>
 
 #include "Fuzz.h"
 #include "interfaces/ResourceSea.h"
+#include "interfaces/Text.h"
 
 namespace fuzz {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A save makes a new file beside the old one, which takes a folder. That of shared memory costs no
+// disk.
+class Folder {
+ public:
+  Folder() {
+    std::error_code none;
+    const fs::path memory = "/dev/shm";
+    path_ = (fs::is_directory(memory, none) ? memory : fs::temp_directory_path()) /
+            "kestrin-fuzz-XXXXXX";
+    if (!mkdtemp(path_.data())) throw std::system_error(errno, std::generic_category(), path_);
+  }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  ~Folder() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+  }
+
+  std::string File() const { return path_ + "/sea"; }
+
+ private:
+  std::string path_;
+};
+
+std::string Saved(const CResourceSea& sea, const std::string& file) {
+  Require(sea.Save(Text::FromUtf8(file)), "a sea can be saved");
+  std::ifstream saved(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(saved), {}};
+}
+
+void RequireRoundTrip(const CResourceSea& sea) {
+  static const Folder folder;
+  const std::string bytes = Saved(sea, folder.File());
+  CResourceSea again;
+  Require(again.Load(Text::FromUtf8(folder.File())), "what was saved can be loaded");
+  Require(Saved(again, folder.File()) == bytes, "what is saved twice is the same bytes");
+}
+
+}  // namespace
 
 void Sea(Bytes bytes) {
   if (bytes.size() > 16384) return;
@@ -26,6 +77,7 @@ void Sea(Bytes bytes) {
   list.AddLineTail()->SetSeaLine(line.c_str());
   Require(list.IsValid(), "a list shows the line that was added");
   Require(before.GotoHead(), "a view outlives the content that it shows");
+  RequireRoundTrip(sea);
 }
 
 }  // namespace fuzz

@@ -83,7 +83,6 @@ void HeaderRoundTrip(const DynTables::QtTableHeader& header) {
 }  // namespace
 
 void TableFile(Bytes bytes) {
-  if (bytes.size() > 8192) return;
   Input input(bytes);
   std::vector<int> sizes(input.Below(12));
   for (int& size : sizes) {

@@ -29,6 +29,7 @@ TEST_P(FuzzReplay, KeptInputsHoldTheProperties) {
     for (const auto& input : fs::directory_iterator(inputs)) {
       const std::string bytes = BytesOf(input.path());
       const auto* const data = reinterpret_cast<const std::uint8_t*>(bytes.data());
+      EXPECT_LE(bytes.size(), GetParam().most_bytes) << input.path() << " would be cut";
       EXPECT_NO_THROW(GetParam().run({data, bytes.size()})) << input.path();
       ++replayed;
     }

@@ -192,6 +192,7 @@ TEST_F(InterruptedSave, RefusedAnyCallReportsItOrDoesWithout) {
     TracedSave save = Begin();
     if (!save.RunToStop(2 * call - 1)) break;
     const long number = save.RefuseCall();
+    EXPECT_FALSE(number == SYS_write && needed.contains(SYS_fsync)) << "written behind the sync";
     const int end = save.End();
     EXPECT_TRUE(end == saved || end == not_saved) << end;
     EXPECT_EQ(Content(), end == saved ? "new" : "old");

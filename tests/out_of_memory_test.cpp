@@ -158,7 +158,18 @@ class OutOfMemory : public testing::TestWithParam<Operation> {
     return happened;
   }
 
+  // What a section holds is what stands between its brackets.
+  static void ExpectLinked(const CLake& lake) {
+    const auto same = [](const CLake::CNode& a, const CLake::CNode& b) {
+      return a.named_size() == b.named_size() && a.unnamed_size() == b.unnamed_size();
+    };
+    const CLake linked_anew(lake);
+    EXPECT_TRUE(std::equal(lake.begin(), lake.end(), linked_anew.begin(), linked_anew.end(), same));
+    EXPECT_TRUE(same(lake.root(), linked_anew.root()));
+  }
+
   void ExpectUsable(Host& host) {
+    if (std::string_view(GetParam().name) == "ChangeLake") ExpectLinked(host.lake);
     // Writing a lake may have cut its file.
     host.lake.read(std::string_view(GetParam().name) == "WriteLake" ? file_.name() : CString());
     host.params.PurgeTables();

@@ -62,23 +62,24 @@ TEST_F(PickKeys, RowsDropDownsAndButtonsAreWorkedByKeys) {
   Press(picker, {Key::backspace, Key::left, Key::up, Key::down});
   const TextView::Lines dialog = Shown(picker);
   Press(picker, {Key::enter, Key::down});
-  EXPECT_EQ(SideBySide({Shown(picker), dialog}), R"(
- ┌─────────────────┐   ╒═ Key Specification ══════════════════════╕
- │ —               │   │                                          │
- │ Summenpegel     │   │  ┌────────────┬────────────────────────┐ │
- │ Örtlicher Pegel │   │  │ Section    │ Value                  │ │
- │ Pegel über Zeit │   │  ├────────────┼────────────────────────┤ │
->│▐RMS            ▌│   │  │ test step  │ —                    ▾ │ │
- └─────────────────┘  >│  │ instrument │ Pegel über Zeit      ▾ │ │
-                       │  │ channel    │ —                    ▾ │ │
-                       │  │ object     │ —                    ▾ │ │
-                       │  │ parameter  │ B                    ▾ │ │
-                       │  │ sensor     │ (sensor 7)           ▾ │ │
-                       │  └────────────┴────────────────────────┘ │
-                       │  [  Cancel   ]             «    OK     » │
-                       │                                          │
-                       │                                          │
-                       └──────────────────────────────────────────┘
+  // A low screen shows the end of a drop-down, a higher one again all of it.
+  EXPECT_EQ(SideBySide({Shown(picker, {80, 5}), Shown(picker), dialog}), R"(
+ ┌─────────────────┐   ┌─────────────────┐   ╒═ Key Specification ══════════════════════╕
+ │ Örtlicher Pegel ▲   │ —               │   │                                          │
+ │ Pegel über Zeit │   │ Summenpegel     │   │  ┌────────────┬────────────────────────┐ │
+>│▐RMS            ▌│   │ Örtlicher Pegel │   │  │ Section    │ Value                  │ │
+ └─────────────────┘   │ Pegel über Zeit │   │  ├────────────┼────────────────────────┤ │
+                      >│▐RMS            ▌│   │  │ test step  │ —                    ▾ │ │
+                       └─────────────────┘  >│  │ instrument │ Pegel über Zeit      ▾ │ │
+                                             │  │ channel    │ —                    ▾ │ │
+                                             │  │ object     │ —                    ▾ │ │
+                                             │  │ parameter  │ B                    ▾ │ │
+                                             │  │ sensor     │ (sensor 7)           ▾ │ │
+                                             │  └────────────┴────────────────────────┘ │
+                                             │  [  Cancel   ]             «    OK     » │
+                                             │                                          │
+                                             │                                          │
+                                             └──────────────────────────────────────────┘
 )");
   Press(picker, {Key::escape, Key::enter, Key::end, Key::enter});  // the first Enter opens anew
   Press(picker, {Key::down, Key::down, Key::down, Key::down, Key::down});

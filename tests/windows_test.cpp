@@ -46,6 +46,7 @@ void FillChecks(CXListCtrl& list, int count) {
 class Telling : public CXListCtrl {
  public:
   std::function<void(const std::string&)> tell;
+  using CXListCtrl::OnColumnClick;
 
  protected:
   void PreSubclassWindow() override { Tell("<"); }
@@ -276,11 +277,21 @@ TEST(Lists, TheHeadingsCheckBoxFollowsTheRowsAndLeadsThem) {
     EXPECT_EQ(list.CountCheckedItems(0, checked), checked_rows);
   }
   EXPECT_EQ(told, 3 + 3 + 3 + 1 + 1);
-  // A disabled row keeps its box, and doesn't hinder the heading from clearing the others.
+  // A heading without a box leads no row.
+  list.InsertColumn(1, L"own", ColumnFormat::left, 30);
+  list.SetCheckbox(0, 1, unchecked);
+  LRESULT result = 0;
+  list.OnColumnClick({1}, result);
+  EXPECT_EQ(result, 0);
+  EXPECT_EQ(list.GetCheckbox(0, 1), unchecked);
+  // A disabled row keeps its box, and doesn't hinder the heading from clearing the others; nor does
+  // a row without a box.
   EXPECT_FALSE(list.SetHeaderCheckedState(0, 2));
   list.ToggleCheckbox(2, 0);
   list.SetEnabled(2, false);
-  list.ClickHeading(0);
+  list.AddItem(L"no box");
+  list.OnColumnClick({0}, result);
+  EXPECT_EQ(result, 1);
   EXPECT_EQ(list.CountCheckedItems(0, checked), 0);
   EXPECT_FALSE(list.ToggleCheckbox(2, 0));
   EXPECT_FALSE(list.SetCheckbox(0, 0, mixed));
@@ -368,7 +379,7 @@ struct TestResources : ResourceModule {
                      L"",
                      8,
                      {{1, Kind::default_button, {60, 56, 92, 70}, L"OK"},
-                      {2, Kind::button, {8, 56, 48, 70}, L"Cancel"},
+                      {2, Kind::button, {9, 56, 50, 70}, L"Cancel"},
                       {30, Kind::list, {8, 0, 92, 54}, L""}}};
 };
 
@@ -509,19 +520,21 @@ TEST(TextPictures, KeepTheirShapeWhateverTheTextsAre) {
   list.AutosizeColumnWidth(0);
   const TextView::Lines whole = TextView::Draw(static_cast<const CWnd&>(list));
   for (int i = 2; i < 9; ++i) list.AddItem(L"row " + std::to_wstring(i));
+  list.SetComboBox(4, 0, fruits, 3);
   combo.AddString(L"apple");
   combo.AddString(L"pear");
   combo.SetCurSel(1);
   EXPECT_EQ(SideBySide({TextView::Draw(combo), TextView::DrawEntries(combo),
+                        TextView::Draw(list, {6, 5, 4}), TextView::Draw(list, {7, 5, 4}),
                         TextView::Draw(list, {10, 5, 3}), TextView::Draw(list, {10, 6, 3}),
                         TextView::Draw(list, {10, 6, INT_MAX}), whole}),
             R"(
-┌─────────┐  ┌───────┐  ┌────────┐  ┌────────┐  ┌────────┐  ┌─────────────┐
-│ pear  ▾ │  │ apple │  │ [-] a… │  │ [-] a… │  │ [-] a… │  │ [-] all     │
-└─────────┘  │▐pear ▌│  ├────────┤  ├────────┤  ├────────┤  ├─────────────┤
-             └───────┘  │ row 3  ↕  │ row 3  ▲  │ row 7  ▲  │ [ ] a b     │
-                        └────────┘  │ row 4  ▼  │ row 8  │  │ [x] 測定😀x́ │
-                                    └────────┘  └────────┘  └─────────────┘
+┌─────────┐  ┌───────┐  ┌────┐  ┌─────┐  ┌────────┐  ┌────────┐  ┌────────┐  ┌─────────────┐
+│ pear  ▾ │  │ apple │  │ [… │  │ [-… │  │ [-] a… │  │ [-] a… │  │ [-] a… │  │ [-] all     │
+└─────────┘  │▐pear ▌│  ├────┤  ├─────┤  ├────────┤  ├────────┤  ├────────┤  ├─────────────┤
+             └───────┘  │ a… ↕  │ … ▾ ↕  │ row 3  ↕  │ row 3  ▲  │ row 7  ▲  │ [ ] a b     │
+                        └────┘  └─────┘  └────────┘  │ app… ▾ ▼  │ row 8  │  │ [x] 測定😀x́ │
+                                                     └────────┘  └────────┘  └─────────────┘
 )");
   EXPECT_TRUE(TextView::DrawEntries(list, 0, 0).empty());
 

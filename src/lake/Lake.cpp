@@ -253,10 +253,15 @@ CLake::NodeList::iterator CLake::CNode::insert(const std::wstring& key) {
     return there->second;
   }
   make_end();
-  const auto line = collection_->emplace(children.end, *collection_, key, L"", L"");
-  line->depth_ = depth_ + 1;
-  children.named.emplace(key, line);
-  return line;
+  const auto place = children.named.emplace(key, children.end).first;
+  try {
+    place->second = collection_->emplace(children.end, *collection_, key, L"", L"");
+  } catch (...) {
+    children.named.erase(place);
+    throw;
+  }
+  place->second->depth_ = depth_ + 1;
+  return place->second;
 }
 
 // The closing line stands directly behind the line itself, which has no lines of its own yet: so

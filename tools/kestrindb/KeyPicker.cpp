@@ -7,9 +7,11 @@
 namespace kestrindb {
 namespace {
 
-// The first of `page` lines to show so that `marked` is among them, moving no further than needed.
-int ScrollTo(int first, int marked, int page) {
-  return std::max(std::min(first, marked), marked - page + 1);
+// The first of `page` lines to show so that `marked` is among them and no line stays empty that one
+// of the `count` could fill, moving no further than needed.
+int ScrollTo(int first, int marked, int page, int count) {
+  const int least = std::max(marked - page + 1, 0);
+  return std::clamp(first, least, std::max(std::min(marked, count - page), least));
 }
 
 CString Folded(CString text) {
@@ -90,7 +92,7 @@ void EntryFinder::Draw(ScreenSize screen, CPoint place, ScreenPicture& picture) 
   const int y = std::clamp(place.y, 0, std::max(screen.height - height, 0));
   page_ = std::max(height - borders, 1);
   const int marked = std::max(found_.GetCurSel(), 0);
-  first_shown_ = ScrollTo(first_shown_, marked, page_);
+  first_shown_ = ScrollTo(first_shown_, marked, page_, found_.GetCount());
   picture.layers.push_back({x, y, TextView::DrawEntries(found_, {width, height, first_shown_})});
 
   // What was typed stands in the upper border; of a long text the end.
@@ -239,7 +241,8 @@ ScreenPicture KeyPicker::Draw(ScreenSize screen) {
     picture.mark = TextView::ItemPlace(dialog_, marked.button, frame);
   } else {
     const int around = static_cast<int>(TextView::Draw(*list_).size()) - list_->GetItemCount();
-    first_row_ = ScrollTo(first_row_, marked.row, list.Height() - around);
+    const int page = list.Height() - around;
+    first_row_ = ScrollTo(first_row_, marked.row, page, list_->GetItemCount());
     frame.first_row = first_row_;
     const CRect cell =
         TextView::CellPlace(*list_, marked.row, 0, {list.Width(), list.Height(), first_row_});
