@@ -97,11 +97,12 @@ void RequireRoundTrip(const CLake& lake) {
   if (faithful) RequireSame(lake, again);
 }
 
-// Each closing line has a section, so that none ends the top level.
+// Each closing line has a bracket to close, so that none ends the top level. The first line of a
+// key is a section without one if a later line of that key has it.
 bool IsBalanced(const CLake& lake) {
   int open = 0;
   for (const Node& node : lake) {
-    if (node.is_section()) ++open;
+    if (node.value() == L"{") ++open;
     if (!node.is_named() && node.value().starts_with(L'}') && --open < 0) return false;
   }
   return open == 0;
