@@ -228,13 +228,14 @@ void CLake::CNode::clear() {
 
 bool CLake::CNode::opens_section() const { return value_.size() == 1 && value_.front() == L'{'; }
 
-// The line as it came from a file: its texts, and that it is a section, but no place in a tree.
+// The line as it would come from a file: its texts, and whether it opens a section itself, but no
+// place in a tree. What other lines make of it, linking finds anew.
 CLake::CNode CLake::CNode::pure_line() const {
   CNode line;
   line.value_ = value_;
   if (!key().empty()) line.own_extra().key = key();
   if (!comment().empty()) line.own_extra().comment = comment();
-  line.is_section_ = is_section_;
+  line.is_section_ = opens_section();
   return line;
 }
 
