@@ -1,9 +1,8 @@
 // Seas: any bytes are loaded. A sea that could be loaded is changed, asked, saved, and is the same
 // when it is loaded again; one that couldn't stays as it was.
 
-#include <stdlib.h>
-
 #include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
