@@ -59,7 +59,6 @@ void RequireRoundTrip(const CResourceSea& sea) {
 }  // namespace
 
 void Sea(Bytes bytes) {
-  if (bytes.size() > 16384) return;
   const QuietLog log;
   CResourceSea sea;
   CResourceList before(&sea, L"before");

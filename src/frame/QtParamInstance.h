@@ -111,8 +111,8 @@ class KESTRIN_API CQtParamInstance {
   const Table<L"<TIpPolygon>">& IpPolygon() const;
   const Table<L"<TIpPolygonProperty>">& IpPolygonProperty() const;
   const Table<L"<TLimArea>">& LimArea() const;
-  // In the order of the keys as the file has them: the load then writes the instrument of its
-  // parameter into each key. Rows of several instruments are walked; find() can miss them.
+  // Sorted by the keys as the file has them, into which the load then writes the instruments: with
+  // more than one instrument the order may be broken. Walk it; find() can miss rows.
   const Table<L"<TGrex15>">& RelativeLimit() const;
   const Table<L"<TErrorCode>">& ErrorCode() const;
   Table<L"<TErrorCode>">& ErrorCode();

@@ -117,8 +117,8 @@ class KESTRIN_API CLake::CNode {
 
   // Set value or comment. A section's own line is fixed, and "{" can't be assigned (`push_back`
   // makes a section): both are faults of the caller, asserted in a debug build and without effect
-  // otherwise. A value "{" that is set is a text until the file that it is written to is read.
-  // A comment is read back as a comment from lines without key and value, and behind a "}".
+  // otherwise. A value "{" that is set is a text until lines are linked anew: by a read, copy or
+  // merge. A comment is read back as a comment from lines without key and value, and behind a "}".
   void value(const std::wstring& text);
   void comment(const std::wstring& text);
   CNode& operator=(const std::wstring& text);

@@ -4,9 +4,9 @@
 // walk stops where an earlier one of the same test step has been, and what it finds there holds for
 // all channels on its way.
 #include <algorithm>
+#include <map>
 #include <optional>
 #include <set>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -94,7 +94,8 @@ class Walks {
   const CQtChannelInfo* channels_;
   int mode_;
   ClosedChains* closed_chains_;
-  std::unordered_map<int, std::optional<QVRefFlag>> ends_;  // empty: the walk is under way
+  // By channel; empty while the walk is under way. No hash of ids, which a file could make collide.
+  std::map<int, std::optional<QVRefFlag>> ends_;
 };
 
 }  // namespace
