@@ -1,5 +1,5 @@
 // The memory of a load, measured in a process of its own: what this one has had before would hide
-// it.
+// it. The child is kestrin_load_once, which stands beside this program and prints a line of bytes.
 
 #include <array>
 #include <cstdio>

@@ -1,5 +1,5 @@
-// Seas: any bytes are loaded. A sea that could be loaded is changed, asked, saved, and is the same
-// when it is loaded again; one that couldn't stays as it was.
+// Seas: any bytes are loaded; a sea that can't be loaded stays as it was. Then the sea is changed,
+// asked and saved, and gives the same bytes when it is loaded and saved again.
 
 #include <cerrno>
 #include <cstdlib>

@@ -7,6 +7,7 @@
 #include <lKestrinDb.h>
 #include <malloc.h>
 
+#include <cstddef>
 #include <cstdio>
 #include <fstream>
 #include <stdexcept>

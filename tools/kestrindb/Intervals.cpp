@@ -32,8 +32,8 @@ const char* Name(CQtSpecInterval::index_range_result_t result) {
 }
 
 // Bounds are given wherever they can be computed, lines only where they are good.
-Json DescribeIntervals(const CQtSpecInterval& evaluation, const QVSpecIntervalEntry& entry,
-                       const IntervalRequest& request) {
+Json DescribeInterval(const CQtSpecInterval& evaluation, const QVSpecIntervalEntry& entry,
+                      const IntervalRequest& request) {
   float low = NAN;
   float high = NAN;
   evaluation.FrequencyRange(entry, request.resolution, request.order_scale, low, high);
@@ -51,7 +51,7 @@ Json DescribeIntervals(const CQtSpecInterval& evaluation, const QVSpecIntervalEn
   return json;
 }
 
-Json DescribeIntervals(const CQtParamInstance& params, int parameter, const QVIpSvOfSpec& record,
+Json DescribeParameter(const CQtParamInstance& params, int parameter, const QVIpSvOfSpec& record,
                        const IntervalRequest& request) {
   const int assembly = request.assembly.value_or(record.reference);
   CQtSpecInterval evaluation(params);
@@ -67,7 +67,7 @@ Json DescribeIntervals(const CQtParamInstance& params, int parameter, const QVIp
   json["intervals"] = Json::array();
   const auto [first, last] = params.SpecIntervalRange(static_cast<unsigned>(parameter));
   for (auto row = first; row != last; ++row) {
-    json["intervals"].push_back(DescribeIntervals(evaluation, row->second, request));
+    json["intervals"].push_back(DescribeInterval(evaluation, row->second, request));
   }
   return json;
 }
@@ -83,7 +83,7 @@ Json DescribeIntervals(const CQtParamInstance& params, const IntervalRequest& re
   json["parameters"] = Json::array();
   for (const auto& [key, record] : params.IpSvOfSpec()) {
     if (request.parameter.value_or(key[0]) == key[0]) {
-      json["parameters"].push_back(DescribeIntervals(params, key[0], record, request));
+      json["parameters"].push_back(DescribeParameter(params, key[0], record, request));
     }
   }
   if (request.parameter && json["parameters"].empty()) {

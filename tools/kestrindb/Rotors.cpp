@@ -10,7 +10,7 @@ namespace {
 
 // One order source. "order" is where it shows on the axis of its speed source: its base order times
 // its ratio to the speed source, as floats.
-Json DescribeRotors(const CQtParamInstance& params, int mode, int source, int rotor) {
+Json DescribeOrderSource(const CQtParamInstance& params, int mode, int source, int rotor) {
   const auto& speeds = params.Store().Table<L"<TRotorSpeed>">();
   const auto speed = speeds.find({params.PhysModeId(mode), rotor});
   const int signal = params.RotorSpeedSourceAppId(mode, source);
@@ -39,7 +39,7 @@ Json DescribeRotors(const CQtParamInstance& params, int mode) {
   json["order_sources"] = Json::array();
   for (const auto& [key, row] : params.Store().Table<L"<TOrderSource2Rotor>">()) {
     if (key[1] == phys_mode) {
-      json["order_sources"].push_back(DescribeRotors(params, mode, key[0], row.ref));
+      json["order_sources"].push_back(DescribeOrderSource(params, mode, key[0], row.ref));
     }
   }
   return json;
