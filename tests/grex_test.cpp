@@ -64,8 +64,6 @@ TEST(TrackPolygons, AreWhatTheRowsSay) {
        "1 2 3 4 5 6\n1 2 3 4 5 7\n",
        "-1 -1 -1 -1 -1 6 0 0 0 3 0 0 0 0 0 0\n-1 -1 -1 -1 5 -1 0 0 0 0 0 1 9 1 5 6\n", "",
        "1 2 3 4 5 6 -> 0 0 3\n1 2 3 4 5 7 -> 0 0 1\n 0.0=9,5 0.1=1,6 1.0=9,5 1.1=1,6", 1},
-      {"two keys of one hash, found by a search, are two keys", "3620256 875515 -1 -1 -1 -1\n",
-       "572069 194616 -1 -1 -1 -1 1\n", "", "", 0},
       {"nothing listed", "", "-1 -1 -1 -1 -1 -1 0 0 0 0 0 1\n", "-7 1 1\n", " -7.0=1,1", 0},
       {"behind the highest id there are those that are free from 0 up",
        "1 2 3 4 5 6\n1 2 3 4 5 7\n1 -1 3 4 5 6\n", "-1 -1 -1 -1 -1 -1 0 0 0 0 0 1 1 2 3 4\n",

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <ctime>
 #include <map>
 #include <optional>
@@ -19,6 +20,7 @@
 #include "allocation_count.h"
 #include "frame/ParameterCheck.h"
 #include "lake/LakeReader.h"
+#include "tables/SecretHash.h"
 #include "test_store.h"
 
 namespace {
@@ -39,17 +41,20 @@ double ProcessorSeconds() {
 
 // A piece of a file: what stands in the middle is there so many times. There # is the number of the
 // time, from 0, ^ the next one, & the next one in a circle, @ the number from the end, % the lowest
-// bit.
+// bit. All but the last are multiplied by the step.
 struct Piece {
   std::string front;
   std::string repeated;
   std::string back = "";
 
-  std::string Text(std::size_t count) const {
+  std::string Text(std::size_t count, std::size_t step = 1) const {
     std::string text = front;
     for (std::size_t i = 0; i < count; ++i) {
-      const std::map<char, std::size_t> numbers = {
-          {'#', i}, {'^', i + 1}, {'&', (i + 1) % count}, {'@', count - i}, {'%', i % 2}};
+      const std::map<char, std::size_t> numbers = {{'#', i * step},
+                                                   {'^', (i + 1) * step},
+                                                   {'&', (i + 1) % count * step},
+                                                   {'@', (count - i) * step},
+                                                   {'%', i % 2}};
       for (const char c : repeated) {
         const auto number = numbers.find(c);
         text += number == numbers.end() ? std::string(1, c) : std::to_string(number->second);
@@ -67,9 +72,9 @@ struct Hostile {
   const char* name;
   std::vector<Piece> pieces;
 
-  std::string Text(std::size_t count) const {
+  std::string Text(std::size_t count, std::size_t step = 1) const {
     std::string text;
-    for (const Piece& piece : pieces) text += piece.Text(count);
+    for (const Piece& piece : pieces) text += piece.Text(count, step);
     return text;
   }
 };
@@ -162,6 +167,62 @@ TEST_P(HostileFile, CostsWorkAndMemoryInProportionToItsLength) {
 
 INSTANTIATE_TEST_SUITE_P(Files, HostileFile, testing::ValuesIn(files),
                          [](const auto& file) { return std::string(file.param.name); });
+
+// Ids in the same place of a hash table with that many places, if the id alone chooses the place.
+TEST(HostileIds, CostWhatOthersCost) {
+  const Hostile all[] = {
+      {"channels",
+       {{"<TMode>: {\n1 a\n}\n<TChannel>: {\n", "# a#\n", "}\n"},
+        Section("<TChannelInheritance>", "# -1 ^\n")}},
+      {"polygons",
+       {Section("<TIpParamAndStore>", "# # # # # #\n"),
+        Section("<TGrex10001>", "# # -1 -1 # #\n")}},
+  };
+  // What the standard library's hash tables have for 20,000 keys, and one that is a power of two.
+  constexpr std::size_t count = 20000;
+  constexpr std::size_t steps[] = {20753, 65536};
+  PrWin::Sink before = PrWin::SetSink([](std::wstring_view, auto, auto) {});
+  for (const Hostile& file : all) {
+    const std::string others = file.Text(count, 10007);
+    const double usual = std::min(SecondsOf(others), SecondsOf(others));
+    for (const std::size_t step : steps) {
+      const std::string chosen = file.Text(count, step);
+      EXPECT_LT(std::min(SecondsOf(chosen), SecondsOf(chosen)), 5 * usual) << file.name << step;
+    }
+  }
+  PrWin::SetSink(std::move(before));
+}
+
+// The most of these hashes that stand in one of 4096 places, by their lower and by their upper
+// bits.
+std::size_t FullestPlace(const std::vector<std::uint64_t>& hashes) {
+  std::map<std::uint64_t, std::size_t> counts;
+  for (const std::uint64_t hash : hashes) {
+    ++counts[hash % 4096];
+    ++counts[4096 + (hash >> 52U)];
+  }
+  std::size_t most = 0;
+  for (const auto& [place, count] : counts) most = std::max(most, count);
+  return most;
+}
+
+// 4096 keys in 4096 places: by chance six or seven of them meet, and hardly ever more than twelve.
+TEST(HostileIds, AreSpreadByTheSecretHash) {
+  const SecretHash hash;
+  constexpr std::size_t bound_of_chance = 32;
+  for (const std::uint64_t step : {1ULL, 4096ULL, 65536ULL, 1ULL << 32U, 1ULL << 52U, 20753ULL}) {
+    std::vector<std::uint64_t> of_numbers, of_sums, of_texts;
+    for (std::uint64_t i = 0; i < 4096; ++i) {
+      const std::uint64_t high = i / 64;
+      of_numbers.push_back(hash(i * step));
+      of_sums.push_back(hash(i % 64 * step) + hash(high * step + 7));
+      of_texts.push_back(hash(std::to_wstring(i * step)));
+    }
+    EXPECT_LT(FullestPlace(of_numbers), bound_of_chance) << step;
+    EXPECT_LT(FullestPlace(of_sums), bound_of_chance) << step;
+    EXPECT_LT(FullestPlace(of_texts), bound_of_chance) << step;
+  }
+}
 
 // With nobody listening a line that can't be read costs its two messages, a block of memory each,
 // and not the wording of them piece by piece.

@@ -19,6 +19,7 @@
 
 #include "frame/QtParamStore.h"
 #include "interfaces/PrWin.h"
+#include "tables/SecretHash.h"
 
 namespace {
 
@@ -47,30 +48,25 @@ bool AreEqualIn(ElementSet set, const QClavis& a, const QClavis& b) {
   return true;
 }
 
-// Every element is mixed by itself, so that the hash of any choice of elements is a sum. A key is
+// Every element is hashed by itself, so that the hash of any choice of elements is a sum. A key is
 // asked for up to 64 of them: those of three elements are kept.
 class ElementHashes {
  public:
-  explicit ElementHashes(const QClavis& key) {
+  ElementHashes(const SecretHash& hash, const QClavis& key) {
+    const auto of_element = [&](int i) {
+      return hash(static_cast<std::uint64_t>(i) << 32U | static_cast<std::uint32_t>(key[i]));
+    };
     for (ElementSet set = 1; set < half_sets; ++set) {
       const int i = std::countr_zero(set);
       const ElementSet others = set & (set - 1);
-      low_[set] = low_[others] + Mix(key[i], i);
-      high_[set] = high_[others] + Mix(key[half + i], half + i);
+      low_[set] = low_[others] + of_element(i);
+      high_[set] = high_[others] + of_element(half + i);
     }
   }
 
   std::uint64_t Of(ElementSet set) const { return low_[set % half_sets] + high_[set / half_sets]; }
 
  private:
-  static std::uint64_t Mix(int id, int element) {
-    std::uint64_t x = static_cast<std::uint32_t>(id);
-    x |= static_cast<std::uint64_t>(element + 1) << 32U;
-    x = (x ^ (x >> 30U)) * 0xBF58476D1CE4E5B9U;
-    x = (x ^ (x >> 27U)) * 0x94D049BB133111EBU;
-    return x ^ (x >> 31U);
-  }
-
   std::array<std::uint64_t, half_sets> low_{};
   std::array<std::uint64_t, half_sets> high_{};
 };
@@ -85,10 +81,10 @@ class RowIndex {
     for (std::size_t row = rows.size(); row-- > 0;) {
       const QClavis& key = rows[row].first;
       const ElementSet set = SetElements(key) & visible;
-      const std::uint64_t hash = ElementHashes(key).Of(set);
+      const std::uint64_t hash = ElementHashes(secret_, key).Of(set);
       Slot& slot = slots_[SlotOf(key, set, hash)];
       next_[row] = slot.first_row;
-      slot = {hash, row, set};
+      slot = {row, set};
       has_rows_.set(FilterBit(hash));
       if (!met[set]) sets_.push_back(set);
       met[set] = true;
@@ -98,7 +94,7 @@ class RowIndex {
   // The rows that match a key whose set elements are `visible`, in table order.
   void Find(const QClavis& key, std::vector<std::size_t>& found) const {
     found.clear();
-    const ElementHashes hashes(key);
+    const ElementHashes hashes(secret_, key);
     for (const ElementSet set : sets_) {
       const std::uint64_t hash = hashes.Of(set);
       if (!has_rows_[FilterBit(hash)]) continue;
@@ -113,7 +109,6 @@ class RowIndex {
   static constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
 
   struct Slot {
-    std::uint64_t hash = 0;
     std::size_t first_row = none;
     ElementSet set = 0;
   };
@@ -124,17 +119,17 @@ class RowIndex {
   // of the slots are free.
   std::size_t SlotOf(const QClavis& key, ElementSet set, std::uint64_t hash) const {
     std::size_t i = hash & (slots_.size() - 1);
-    while (!IsSlotOf(slots_[i], key, set, hash)) i = (i + 1) & (slots_.size() - 1);
+    while (!IsSlotOf(slots_[i], key, set)) i = (i + 1) & (slots_.size() - 1);
     return i;
   }
 
-  bool IsSlotOf(const Slot& slot, const QClavis& key, ElementSet set, std::uint64_t hash) const {
+  bool IsSlotOf(const Slot& slot, const QClavis& key, ElementSet set) const {
     if (slot.first_row == none) return true;
-    return slot.hash == hash && slot.set == set &&
-           AreEqualIn(set, rows_[slot.first_row].first, key);
+    return slot.set == set && AreEqualIn(set, rows_[slot.first_row].first, key);
   }
 
   const GrexRows& rows_;
+  const SecretHash secret_;
   std::vector<Slot> slots_;
   std::vector<std::size_t> next_;  // the next row of the same place
   std::vector<ElementSet> sets_;   // the sets of elements that rows are seen with

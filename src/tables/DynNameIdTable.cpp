@@ -1,50 +1,9 @@
-#include <unistd.h>
-
-#include <chrono>
-#include <cstdint>
 #include <cwchar>
 
 #include "tables/QParamBaseTableImpl.h"
 
 template class CQParamTypedTable<CNameMap>;
 template class CQParamSeaTypedTable<CNameMap>;
-
-namespace {
-
-__extension__ using Wide = unsigned __int128;
-
-// Odd, so that a product with it loses nothing.
-std::uint64_t SecretOfProcess() {
-  static const std::uint64_t secret = [] {
-    std::uint64_t number = 0;
-    if (getentropy(&number, sizeof number) != 0) {
-      number =
-          static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
-    }
-    return number | 1U;
-  }();
-  return secret;
-}
-
-}  // namespace
-
-CDynNameIdTable::NameHash::NameHash() : secret_(SecretOfProcess()) {}
-
-// Four code units a step. Both halves of each product count: so what a difference between two names
-// comes to depends on the secret, and nobody can write names that are known to collide.
-std::size_t CDynNameIdTable::NameHash::operator()(std::wstring_view text) const {
-  const auto unit = [&text](std::size_t i) { return static_cast<std::uint64_t>(text[i]); };
-  std::uint64_t hash = secret_ ^ text.size();
-  const auto mix = [&hash, this](std::uint64_t part) {
-    const Wide product = Wide{hash ^ part ^ 0x9E3779B97F4A7C15U} * secret_;
-    hash = static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
-  };
-  for (; text.size() >= 4; text.remove_prefix(4)) {
-    mix(unit(0) | unit(1) << 16U | unit(2) << 32U | unit(3) << 48U);
-  }
-  for (std::size_t i = 0; i < text.size(); ++i) mix(unit(i));
-  return static_cast<std::size_t>(hash);
-}
 
 CDynNameIdTable::CDynNameIdTable(const wchar_t* section_name)
     : CQParamSeaTypedTable(section_name) {}

@@ -18,7 +18,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
@@ -30,6 +29,7 @@
 #include "keys/IndexRecords.h"
 #include "tables/MapContainers.h"
 #include "tables/QTableManager.h"
+#include "tables/SecretHash.h"
 
 namespace tables {
 class LineSource;
@@ -118,17 +118,5 @@ class KESTRIN_API CDynNameIdTable : public CQParamSeaTypedTable<CNameMap> {
  private:
   bool Index(bool was_read);
 
-  // By the view, so that a name is looked up without a copy of it; with a secret of the process, so
-  // that no file can hold names that are made to collide.
-  class NameHash {
-   public:
-    using is_transparent = void;
-    NameHash();
-    std::size_t operator()(std::wstring_view text) const;
-
-   private:
-    std::uint64_t secret_;
-  };
-
-  std::unordered_map<std::wstring, int, NameHash, std::equal_to<>> ids_by_name_;
+  std::unordered_map<std::wstring, int, SecretHash, std::equal_to<>> ids_by_name_;
 };

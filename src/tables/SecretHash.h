@@ -1,0 +1,27 @@
+// A hash with a secret that each process draws for itself. Parameter files are written by others:
+// with a hash that everybody can compute, a file of a few megabytes could hold keys that all stand
+// in one place of a hash table, and searching them would take the square of their number.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+// The same for equal arguments during a process, another in the next one: never write it into a
+// file. Any thread may use it at any time.
+class SecretHash {
+ public:
+  // Hash tables whose keys are std::wstring can be searched by a view, without a copy of it.
+  using is_transparent = void;
+
+  SecretHash();
+
+  // Of UTF-16 code units.
+  std::size_t operator()(std::wstring_view text) const;
+  std::uint64_t operator()(std::uint64_t number) const;
+
+ private:
+  void Mix(std::uint64_t& hash, std::uint64_t part) const;
+
+  std::uint64_t secret_;
+};
