@@ -24,6 +24,7 @@ struct Files {
   TemporaryFile small{MakeParameterFile(25'000, Order::sorted)};
   TemporaryFile medium{MakeParameterFile(250'000, Order::sorted)};
   TemporaryFile shuffled{MakeParameterFile(250'000, Order::shuffled)};
+  TemporaryFile bad{WithBadLines(MakeParameterFile(250'000, Order::sorted))};
   TemporaryFile large{MakeParameterFile(2'500'000, Order::sorted)};
 };
 

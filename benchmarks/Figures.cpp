@@ -43,6 +43,7 @@ std::vector<Goal> Goals() {
        load + first + "/bare limit"},
       {"Load of shuffled rows over sorted ones", at_most, 1.5, load + ", shuffled" + ours,
        load + ours},
+      {"Load of bad lines over good ones", at_most, 2, load + ", bad lines" + ours, load + ours},
       {"Load of 2.5 million lines over 250 thousand", at_most, 12, "load/2.5 million" + ours,
        load + ours},
       {"The same, each as the first load of a process", at_most, 12,

@@ -44,6 +44,7 @@ void RegisterLoads(const Files& files) {
   RegisterLoad("250 thousand, first of a process", files.medium, 9, Heap::given_back);
   RegisterRivals("250 thousand, first of a process", files.medium, 9, Heap::given_back);
   RegisterLoad("250 thousand, shuffled", files.shuffled, 15);
+  RegisterLoad("250 thousand, bad lines", files.bad, 15);
   RegisterLoad("2.5 million", files.large, 5);
   RegisterLoad("2.5 million, first of a process", files.large, 5, Heap::given_back);
 }

@@ -9,6 +9,7 @@
 #include <memory>
 #include <random>
 #include <set>
+#include <sstream>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -286,6 +287,19 @@ std::unique_ptr<std::FILE, CloseFile> Open(const std::string& name, const char* 
 
 std::string MakeParameterFile(std::size_t lines, Order order) {
   return Writer(lines, order).Write();
+}
+
+std::string WithBadLines(const std::string& file) {
+  std::string bad;
+  bad.reserve(file.size());
+  std::istringstream lines(file);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with('\t') && line.back() >= '0' && line.back() <= '9') {
+      line.replace(line.rfind(' ') + 1, std::string::npos, "x");
+    }
+    bad += line + '\n';
+  }
+  return bad;
 }
 
 TemporaryFile::TemporaryFile(const std::string& bytes) : size_(bytes.size()) {

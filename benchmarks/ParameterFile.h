@@ -19,6 +19,10 @@ enum class Order {
 // The text of a file of about that many lines, as UTF-8 behind the mark.
 std::string MakeParameterFile(std::size_t lines, Order order);
 
+// The same file with a letter in place of the last field of each row that ends in a number: lines
+// that can't be read, but for that field.
+std::string WithBadLines(const std::string& file);
+
 // A file that goes when this does.
 class TemporaryFile {
  public:
