@@ -5,7 +5,8 @@
 // lines are not in order must not move the rows behind each insertion: the collector appends, and
 // sorts once when the lines are through. Where rows are large against their keys, as those with
 // texts are, it sorts copies of the keys and then moves each row once. A collector that is
-// destroyed unfinished, because memory ran out, leaves the map empty.
+// destroyed unfinished, because memory ran out, leaves the rows so far if they are in order, or
+// none.
 #pragma once
 
 #include <algorithm>

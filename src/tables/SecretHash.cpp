@@ -21,32 +21,46 @@ std::uint64_t SecretOfProcess() {
   return secret;
 }
 
+// Keeps products of small numbers from being small.
+constexpr std::uint64_t spread = 0x9E3779B97F4A7C15U;
+
+// Both halves of the product count.
+std::uint64_t Fold(std::uint64_t a, std::uint64_t b) {
+  const Wide product = Wide{a} * b;
+  return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
+}
+
+// Up to four code units.
+std::uint64_t Pack(std::wstring_view units) {
+  std::uint64_t number = 0;
+  for (const wchar_t unit : units) number = number << 16U | static_cast<std::uint64_t>(unit);
+  return number;
+}
+
 }  // namespace
 
 SecretHash::SecretHash() : secret_(SecretOfProcess()) {}
 
-// Both halves of the product count: so what a difference between two parts comes to depends on the
-// secret, and nobody can write texts that are known to collide.
-inline void SecretHash::Mix(std::uint64_t& hash, std::uint64_t part) const {
-  const Wide product = Wide{hash ^ part ^ 0x9E3779B97F4A7C15U} * secret_;
-  hash = static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
-}
-
-// Four code units a step.
+// Eight code units a step, and the last eight at the end, some of them once more. One factor holds
+// the secret, the other what came before: so what a difference between two texts comes to depends
+// on the secret, and nobody can write texts that are known to collide.
 std::size_t SecretHash::operator()(std::wstring_view text) const {
-  const auto unit = [&text](std::size_t i) { return static_cast<std::uint64_t>(text[i]); };
   std::uint64_t hash = secret_ ^ text.size();
-  for (; text.size() >= 4; text.remove_prefix(4)) {
-    Mix(hash, unit(0) | unit(1) << 16U | unit(2) << 32U | unit(3) << 48U);
+  const auto take = [&hash, this](std::wstring_view front, std::wstring_view back) {
+    hash = Fold(hash ^ Pack(front), secret_ ^ Pack(back));
+  };
+  if (text.size() < 8) {
+    const std::size_t middle = text.size() / 2;
+    take(text.substr(0, middle), text.substr(middle));
+  } else {
+    const std::wstring_view last = text.substr(text.size() - 8);
+    for (; text.size() > 8; text.remove_prefix(8)) take(text.substr(0, 4), text.substr(4, 4));
+    take(last.substr(0, 4), last.substr(4));
   }
-  for (std::size_t i = 0; i < text.size(); ++i) Mix(hash, unit(i));
-  return static_cast<std::size_t>(hash);
+  return Fold(hash ^ spread, secret_);
 }
 
 // Twice, since numbers close to each other have products close to each other.
 std::uint64_t SecretHash::operator()(std::uint64_t number) const {
-  std::uint64_t hash = secret_;
-  Mix(hash, number);
-  Mix(hash, 0);
-  return hash;
+  return Fold(Fold(number ^ spread, secret_) ^ spread, secret_);
 }

@@ -21,7 +21,5 @@ class SecretHash {
   std::uint64_t operator()(std::uint64_t number) const;
 
  private:
-  void Mix(std::uint64_t& hash, std::uint64_t part) const;
-
   std::uint64_t secret_;
 };
