@@ -104,9 +104,10 @@ void DataBase::RequireAccepted() const {
 }
 
 void DataBase::RequireMode(int mode) const {
-  if (params.IsValidMode(mode)) return;
-  if (params.IsValidMode(CQtParamInstance::VirtMode2BaseMode(mode))) return;
-  throw Failure(data_bad, "There is no test step " + std::to_string(mode) +
+  const int base = CQtParamInstance::VirtMode2BaseMode(mode);
+  if (params.IsValidMode(mode) || params.IsValidMode(base)) return;
+  throw Failure(data_bad, "There is no test step " + std::to_string(base) +
+                              (base == mode ? "" : ", the base of " + std::to_string(mode)) +
                               "; see kestrindb names FILE mode.");
 }
 

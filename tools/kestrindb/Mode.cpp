@@ -92,8 +92,9 @@ void AddMode(CommandLine& line) {
                [file, id, numbers, &line] {
                  const DataBase data(*file);
                  data.RequireAccepted();
-                 const Json json = DescribeMode(
-                     data.params, numbers->empty() ? *id : Pack(data.params, *numbers));
+                 const int mode = numbers->empty() ? *id : Pack(data.params, *numbers);
+                 data.RequireMode(mode);
+                 const Json json = DescribeMode(data.params, mode);
                  line.json ? Print(json) : PrintMode(json);
                  return data.LoadStatus();
                });
