@@ -150,6 +150,11 @@ Json ShortNumber(float number) {
 
 void Print(const Json& json) { std::cout << json.dump(2) << '\n'; }
 
+std::string WithName(const Json& id, const Json& name) {
+  const auto text = name.get<std::string>();
+  return text.empty() ? id.dump() : id.dump() + "  " + text;
+}
+
 void PrintTable(const std::vector<std::string>& headings,
                 const std::vector<std::vector<std::string>>& rows) {
   std::vector<std::size_t> widths;

@@ -92,6 +92,9 @@ std::wstring Wide(std::string_view text);
 
 void Print(const Json& json);
 
+// An id and its name as people read them: "130  Spur 30 Hz low load", or "130" where it has none.
+std::string WithName(const Json& id, const Json& name);
+
 // A table for a terminal: columns aligned, those with nothing but numbers to the right.
 void PrintTable(const std::vector<std::string>& headings,
                 const std::vector<std::vector<std::string>>& rows);

@@ -34,11 +34,6 @@ Json DescribeMode(const CQtParamInstance& params, int id) {
   return json;
 }
 
-std::string WithName(const Json& id, const Json& name) {
-  const auto text = name.get<std::string>();
-  return text.empty() ? id.dump() : id.dump() + "  " + text;
-}
-
 void PrintMode(const Json& json) {
   std::cout << "id             " << json["id"] << (json["virtual"] ? "  virtual" : "") << '\n'
             << "name           " << json["name"].get<std::string>() << '\n'
