@@ -1,22 +1,15 @@
 // Choosing a key at a terminal: the keys do what they say, a search finds what a user means, no
 // screen is too small, and the answer comes out clean while the screen is in use.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <pty.h>
-#include <sys/ioctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
 #include <clocale>
-#include <csignal>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "../tools/kestrindb/KeyPicker.h"
 #include "control_support.h"
+#include "tool_session.h"
 
 namespace {
 
@@ -141,100 +134,9 @@ TEST_F(PickKeys, NoScreenIsTooSmall) {
 
 // --- At a terminal ---
 
-// kestrindb at a pseudo terminal, its standard output in a file.
-class Session {
- public:
-  explicit Session(std::vector<std::string> arguments, const char* terminal = "xterm") {
-    arguments.insert(arguments.begin(), {KESTRINDB, "pick", KESTRIN_SAMPLES "/gearbox.par"});
-    std::vector<char*> argv;
-    for (std::string& argument : arguments) argv.push_back(argument.data());
-    argv.push_back(nullptr);
-    const winsize size{24, 80, 0, 0};
-    child_ = forkpty(&tty_, nullptr, nullptr, &size);
-    if (child_ == 0) {
-      setenv("TERM", terminal, 1);
-      setenv("LC_ALL", "C", 1);
-      dup2(open(answer_.path().c_str(), O_WRONLY), STDOUT_FILENO);
-      execv(KESTRINDB, argv.data());
-      _exit(127);
-    }
-  }
-  Session(const Session&) = delete;
-  Session& operator=(const Session&) = delete;
-  ~Session() {
-    if (child_ > 0) End();
-    close(tty_);
-  }
-
-  // False if the screen doesn't show the text from here on.
-  bool WaitFor(std::string_view text) {
-    std::size_t found = std::string::npos;
-    while ((found = screen_.find(text, seen_)) == std::string::npos) {
-      if (!Read()) return false;
-    }
-    seen_ = found + text.size();
-    return true;
-  }
-
-  void Send(std::string_view keys) {
-    EXPECT_EQ(write(tty_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
-  }
-
-  void Resize(unsigned short lines, unsigned short columns) {
-    const winsize size{lines, columns, 0, 0};
-    EXPECT_EQ(ioctl(tty_, TIOCSWINSZ, &size), 0);
-  }
-
-  // The exit status, -1 for none: one that is still running is given up.
-  int End() {
-    while (Read()) {
-    }
-    if (timed_out_) kill(child_, SIGKILL);
-    int status = 0;
-    waitpid(child_, &status, 0);
-    child_ = -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-
-  const std::string& Screen() const { return screen_; }
-  std::string Answer() const { return answer_.bytes(); }  // after the end
-
- private:
-  // False at the end of what the child shows, and when it shows nothing for a long time.
-  bool Read() {
-    constexpr int long_time = 60'000;  // ms
-    pollfd waiting{tty_, POLLIN, 0};
-    if (!timed_out_) timed_out_ = poll(&waiting, 1, long_time) == 0;
-    if (timed_out_) return false;
-    char buffer[4096];
-    const ssize_t count = read(tty_, buffer, sizeof buffer);
-    if (count > 0) screen_.append(buffer, static_cast<std::size_t>(count));
-    return count > 0;
-  }
-
-  pid_t child_ = -1;
-  int tty_ = -1;
-  const ScratchFile answer_;
-  bool timed_out_ = false;
-  std::string screen_;
-  std::size_t seen_ = 0;
-};
+using PickAtTerminal = AtTerminal;
 
 constexpr const char* restored_screen = "\x1B[?1049l";
-
-// Some machines that build have no pseudo terminals to give.
-class PickAtTerminal : public testing::Test {
- protected:
-  void SetUp() override {
-    int controller = -1;
-    int terminal = -1;
-    if (openpty(&controller, &terminal, nullptr, nullptr, nullptr) != 0) {
-      GTEST_SKIP() << "no pseudo terminal";
-    }
-    close(controller);
-    close(terminal);
-  }
-};
 
 TEST_F(PickAtTerminal, AnswersWhatTheUserHasConfirmed) {
   const std::string another_instrument = "\tOrder spectrum\r";
@@ -252,7 +154,8 @@ TEST_F(PickAtTerminal, AnswersWhatTheUserHasConfirmed) {
       {{}, "\x03", 3, ""},
   };
   for (const auto& [options, keys, status, answer] : cases) {
-    std::vector<std::string> arguments{"130", "1700", "-1", "-1", "17001", "-1", "--lang", "de"};
+    std::vector<std::string> arguments{"pick", sample,  "130", "1700",   "-1",
+                                       "-1",   "17001", "-1",  "--lang", "de"};
     arguments.insert(arguments.end(), options.begin(), options.end());
     Session session(arguments);
     ASSERT_TRUE(session.WaitFor("Schlüssel-Spezifikation")) << session.Screen();
@@ -266,7 +169,7 @@ TEST_F(PickAtTerminal, AnswersWhatTheUserHasConfirmed) {
 }
 
 TEST_F(PickAtTerminal, FollowsTheWindowAndRefusesWhatIsNoScreen) {
-  Session session({"--lang", "en"});
+  Session session({"pick", sample, "--lang", "en"});
   ASSERT_TRUE(session.WaitFor("Esc leaves"));
   session.Resize(12, 60);
   ASSERT_TRUE(session.WaitFor("▼")) << session.Screen();
@@ -276,7 +179,7 @@ TEST_F(PickAtTerminal, FollowsTheWindowAndRefusesWhatIsNoScreen) {
   session.Send("\x03");
   EXPECT_EQ(session.End(), 3);
 
-  Session dumb({}, "dumb");
+  Session dumb({"pick", sample}, "dumb");
   EXPECT_EQ(dumb.End(), 4);
   EXPECT_NE(dumb.Screen().find("TERM"), std::string::npos);
 }

@@ -275,7 +275,8 @@ std::size_t Rows(const CQtParamStore& store) {
   return rows;
 }
 
-Json Run(const std::string& file_name, const CQtParamInstance& params, double seconds) {
+Json Run(const std::string& file_name, const CQtParamInstance& params, double seconds,
+         Progress& progress) {
   const Silence silence;
   const CLake& lake = CParameterLake::Lake();
   const auto lines = static_cast<std::size_t>(std::distance(lake.begin(), lake.end()));
@@ -290,9 +291,8 @@ Json Run(const std::string& file_name, const CQtParamInstance& params, double se
 
   const std::vector<Task> steps = Steps(file_name);
   const std::vector<Task> queries = Queries(params);
-  const auto all = static_cast<double>(steps.size() + queries.size());
-  double done = 0;
-  Progress progress;
+  const auto all = static_cast<double>(1 + steps.size() + queries.size());
+  double done = 1;  // the load that has brought us here
   const auto measure = [&](const Task& task) {
     const Measurement measured = Measure(task, seconds, [&](double part) {
       progress.Show((done + std::min(part, 1.0)) / all, task.name);
@@ -329,6 +329,24 @@ Json Run(const std::string& file_name, const CQtParamInstance& params, double se
     json["queries"].push_back(std::move(row));
   }
   return json;
+}
+
+struct Outcome {
+  Json json;
+  Status status;
+};
+
+// With a bar for the first load and the measurements, which is gone when they are done.
+Outcome LoadAndRun(const std::string& file_name, double seconds) {
+  Progress progress;
+  progress.Show(0, "first load");
+  const DataBase data(file_name, [&progress](const std::string& text) { progress.Print(text); });
+  data.RequireAccepted();
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(file_name, error)) {
+    throw Failure(file_unusable, "'" + file_name + "' can't be read again and again.");
+  }
+  return {Run(file_name, data.params, seconds, progress), data.LoadStatus()};
 }
 
 // With that many digits behind the point; nothing for null.
@@ -368,18 +386,12 @@ void PrintReport(const Json& json) {
 void AddBench(CommandLine& line) {
   auto file = std::make_shared<std::string>();
   auto seconds = std::make_shared<double>(0.3);
-  CLI::App* command = line.Add(
-      "bench", "How long reading, loading and asking a file takes", [file, seconds, &line] {
-        const DataBase data(*file);
-        data.RequireAccepted();
-        std::error_code error;
-        if (!std::filesystem::is_regular_file(*file, error)) {
-          throw Failure(file_unusable, "'" + *file + "' can't be read again and again.");
-        }
-        const Json json = Run(*file, data.params, *seconds);
-        line.json ? Print(json) : PrintReport(json);
-        return data.LoadStatus();
-      });
+  CLI::App* command = line.Add("bench", "How long reading, loading and asking a file takes",
+                               [file, seconds, &line] {
+                                 const auto [json, status] = LoadAndRun(*file, *seconds);
+                                 line.json ? Print(json) : PrintReport(json);
+                                 return status;
+                               });
   command->add_option("FILE", *file, "Parameter file")->required();
   command->add_option("--seconds", *seconds, "Time for each measurement; 0.3 without it")
       ->check(CLI::Range(0.001, 3600.0));

@@ -34,9 +34,8 @@ Json DescribeCalcParameters(const CQtParamInstance& params, int parameter) {
 }
 
 void PrintCalcParameters(const Json& json) {
-  std::cout << "parameter   " << json["parameter"] << "  "
-            << json["parameter_name"].get<std::string>() << "\ninstrument  " << json["instrument"]
-            << "  " << json["instrument_name"].get<std::string>() << "\n\n";
+  std::cout << "parameter   " << WithName(json["parameter"], json["parameter_name"])
+            << "\ninstrument  " << WithName(json["instrument"], json["instrument_name"]) << "\n\n";
   std::vector<std::vector<std::string>> rows;
   for (const Json& row : json["calculation_parameters"]) {
     rows.push_back({row["number"].dump(), row["text"].get<std::string>(),

@@ -52,13 +52,9 @@ std::string Joined(const Json& names) {
   return text;
 }
 
-std::string WithName(const Json& named) {
-  return named["id"].dump() + "  " + named["name"].get<std::string>();
-}
-
 void PrintChannel(const Json& json) {
-  std::cout << "test step     " << json["mode"] << "  " << json["mode_name"].get<std::string>()
-            << "\nbase channel  " << WithName(json["base"]) << "\nflags         "
+  std::cout << "test step     " << WithName(json["mode"], json["mode_name"]) << "\nbase channel  "
+            << WithName(json["base"]["id"], json["base"]["name"]) << "\nflags         "
             << Joined(json["flags"]) << "\n\n";
   std::vector<std::vector<std::string>> rows;
   for (const Json& entry : json["chain"]) {

@@ -14,13 +14,13 @@
 namespace kestrindb {
 namespace {
 
-// Keeps what is logged while it lives, and passes it on to standard error.
+// Keeps what is logged while it lives, and passes it on.
 class LogKeeper {
  public:
-  explicit LogKeeper(std::vector<LogLine>& lines)
-      : before_(PrWin::SetSink([&lines](std::wstring_view text, auto category, auto style) {
+  LogKeeper(std::vector<LogLine>& lines, const LogPrinter& print)
+      : before_(PrWin::SetSink([&lines, &print](std::wstring_view text, auto category, auto style) {
           lines.push_back({category, style, Utf8(text)});
-          std::cerr << lines.back().text;
+          print(lines.back().text);
         })) {}
   LogKeeper(const LogKeeper&) = delete;
   LogKeeper& operator=(const LogKeeper&) = delete;
@@ -90,8 +90,10 @@ void ReadLake(const std::string& file_name) {
   }
 }
 
-DataBase::DataBase(const std::string& file_name) : file_name_(file_name) {
-  const LogKeeper keeper(log);
+void PrintLog(const std::string& text) { std::cerr << text; }
+
+DataBase::DataBase(const std::string& file_name, const LogPrinter& print) : file_name_(file_name) {
+  const LogKeeper keeper(log, print);
   ReadLake(file_name);
   accepted = params.ReadTablesFromCandidateLake();
   if (!accepted) reason = WhyNotAccepted();
@@ -104,9 +106,10 @@ void DataBase::RequireAccepted() const {
 }
 
 void DataBase::RequireMode(int mode) const {
-  if (params.IsValidMode(mode)) return;
-  if (params.IsValidMode(CQtParamInstance::VirtMode2BaseMode(mode))) return;
-  throw Failure(data_bad, "There is no test step " + std::to_string(mode) +
+  const int base = CQtParamInstance::VirtMode2BaseMode(mode);
+  if (params.IsValidMode(mode) || params.IsValidMode(base)) return;
+  throw Failure(data_bad, "There is no test step " + std::to_string(base) +
+                              (base == mode ? "" : ", the base of " + std::to_string(mode)) +
                               "; see kestrindb names FILE mode.");
 }
 
@@ -146,6 +149,11 @@ Json ShortNumber(float number) {
 }
 
 void Print(const Json& json) { std::cout << json.dump(2) << '\n'; }
+
+std::string WithName(const Json& id, const Json& name) {
+  const auto text = name.get<std::string>();
+  return text.empty() ? id.dump() : id.dump() + "  " + text;
+}
 
 void PrintTable(const std::vector<std::string>& headings,
                 const std::vector<std::vector<std::string>>& rows) {

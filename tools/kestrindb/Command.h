@@ -43,16 +43,20 @@ struct LogLine {
 // Reads a file into the candidate lake. Throws Failure if it can't be used.
 void ReadLake(const std::string& file_name);
 
+// Where a load puts out what it logs, a line of the log at a time: PrintLog to standard error.
+using LogPrinter = std::function<void(const std::string& text)>;
+void PrintLog(const std::string& text);
+
 // A loaded data base: the file read into the candidate lake, the lake loaded.
 class DataBase {
  public:
   // Throws Failure if the file can't be used. A data base that was refused is no failure here.
-  explicit DataBase(const std::string& file_name);
+  explicit DataBase(const std::string& file_name, const LogPrinter& print = PrintLog);
 
   CQtParamInstance params;
   bool accepted = false;
   std::string reason;        // why not, as the end of a sentence
-  std::vector<LogLine> log;  // what the load logged; it also went to standard error
+  std::vector<LogLine> log;  // what the load logged; it was also printed
 
   Status LoadStatus() const { return accepted && log.empty() ? fine : data_bad; }
 
@@ -87,6 +91,9 @@ std::string Utf8(std::wstring_view text);
 std::wstring Wide(std::string_view text);
 
 void Print(const Json& json);
+
+// An id and its name as people read them: "130  Spur 30 Hz low load", or "130" where it has none.
+std::string WithName(const Json& id, const Json& name);
 
 // A table for a terminal: columns aligned, those with nothing but numbers to the right.
 void PrintTable(const std::vector<std::string>& headings,

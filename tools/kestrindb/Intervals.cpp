@@ -99,10 +99,10 @@ std::string String(const Json& json) { return json.is_string() ? json.get<std::s
 std::string Number(const Json& json) { return json.is_null() ? "" : json.dump(); }
 
 void PrintIntervals(const Json& json) {
-  std::cout << "test step     " << json["mode"] << "  " << String(json["mode_name"])
-            << "\nspeed source  " << json["speed_source"] << "\nresolution    "
-            << json["resolution"] << "\nlines         " << json["lines"] << "\norder scale   "
-            << json["order_scale"] << "\n\n";
+  std::cout << "test step     " << WithName(json["mode"], json["mode_name"]) << "\nspeed source  "
+            << json["speed_source"] << "\nresolution    " << json["resolution"]
+            << "\nlines         " << json["lines"] << "\norder scale   " << json["order_scale"]
+            << "\n\n";
   std::vector<std::vector<std::string>> rows;
   for (const Json& parameter : json["parameters"]) {
     std::vector<std::string> head = {parameter["parameter"].dump(), String(parameter["name"]),

@@ -25,14 +25,8 @@ Json DescribeKey(const CQtParamInstance& params, const QClavis& key,
   return json;
 }
 
-std::string Ids(const Json& json) {
-  std::string ids;
-  for (const Json& id : json["key"]) ids += (ids.empty() ? "" : " ") + id.dump();
-  return ids;
-}
-
-void PrintKey(const Json& json) {
-  std::cout << "ids                   " << Ids(json) << '\n';
+void PrintTexts(const QClavis& key, const Json& json) {
+  std::cout << "ids                   " << IdsText(key) << '\n';
   const auto print = [&json](const char* heading, const char* text) {
     std::cout << heading << json[text].get<std::string>() << '\n';
   };
@@ -46,10 +40,16 @@ void PrintKey(const Json& json) {
 
 }  // namespace
 
+std::string IdsText(const QClavis& key) {
+  std::string ids;
+  for (const int id : key.id) ids += (ids.empty() ? "" : " ") + std::to_string(id);
+  return ids;
+}
+
 void PrintKey(const CQtParamInstance& params, const QClavis& key, const std::string& separator,
               bool as_json) {
   const Json json = DescribeKey(params, key, Wide(separator));
-  as_json ? Print(json) : PrintKey(json);
+  as_json ? Print(json) : PrintTexts(key, json);
 }
 
 CLI::Option* AddIds(CLI::App& command, std::vector<int>& ids) {

@@ -8,6 +8,9 @@
 
 namespace kestrindb {
 
+// The six ids with blanks between them, as the command line takes them.
+std::string IdsText(const QClavis& key);
+
 // Prints a key and all texts that the library has for it; `separator` is that of the nice text.
 void PrintKey(const CQtParamInstance& params, const QClavis& key, const std::string& separator,
               bool as_json);

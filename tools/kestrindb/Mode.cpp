@@ -34,11 +34,6 @@ Json DescribeMode(const CQtParamInstance& params, int id) {
   return json;
 }
 
-std::string WithName(const Json& id, const Json& name) {
-  const auto text = name.get<std::string>();
-  return text.empty() ? id.dump() : id.dump() + "  " + text;
-}
-
 void PrintMode(const Json& json) {
   std::cout << "id             " << json["id"] << (json["virtual"] ? "  virtual" : "") << '\n'
             << "name           " << json["name"].get<std::string>() << '\n'
@@ -92,8 +87,9 @@ void AddMode(CommandLine& line) {
                [file, id, numbers, &line] {
                  const DataBase data(*file);
                  data.RequireAccepted();
-                 const Json json = DescribeMode(
-                     data.params, numbers->empty() ? *id : Pack(data.params, *numbers));
+                 const int mode = numbers->empty() ? *id : Pack(data.params, *numbers);
+                 data.RequireMode(mode);
+                 const Json json = DescribeMode(data.params, mode);
                  line.json ? Print(json) : PrintMode(json);
                  return data.LoadStatus();
                });

@@ -36,15 +36,6 @@ std::optional<CClavis> LetChoose(const CClavis& key) {
   return picker.Chosen();
 }
 
-void PrintIds(const QClavis& key) {
-  const char* gap = "";
-  for (const int id : key.id) {
-    std::cout << gap << id;
-    gap = " ";
-  }
-  std::cout << '\n';
-}
-
 }  // namespace
 
 void AddPick(CommandLine& line) {
@@ -56,7 +47,11 @@ void AddPick(CommandLine& line) {
     const auto chosen = LetChoose(request->ids.empty() ? CClavis() : CClavis(request->ids.data()));
     if (!chosen) return cancelled;
     const QClavis key(*chosen);
-    request->bare ? PrintIds(key) : PrintKey(data.params, key, request->separator, line.json);
+    if (request->bare) {
+      std::cout << IdsText(key) << '\n';
+    } else {
+      PrintKey(data.params, key, request->separator, line.json);
+    }
     return data.LoadStatus();
   });
   command->add_option("FILE", request->file, "Parameter file")->required();

@@ -6,23 +6,17 @@
 #include <limits>
 #include <memory>
 
-#include "Command.h"
+#include "Key.h"
 #include "Svg.h"
 
 namespace kestrindb {
 namespace {
 
-std::string Show(const QClavis& key) {
-  std::string text;
-  for (const int id : key.id) text += (text.empty() ? "" : " ") + std::to_string(id);
-  return text;
-}
-
 const CVIpSvTrackPolygon& TrackPolygonOf(const CQtParamInstance& params, const QClavis& key) {
   const auto found = params.IpTrackPolygon().find(key);
   if (found != params.IpTrackPolygon().end()) return found->second;
   const bool listed = params.IpParamAndStore().find(key) != params.IpParamAndStore().end();
-  throw Failure(data_bad, "The key " + Show(key) + " has no track polygon: " +
+  throw Failure(data_bad, "The key " + IdsText(key) + " has no track polygon: " +
                               (listed ? "no row of <TGrex10001> matches it."
                                       : "<TIpParamAndStore> doesn't list it."));
 }
@@ -51,8 +45,8 @@ Json DescribePolygon(const CQtParamInstance& params, const QClavis& key) {
 }
 
 void PrintPolygon(const Json& json) {
-  std::cout << "quantity  " << json["text"].get<std::string>() << "\npolygon   " << json["polygon"]
-            << "  " << json["name"].get<std::string>() << "\ntrack a   " << json["track_a"]
+  std::cout << "quantity  " << json["text"].get<std::string>() << "\npolygon   "
+            << WithName(json["polygon"], json["name"]) << "\ntrack a   " << json["track_a"]
             << "\ntrack c   " << json["track_c"] << "\n\n";
   std::vector<std::vector<std::string>> rows;
   for (const Json& point : json["points"]) {

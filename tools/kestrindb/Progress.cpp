@@ -3,33 +3,57 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <iostream>
 
 namespace kestrindb {
 namespace {
 
-constexpr auto patience = std::chrono::seconds(1);
-constexpr auto pause = std::chrono::milliseconds(100);
+constexpr std::chrono::milliseconds patience(1000);
+constexpr std::chrono::milliseconds pause(100);
 constexpr int bar_width = 30;
 constexpr const char* erase_line = "\r\x1b[K";
 
+std::string Bar(double done) {
+  const auto filled = static_cast<std::size_t>(done * bar_width);
+  return '[' + std::string(filled, '#') + std::string(bar_width - filled, '.') + "] " +
+         std::to_string(static_cast<int>(done * 100)) + " %";
+}
+
 }  // namespace
 
-Progress::Progress() : is_watched_(isatty(STDERR_FILENO) != 0), next_(Clock::now() + patience) {}
-
-Progress::~Progress() {
-  if (is_drawn_) std::cerr << erase_line << std::flush;
+Progress::Progress() {
+  if (isatty(STDERR_FILENO) == 0) return;
+  painter_ = std::jthread([this](const std::stop_token& stop) { DrawUntil(stop); });
 }
 
 void Progress::Show(double done, const std::string& what) {
-  if (!is_watched_ || Clock::now() < next_) return;
-  next_ = Clock::now() + pause;
-  is_drawn_ = true;
-  const auto filled = static_cast<std::size_t>(std::clamp(done, 0.0, 1.0) * bar_width);
-  const std::string percent = std::to_string(static_cast<int>(std::clamp(done, 0.0, 1.0) * 100));
-  std::cerr << erase_line << '[' << std::string(filled, '#') << std::string(bar_width - filled, '.')
-            << "] " << percent << " %  " << what << std::flush;
+  const std::scoped_lock lock(mutex_);
+  done_ = std::clamp(done, 0.0, 1.0);
+  what_ = what;
+}
+
+void Progress::Print(const std::string& lines) {
+  const std::scoped_lock lock(mutex_);
+  Erase();
+  std::cerr << lines << std::flush;
+}
+
+void Progress::DrawUntil(const std::stop_token& stop) {
+  std::unique_lock lock(mutex_);
+  for (auto wait = patience;; wait = pause) {
+    stopped_.wait_for(lock, stop, wait, [] { return false; });
+    if (stop.stop_requested()) break;
+    std::cerr << erase_line + Bar(done_) + "  " + what_ << std::flush;
+    is_drawn_ = true;
+  }
+  Erase();
+}
+
+void Progress::Erase() {
+  if (is_drawn_) std::cerr << erase_line << std::flush;
+  is_drawn_ = false;
 }
 
 }  // namespace kestrindb

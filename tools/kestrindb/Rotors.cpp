@@ -46,9 +46,8 @@ Json DescribeRotors(const CQtParamInstance& params, int mode) {
 }
 
 void PrintRotors(const Json& json) {
-  std::cout << "test step      " << json["mode"] << "  " << json["mode_name"].get<std::string>()
-            << "\nphysical mode  " << json["phys_mode"] << "  "
-            << json["phys_mode_name"].get<std::string>() << "\n\n";
+  std::cout << "test step      " << WithName(json["mode"], json["mode_name"]) << "\nphysical mode  "
+            << WithName(json["phys_mode"], json["phys_mode_name"]) << "\n\n";
   const auto id = [](const Json& json_id) { return json_id == -1 ? "none" : json_id.dump(); };
   const auto number = [](const Json& json_number) {
     return json_number.is_null() ? "none" : json_number.dump();

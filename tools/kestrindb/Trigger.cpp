@@ -121,9 +121,8 @@ Json DescribeTrigger(const CQtParamInstance& params, const TriggerRequest& reque
 std::string CellText(const Json& cell) { return cell.is_null() ? "out of range" : cell.dump(); }
 
 void PrintTrigger(const Json& json) {
-  std::cout << "test step  " << json["mode"] << "  " << json["mode_name"].get<std::string>()
-            << "\ntrigger    " << json["trigger"] << "  " << json["trigger_name"].get<std::string>()
-            << "\nruns in    "
+  std::cout << "test step  " << WithName(json["mode"], json["mode_name"]) << "\ntrigger    "
+            << WithName(json["trigger"], json["trigger_name"]) << "\nruns in    "
             << (json["running_dimension"].is_null()
                     ? "no single dimension"
                     : "dimension " + json["running_dimension"].dump())
