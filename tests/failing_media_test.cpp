@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "full_disk.h"
 #include "interfaces/File.h"
 #include "lake/LakeReader.h"
 #include "lake_bytes.h"
@@ -155,6 +156,50 @@ TEST(FailingMedium, CutsABinaryTableBehindItsLastWholeRow) {
     EXPECT_THROW(WriteTable(target), std::runtime_error) << good;
     EXPECT_EQ(target.bytes(), whole.bytes().substr(0, good)) << good;
   }
+}
+
+// Files that are written over longer ones; the numbers of bytes that the disk has room for.
+TEST(FullDisk, KeepsTheFrontOfALakeAndHarmsNoMoreThanTheFile) {
+  std::string megabyte = "\xEF\xBB\xBF";
+  while (megabyte.size() < 1'000'000) megabyte += "<T>: {\n\t1 \"H\xC3\xB6he\"\n}\t; <T>\n";
+  for (const auto& [text, step] : {std::pair(marked_text, 1), std::pair(megabyte, 9973)}) {
+    const CLake lake = FromBytes(text);
+    const ScratchFile file;
+    for (std::size_t room = 0; room < text.size(); room += static_cast<std::size_t>(step)) {
+      SCOPED_TRACE(room);
+      std::ofstream(file.path(), std::ios::binary) << text << "old";
+      const auto write_into = [&] {
+        const FullDisk disk(room);
+        return lake.write(file.name());
+      };
+      EXPECT_TRUE(write_into()) << "only a file that can't be opened is told";
+      EXPECT_TRUE(file.bytes() == text.substr(0, room));
+      EXPECT_TRUE(lake.write({}) && file.bytes() == text) << "there is room again";
+    }
+  }
+}
+
+TEST(FullDisk, KeepsTheFrontOfABinaryTableAndIsTold) {
+  FailingFile whole("", 1000, Failing::throws);
+  WriteTable(whole);
+  const ScratchFile file;
+  const auto write = [&] {
+    CFile target(file.name(), CFile::modeWrite);
+    WriteTable(target);
+    target.Close();
+  };
+  for (std::size_t room = 0; room < whole.bytes().size(); ++room) {
+    const auto write_into = [&] {
+      const FullDisk disk(room);
+      write();
+    };
+    EXPECT_THROW(write_into(), CFileException) << room;
+    EXPECT_EQ(file.bytes(), whole.bytes().substr(0, room));
+    write();
+    EXPECT_EQ(file.bytes(), whole.bytes());
+  }
+  CFile failing(L"/proc/self/mem", CFile::modeRead);  // at its first byte
+  EXPECT_EQ(ReadTable(failing), -1);
 }
 
 // Reads a real file of a lake; after the first piece the file changes its size.

@@ -2,15 +2,14 @@
 // back, not on a full disk, not by a slip of the editor.
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 
+#include "full_disk.h"
 #include "interfaces/ResourceSea.h"
 #include "test_store.h"
 
@@ -222,26 +221,39 @@ TEST_F(SeaFile, ABadFileLeavesTheSeaAndNamesTheLine) {
   EXPECT_FALSE(sea.IsListEntry(L"new"));
 }
 
+TEST_F(SeaFile, IsRefusedWhereverItIsCut) {
+  const std::string whole =
+      "\xEF\xBB\xBFsea 1\nlist \"new\"\n  \"\xC3\xBC \\\" \\u00fc\"\nbool \"B\" true\nend\n";
+  CResourceSea sea;
+  Fill(sea, L"old", {L"kept"});
+  for (std::size_t size = 0; size + 1 < whole.size(); ++size) {
+    Put(whole.substr(0, size));
+    log_.lines.clear();
+    EXPECT_FALSE(sea.Load(Name(L"a.sea"))) << size;
+    EXPECT_EQ(log_.lines.size(), 1U) << size;
+    EXPECT_EQ(LinesOf(sea, L"old"), Lines{L"kept"}) << size;
+    EXPECT_FALSE(sea.IsListEntry(L"new") || sea.LookupGetBool(L"B", 0, false)) << size;
+  }
+  Put(whole.substr(0, whole.size() - 1));  // the last line is whole without its line feed
+  EXPECT_TRUE(sea.Load(Name(L"a.sea")));
+  EXPECT_EQ(LinesOf(sea, L"new"), Lines{L"\u00FC \" \u00FC"});
+}
+
 TEST_F(SeaFile, ASaveThatFailsLeavesTheOldFileAndNothingElse) {
   CResourceSea sea;
   Fill(sea, L"<T>", {L"old"});
   ASSERT_TRUE(sea.Save(Name(L"a.sea")));
   const std::string old = Bytes();
   Fill(sea, L"<T>", {std::wstring(100000, L'n')});
-  // No file of this process grows beyond some bytes, which is what a full disk does to it.
-  rlimit before{};
-  getrlimit(RLIMIT_FSIZE, &before);
-  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  const auto save_into = [&](rlim_t room) {
+    const FullDisk disk(room);
+    return sea.Save(Name(L"a.sea"));
+  };
   for (const rlim_t room : {0U, 10U, 5000U}) {
-    const rlimit small = {room, before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &small);
-    const bool saved = sea.Save(Name(L"a.sea"));
-    setrlimit(RLIMIT_FSIZE, &before);
-    EXPECT_FALSE(saved) << room;
+    EXPECT_FALSE(save_into(room)) << room;
     EXPECT_EQ(Bytes(), old);
     EXPECT_EQ(Files(), 1);
   }
-  std::signal(SIGXFSZ, handler);
   EXPECT_NE(log_.Text().find(L"the disk is full"), std::wstring::npos);
 
   fs::create_directory(folder_ / "d");
