@@ -4,22 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "Fuzz.h"
+#include "lake_bytes.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
 class FuzzReplay : public testing::TestWithParam<fuzz::Target> {};
-
-std::string BytesOf(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 TEST_P(FuzzReplay, KeptInputsHoldTheProperties) {
   int replayed = 0;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <locale>
-#include <optional>
 #include <random>
 #include <sstream>
 #include <string>
@@ -30,22 +29,6 @@ std::wstring Lines(const CLake& lake) {
   for (const auto& line : lake) text += Texts(line) + L"/";
   return text;
 }
-
-// Gives its bytes in pieces, and ends in one of three ways.
-struct Medium {
-  enum class End { of_file, reports_failure, throws };
-  std::size_t piece;
-  End end;
-  std::string_view rest = {};
-
-  std::optional<std::size_t> operator()(std::span<char> block) {
-    if (rest.empty() && end == End::throws) throw std::runtime_error("medium");
-    if (rest.empty() && end == End::reports_failure) return std::nullopt;
-    const std::size_t count = rest.copy(block.data(), std::min(piece, block.size()));
-    rest.remove_prefix(count);
-    return count;
-  }
-};
 
 TEST(LakeFile, LinesAreTakenApart) {
   const std::pair<const wchar_t*, const wchar_t*> cases[] = {

@@ -17,21 +17,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using Lines = std::vector<std::wstring>;
-
-Lines LinesOf(const CResourceSea& sea, const wchar_t* name) {
-  Lines lines;
-  CResourceList list(&sea, name);
-  for (list.GotoHead(); list.IsValid(); list.GotoNext()) {
-    list.GetCurrentLine()->GetLine(lines.emplace_back());
-  }
-  return lines;
-}
-
-void Fill(CResourceSea& sea, const wchar_t* name, const Lines& lines) {
-  CResourceList list(&sea, name);
-  for (const std::wstring& line : lines) list.AddLineTail()->SetSeaLine(line.c_str());
-}
+using testing_support::AddLines;
+using testing_support::Lines;
+using testing_support::LinesOf;
 
 TEST(Sea, ListsGrowUnderTheirViewsAndEntriesStayInPlace) {
   CResourceSea sea;
@@ -64,7 +52,7 @@ TEST(Sea, ListsGrowUnderTheirViewsAndEntriesStayInPlace) {
   list.RemoveAll();
   EXPECT_FALSE(view.IsValid());
   EXPECT_TRUE(sea.IsListEntry(L"<T>"));
-  Fill(sea, nullptr, {L"nameless"});
+  AddLines(sea, nullptr, {L"nameless"});
   EXPECT_EQ(LinesOf(sea, L""), Lines{L"nameless"});
   CResourceSea* const nowhere = nullptr;
   EXPECT_NE(CResourceList(nowhere, L"x").AddLineTail(), nullptr);
@@ -116,10 +104,7 @@ class SeaFile : public testing::Test {
   void Put(const std::string& bytes) const {
     std::ofstream(folder_ / "a.sea", std::ios::binary) << bytes;
   }
-  std::string Bytes() const {
-    std::ifstream in(folder_ / "a.sea", std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
+  std::string Bytes() const { return BytesOf(folder_ / "a.sea"); }
   std::ptrdiff_t Files() const {
     return std::distance(fs::directory_iterator(folder_), fs::directory_iterator());
   }
@@ -145,15 +130,15 @@ TEST_F(SeaFile, EveryTextComesBack) {
                        L"\xD83D\xD83D\xDE00",
                        L"\\u0041"};
   CResourceSea out;
-  for (const std::wstring& name : texts) Fill(out, name.c_str(), texts);
-  Fill(out, L"empty", {});
+  for (const std::wstring& name : texts) AddLines(out, name.c_str(), texts);
+  AddLines(out, L"empty", {});
   bool yes = true;
   out.LookupBool(2, L"list \"\xD800\n", yes, 0);
   ASSERT_TRUE(out.Save(Name(L"\u00E4\xD83D\xDE00.sea")));
   EXPECT_TRUE(fs::exists(folder_ / "\xC3\xA4\xF0\x9F\x98\x80.sea")) << "file names are UTF-8";
 
   CResourceSea in;
-  Fill(in, L"old", {L"gone"});
+  AddLines(in, L"old", {L"gone"});
   CResourceList view(&in, L"old");  // is open over the load and keeps its list
   ASSERT_TRUE(in.Load(Name(L"\u00E4\xD83D\xDE00.sea"))) << Text::ToUtf8(log_.Text());
   for (const std::wstring& name : texts) EXPECT_EQ(LinesOf(in, name.c_str()), texts);
@@ -167,7 +152,7 @@ TEST_F(SeaFile, IsTheOneThatIsDescribedAndTakesWhatEditorsDo) {
   CResourceSea sea;
   bool no = false;
   sea.LookupBool(2, L"B", no, 0);
-  Fill(sea, L"<T>", {L"1 \"a\"\t\x7F", L"\u00FC\xDC00"});
+  AddLines(sea, L"<T>", {L"1 \"a\"\t\x7F", L"\u00FC\xDC00"});
   ASSERT_TRUE(sea.Save(Name(L"a.sea")));
   EXPECT_EQ(Bytes(),
             "sea 1\nlist \"<T>\"\n  \"1 \\\"a\\\"\\t\\u007f\"\n  \"\xC3\xBC\\udc00\"\n"
@@ -205,7 +190,7 @@ TEST_F(SeaFile, ABadFileLeavesTheSeaAndNamesTheLine) {
       {head + "end\nlist \"late\"\n", L"line 4: there is text behind"},
       {head + "\"\xFF\"\nend\n", L"line 0: the file is not UTF-8"}};
   CResourceSea sea;
-  Fill(sea, L"old", {L"kept"});
+  AddLines(sea, L"old", {L"kept"});
   for (const auto& [bytes, why] : cases) {
     log_.lines.clear();
     Put(bytes);
@@ -225,7 +210,7 @@ TEST_F(SeaFile, IsRefusedWhereverItIsCut) {
   const std::string whole =
       "\xEF\xBB\xBFsea 1\nlist \"new\"\n  \"\xC3\xBC \\\" \\u00fc\"\nbool \"B\" true\nend\n";
   CResourceSea sea;
-  Fill(sea, L"old", {L"kept"});
+  AddLines(sea, L"old", {L"kept"});
   for (std::size_t size = 0; size + 1 < whole.size(); ++size) {
     Put(whole.substr(0, size));
     log_.lines.clear();
@@ -241,10 +226,10 @@ TEST_F(SeaFile, IsRefusedWhereverItIsCut) {
 
 TEST_F(SeaFile, ASaveThatFailsLeavesTheOldFileAndNothingElse) {
   CResourceSea sea;
-  Fill(sea, L"<T>", {L"old"});
+  AddLines(sea, L"<T>", {L"old"});
   ASSERT_TRUE(sea.Save(Name(L"a.sea")));
   const std::string old = Bytes();
-  Fill(sea, L"<T>", {std::wstring(100000, L'n')});
+  AddLines(sea, L"<T>", {std::wstring(100000, L'n')});
   const auto save_into = [&](rlim_t room) {
     const FullDisk disk(room);
     return sea.Save(Name(L"a.sea"));
@@ -279,7 +264,7 @@ TEST_F(SeaFile, ASaveKeepsModeAndLinkOfTheFile) {
   constexpr auto mode = fs::perms::owner_read | fs::perms::owner_write;
   fs::permissions(folder_ / "a.sea", mode);
   fs::create_symlink("a.sea", folder_ / "link");
-  Fill(sea, L"<T>", {L"new"});
+  AddLines(sea, L"<T>", {L"new"});
   ASSERT_TRUE(sea.Save(Name(L"link")));
   EXPECT_TRUE(fs::is_symlink(folder_ / "link"));
   EXPECT_NE(Bytes().find("new"), std::string::npos);

@@ -20,15 +20,12 @@
 
 namespace {
 
+using testing_support::Section;
 using testing_support::TestStore;
 using Entry = QVSpecIntervalEntry;
 using Spec = CQtSpecInterval;
 
 constexpr float kTiny = std::numeric_limits<float>::denorm_min();
-
-std::string Section(const std::string& name, const std::string& rows) {
-  return "<" + name + ">: {\n" + rows + "}\n";
-}
 
 // The calculation parameters 2, 3 and 4 of one parameter; 0 in place of one leaves it out.
 std::string CalcRows(int id, const std::string& definition, int interpretation = 6,

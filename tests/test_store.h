@@ -11,6 +11,7 @@
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
 #include "interfaces/PrWin.h"
+#include "interfaces/ResourceSea.h"
 #include "interfaces/Text.h"
 #include "lake_bytes.h"
 
@@ -45,6 +46,26 @@ class Log {
  private:
   PrWin::Sink before_;
 };
+
+// A section of a file; each row ends with a line feed.
+inline std::string Section(const std::string& name, const std::string& rows) {
+  return "<" + name + ">: {\n" + rows + "}\n";
+}
+
+using Lines = std::vector<std::wstring>;
+
+inline Lines LinesOf(const CResourceSea& sea, const wchar_t* list) {
+  Lines lines;
+  for (CResourceList view(&sea, list); view.IsValid(); view.GotoNext()) {
+    view.GetCurrentLine()->GetLine(lines.emplace_back());
+  }
+  return lines;
+}
+
+inline void AddLines(CResourceSea& sea, const wchar_t* list, const Lines& lines) {
+  CResourceList view(&sea, list);
+  for (const std::wstring& line : lines) view.AddLineTail()->SetSeaLine(line.c_str());
+}
 
 inline constexpr const char* version =
     "<DbDesign.CacheVersion>: 215\n<DbDesign.CacheMinorVersion>: 1\n";
