@@ -163,10 +163,10 @@ TEST(Tables, ALocalSeaStandsInForAMissingSection) {
   CResourceSea bad;
   AddLines(bad, section, {});
   EXPECT_EQ(rows_of(&bad), "");
-  AddLines(bad, section, {L"1 a x", L"", L"2 b 7"});
+  AddLines(bad, section, {L"1 a x", L"", L"2 b 7", L"3 c 8"});
   const Log log;
   EXPECT_FALSE(table.ReadTable(&bad));
-  EXPECT_EQ(Rows(table), "1 a 5\n2 b 7\n");
+  EXPECT_EQ(Rows(table), "1 a 5\n2 b 7\n3 c 8\n");
   EXPECT_EQ(log.lines.back().text,
             L"CQParamSeaTypedTable< T >::ReadTable(): Error reading line ' x' of table "
             L"'<TTest>'\n");
