@@ -1,13 +1,19 @@
 // Seas: any bytes are loaded; a sea that can't be loaded stays as it was. Then the sea is changed,
-// asked and saved, and gives the same bytes when it is loaded and saved again.
+// asked and saved, and what is loaded from that holds the same lists, lines and booleans, and gives
+// the same bytes when it is saved again.
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
+#include <set>
 #include <string>
+#include <string_view>
 #include <system_error>
+#include <vector>
 
 #include "Fuzz.h"
 #include "interfaces/ResourceSea.h"
@@ -42,17 +48,75 @@ class Folder {
   std::string path_;
 };
 
+// The text in quotes at the front; a sound one, since it has been loaded.
+CString Unquoted(std::wstring_view text) {
+  CString plain;
+  for (std::size_t i = 1; i < text.size() && text[i] != L'"'; ++i) {
+    const wchar_t escape = text[i] == L'\\' ? text[++i] : L'\0';
+    if (escape == L'u') {
+      const auto unit = std::stoul(CString(text.substr(i + 1, 4)), nullptr, 16);
+      plain += static_cast<wchar_t>(unit);
+      i += 4;
+    } else {
+      plain += escape == L'n' ? L'\n' : escape == L'r' ? L'\r' : escape == L't' ? L'\t' : text[i];
+    }
+  }
+  return plain;
+}
+
+// The names that a file gives to lists and to booleans, since a sea tells none.
+struct Names {
+  std::set<CString> lists;
+  std::set<CString> bools;
+
+  void Add(Bytes file) {
+    const std::wstring text = Text::FromUtf8(AsText(file));
+    for (std::wstring_view rest = text; !rest.empty();) {
+      const std::wstring_view line = Text::Trim(rest.substr(0, rest.find(L'\n')));
+      rest.remove_prefix(std::min(rest.find(L'\n'), rest.size() - 1) + 1);
+      if (line.starts_with(L"list")) lists.insert(Unquoted(line.substr(line.find(L'"'))));
+      if (line.starts_with(L"bool")) bools.insert(Unquoted(line.substr(line.find(L'"'))));
+    }
+  }
+};
+
+struct Content {
+  std::map<CString, std::vector<CString>> lists;
+  std::map<CString, bool> bools;
+
+  friend bool operator==(const Content&, const Content&) = default;
+};
+
+Content ContentOf(const CResourceSea& sea, const Names& names) {
+  Content content;
+  for (const CString& name : names.lists) {
+    Require(sea.IsListEntry(name.c_str()), "a list bears the name that the file gives it");
+    std::vector<CString>& lines = content.lists[name];
+    CResourceList list(&sea, name.c_str());
+    for (list.GotoHead(); list.IsValid(); list.GotoNext()) {
+      list.GetCurrentLine()->GetLine(lines.emplace_back());
+    }
+  }
+  for (const CString& name : names.bools) {
+    const bool value = sea.LookupGetBool(name.c_str(), 0, false);
+    Require(value == sea.LookupGetBool(name.c_str(), 0, true), "a boolean bears its name");
+    content.bools[name] = value;
+  }
+  return content;
+}
+
 std::string Saved(const CResourceSea& sea, const std::string& file) {
   Require(sea.Save(Text::FromUtf8(file)), "a sea can be saved");
   std::ifstream saved(file, std::ios::binary);
   return {std::istreambuf_iterator<char>(saved), {}};
 }
 
-void RequireRoundTrip(const CResourceSea& sea) {
+void RequireRoundTrip(const CResourceSea& sea, const Names& names) {
   static const Folder folder;
   const std::string bytes = Saved(sea, folder.File());
   CResourceSea again;
   Require(again.Load(Text::FromUtf8(folder.File())), "what was saved can be loaded");
+  Require(ContentOf(again, names) == ContentOf(sea, names), "what was saved is what is loaded");
   Require(Saved(again, folder.File()) == bytes, "what is saved twice is the same bytes");
 }
 
@@ -75,7 +139,15 @@ void Sea(Bytes bytes) {
   list.AddLineTail()->SetSeaLine(line.c_str());
   Require(list.IsValid(), "a list shows the line that was added");
   Require(before.GotoHead(), "a view outlives the content that it shows");
-  RequireRoundTrip(sea);
+
+  Names names;
+  if (loaded) {
+    names.Add(bytes);
+  } else {
+    names.lists.insert(L"before");
+  }
+  names.lists.insert(L"<TAutoModeParam>");
+  RequireRoundTrip(sea, names);
 }
 
 }  // namespace fuzz

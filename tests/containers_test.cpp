@@ -1,17 +1,9 @@
 // The containers of rows: the first row of a key stays, order holds, limits are told.
 
-#include <gtest/gtest.h>
-
-#include <array>
 #include <atomic>
-#include <functional>
-#include <limits>
-#include <memory>
-#include <random>
-#include <string>
 #include <thread>
-#include <vector>
 
+#include "prelude.h"
 #include "tables/MapContainers.h"
 #include "tables/RowCollector.h"
 

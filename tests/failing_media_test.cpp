@@ -1,28 +1,22 @@
 // Lakes and binary tables on a medium that fails at each of their bytes, and files that grow or
 // shrink while they are read: what was whole is there, and nothing else.
-#include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <memory>
-#include <optional>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
+#include "full_disk.h"
 #include "interfaces/File.h"
 #include "lake/LakeReader.h"
 #include "lake_bytes.h"
+#include "prelude.h"
 #include "tables/TableFile.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-enum class Failing { reports, throws };
 
 const std::string marked_text = "\xEF\xBB\xBF<TMode>: {\n\t1 \"H\xC3\xB6he\"\n}\t; <TMode>\nk: v\n";
 
@@ -32,71 +26,20 @@ std::vector<std::wstring> Values(const CLake& lake) {
   return values;
 }
 
-// Bytes up to the place where the medium fails.
-LakeReader::Source FailingSource(const std::string& bytes, std::size_t good, Failing how) {
-  return [&bytes, good, how,
-          place = std::size_t{0}](std::span<char> block) mutable -> std::optional<std::size_t> {
-    if (place == good && how == Failing::throws) throw std::runtime_error("medium");
-    if (place == good) return std::nullopt;
-    const std::size_t count = std::min({block.size(), good - place, std::size_t{7}});
-    std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(place), count, block.begin());
-    place += count;
-    return count;
-  };
-}
-
+// Until the failure the medium is a file that ends there, but for a broken mark.
 TEST(FailingMedium, LeavesALakeTheLinesReadUntilThere) {
-  const std::vector<std::wstring> whole = Values(FromBytes(marked_text));
   for (std::size_t good = 0; good <= marked_text.size(); ++good) {
+    SCOPED_TRACE(good);
+    const std::string front = marked_text.substr(0, good);
     CLake lake = FromBytes("old\n");
-    EXPECT_FALSE(LakeReader::read(lake, FailingSource(marked_text, good, Failing::reports)))
-        << good;
-    const std::vector<std::wstring> lines = Values(lake);
-    if (lines == std::vector<std::wstring>{L"old"}) {
-      EXPECT_TRUE(good == 1 || good == 2) << "a broken mark alone leaves the lines";
-    } else {
-      // What a cut sequence began is not there; all lines but the last are whole.
-      const std::size_t feeds = static_cast<std::size_t>(std::count(
-          marked_text.begin(), marked_text.begin() + static_cast<std::ptrdiff_t>(good), '\n'));
-      ASSERT_LE(lines.size(), feeds + 1) << good;
-      EXPECT_TRUE(std::equal(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(feeds),
-                             whole.begin()))
-          << good;
-    }
+    EXPECT_FALSE(LakeReader::read(lake, Medium{7, Medium::End::reports_failure, front}));
+    EXPECT_EQ(ToBytes(lake), ToBytes(FromBytes(good == 1 || good == 2 ? "old\n" : front)));
 
     CLake kept = FromBytes("old\n");
-    EXPECT_THROW(LakeReader::read(kept, FailingSource(marked_text, good, Failing::throws)),
-                 std::runtime_error);
-    EXPECT_EQ(Values(kept), std::vector<std::wstring>{L"old"}) << good;
+    EXPECT_THROW(LakeReader::read(kept, Medium{7, Medium::End::throws, front}), std::runtime_error);
+    EXPECT_EQ(Values(kept), std::vector<std::wstring>{L"old"});
   }
 }
-
-// A binary table's file that fails at one byte.
-class FailingFile {
- public:
-  FailingFile(std::string bytes, std::size_t good, Failing how)
-      : bytes_(std::move(bytes)), good_(good), how_(how) {}
-
-  unsigned Read(void* buffer, unsigned count) {
-    const std::size_t there = std::min<std::size_t>(count, good_ - place_);
-    std::memcpy(buffer, bytes_.data() + place_, there);
-    place_ += there;
-    if (there < count && how_ == Failing::throws) throw std::runtime_error("medium");
-    return static_cast<unsigned>(there);
-  }
-  void Write(const void* buffer, unsigned count) {
-    const std::size_t there = std::min<std::size_t>(count, good_ - bytes_.size());
-    bytes_.append(static_cast<const char*>(buffer), there);
-    if (there < count) throw std::runtime_error("medium");
-  }
-  const std::string& bytes() const { return bytes_; }
-
- private:
-  std::string bytes_;
-  std::size_t good_;
-  std::size_t place_ = 0;
-  Failing how_;
-};
 
 struct BinaryRow {
   int id = 0;
@@ -141,19 +84,76 @@ int RowsIn(std::size_t bytes) {
   return static_cast<int>((bytes - DynTables::table_header_size) / binary_row_size);
 }
 
-TEST(FailingMedium, CutsABinaryTableBehindItsLastWholeRow) {
-  FailingFile whole("", 1000, Failing::throws);
-  WriteTable(whole);
-  const std::size_t size = whole.bytes().size();
-  ASSERT_EQ(size, DynTables::table_header_size + 2 * binary_row_size);
-  for (std::size_t good = 0; good < size; ++good) {
-    FailingFile shortened(whole.bytes(), good, Failing::reports);
-    EXPECT_EQ(ReadTable(shortened), RowsIn(good)) << good;
-    FailingFile throwing(whole.bytes(), good, Failing::throws);
-    EXPECT_THROW(ReadTable(throwing), std::runtime_error) << good;
-    FailingFile target("", good, Failing::throws);
-    EXPECT_THROW(WriteTable(target), std::runtime_error) << good;
-    EXPECT_EQ(target.bytes(), whole.bytes().substr(0, good)) << good;
+std::string WholeTable() {
+  const ScratchFile file;
+  CFile target(file.name(), CFile::modeWrite);
+  WriteTable(target);
+  target.Close();
+  return file.bytes();
+}
+
+// A binary table's file that fails at one byte.
+struct FailingFile {
+  std::string bytes;
+  std::size_t place = 0;
+
+  unsigned Read(void* buffer, unsigned count) {
+    if (bytes.size() - place < count) throw std::runtime_error("medium");
+    std::memcpy(buffer, bytes.data() + place, count);
+    place += count;
+    return count;
+  }
+};
+
+TEST(FailingMedium, ThatThrowsIsHeardByTheReaderOfABinaryTable) {
+  const std::string whole = WholeTable();
+  ASSERT_EQ(whole.size(), DynTables::table_header_size + 2 * binary_row_size);
+  for (std::size_t good = 0; good <= whole.size(); ++good) {
+    FailingFile file{whole.substr(0, good)};
+    EXPECT_THROW(ReadTable(file), std::runtime_error) << good;
+  }
+  CFile failing(L"/proc/self/mem", CFile::modeRead);  // a short read at its first byte
+  EXPECT_EQ(ReadTable(failing), -1);
+}
+
+// Files that are written over longer ones; the numbers of bytes that the disk has room for.
+TEST(FullDisk, KeepsTheFrontOfALakeAndHarmsNoMoreThanTheFile) {
+  std::string large = "\xEF\xBB\xBF";
+  while (large.size() < 200'000) large += "<T>: {\n\t1 \"H\xC3\xB6he\"\n}\t; <T>\n";
+  for (const auto& [text, step] : {std::pair(marked_text, 1), std::pair(large, 9973)}) {
+    const CLake lake = FromBytes(text);
+    const ScratchFile file;
+    for (std::size_t room = 0; room < text.size(); room += static_cast<std::size_t>(step)) {
+      SCOPED_TRACE(room);
+      std::ofstream(file.path(), std::ios::binary) << text << "old";
+      const auto write_into = [&] {
+        const FullDisk disk(room);
+        return lake.write(file.name());
+      };
+      EXPECT_TRUE(write_into()) << "only a file that can't be opened is told";
+      EXPECT_TRUE(file.bytes() == text.substr(0, room));
+      EXPECT_TRUE(lake.write({}) && file.bytes() == text) << "there is room again";
+    }
+  }
+}
+
+TEST(FullDisk, KeepsTheFrontOfABinaryTableAndIsTold) {
+  const std::string whole = WholeTable();
+  const ScratchFile file;
+  const auto write = [&] {
+    CFile target(file.name(), CFile::modeWrite);
+    WriteTable(target);
+    target.Close();
+  };
+  for (std::size_t room = 0; room < whole.size(); ++room) {
+    const auto write_into = [&] {
+      const FullDisk disk(room);
+      write();
+    };
+    EXPECT_THROW(write_into(), CFileException) << room;
+    EXPECT_EQ(file.bytes(), whole.substr(0, room));
+    write();
+    EXPECT_EQ(file.bytes(), whole);
   }
 }
 
@@ -187,11 +187,8 @@ TEST(ChangingFile, GivesALakeWhatWasThere) {
 
 TEST(ChangingFile, GivesABinaryTableItsWholeRows) {
   const ScratchFile file;
-  CFile target(file.name(), CFile::modeWrite);
-  WriteTable(target);
-  target.Close();
-  const std::string whole = file.bytes();
-  for (std::size_t size = 0; size <= whole.size() + 2 * binary_row_size; size += 3) {
+  const std::string whole = WholeTable();
+  for (std::size_t size = 0; size <= whole.size() + 2 * binary_row_size; ++size) {
     std::ofstream(file.path(), std::ios::binary | std::ios::trunc) << whole;
     CFile source(file.name(), CFile::modeRead);
     fs::resize_file(file.path(), size);

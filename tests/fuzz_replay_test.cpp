@@ -1,25 +1,17 @@
 // What fuzzing starts from and what it has found: every kept input is put through its target again,
 // without a fuzzer, so that a mended fault stays mended under every compiler.
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
 
 #include "Fuzz.h"
+#include "lake_bytes.h"
+#include "prelude.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
 class FuzzReplay : public testing::TestWithParam<fuzz::Target> {};
-
-std::string BytesOf(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 TEST_P(FuzzReplay, KeptInputsHoldTheProperties) {
   int replayed = 0;

@@ -1,13 +1,8 @@
 // Which kind of result an instrument gives: what decides how the suite shows it.
 
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <map>
 #include <numeric>
-#include <tuple>
-#include <vector>
 
+#include "prelude.h"
 #include "test_store.h"
 
 namespace {

@@ -1,8 +1,7 @@
-// What a crash or a refusing system leaves of a sea that is being saved. The save runs in a process
-// of its own, which stops before and behind each of its system calls: there it is killed, or the
-// call is refused; and so with every one of them in turn.
+// What a crash or a refusing system leaves of a sea that is being saved or loaded. That runs in a
+// process of its own, which stops before and behind each of its system calls: there it is killed,
+// or the call is refused; and so with every one of them in turn.
 
-#include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
@@ -11,38 +10,36 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <csignal>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
-#include <set>
-#include <string>
-#include <vector>
 
 #include "interfaces/PrWin.h"
 #include "interfaces/ResourceSea.h"
 #include "lake_bytes.h"
+#include "prelude.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-// How the process of a save ends.
-constexpr int saved = 0;
-constexpr int not_saved = 1;
+// How a process ends.
+constexpr int done = 0;
+constexpr int not_done = 1;
 constexpr int not_traceable = 2;
+constexpr int half_done = 3;
 
-class TracedSave {
+class TracedProcess {
  public:
-  TracedSave(const CResourceSea& sea, const std::wstring& name) : child_(fork()) {
-    if (child_ == 0) Save(sea, name);
+  explicit TracedProcess(const std::function<int()>& run) : child_(fork()) {
+    if (child_ == 0) Run(run);
     Wait();
     SetOptions(PTRACE_O_TRACESECCOMP);
   }
-  TracedSave(const TracedSave&) = delete;
-  TracedSave& operator=(const TracedSave&) = delete;
-  ~TracedSave() {
+  TracedProcess(const TracedProcess&) = delete;
+  TracedProcess& operator=(const TracedProcess&) = delete;
+  ~TracedProcess() {
     if (HasEnded()) return;
     kill(child_, SIGKILL);
     Wait();
@@ -72,12 +69,12 @@ class TracedSave {
   }
 
  private:
-  [[noreturn]] static void Save(const CResourceSea& sea, const std::wstring& name) noexcept {
+  [[noreturn]] static void Run(const std::function<int()>& run) noexcept {
     PrWin::SetSink([](std::wstring_view, auto, auto) {});
     if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) _exit(not_traceable);
     raise(SIGSTOP);
     if (!MakeCallsRefusable()) _exit(not_traceable);
-    _exit(sea.Save(name) ? saved : not_saved);
+    _exit(run());
   }
 
   // A call that is to be traced is refused while the tracer doesn't ask for it. Not so those of
@@ -129,15 +126,15 @@ class InterruptedSave : public testing::Test {
   }
 
   void SetUp() override {
-    if (TracedSave(sea_, file_.name()).End() == not_traceable) {
+    if (TracedProcess([] { return done; }).End() == not_traceable) {
       GTEST_SKIP() << "no process may be traced here, or its calls refused";
     }
   }
 
   // A save over the old file.
-  TracedSave Begin() const {
+  TracedProcess Begin() const {
     std::ofstream(file_.path(), std::ios::binary) << old_;
-    return TracedSave(sea_, file_.name());
+    return TracedProcess([this] { return sea_.Save(file_.name()) ? done : not_done; });
   }
 
   std::string Content() const {
@@ -189,19 +186,45 @@ TEST_F(InterruptedSave, RefusedAnyCallReportsItOrDoesWithout) {
   std::set<long> needed;
   for (int call = 1; !HasFailure(); ++call) {
     SCOPED_TRACE(call);
-    TracedSave save = Begin();
+    TracedProcess save = Begin();
     if (!save.RunToStop(2 * call - 1)) break;
     const long number = save.RefuseCall();
     EXPECT_FALSE(number == SYS_write && needed.contains(SYS_fsync)) << "written behind the sync";
     const int end = save.End();
-    EXPECT_TRUE(end == saved || end == not_saved) << end;
-    EXPECT_EQ(Content(), end == saved ? "new" : "old");
+    EXPECT_TRUE(end == done || end == not_done) << end;
+    EXPECT_EQ(Content(), end == done ? "new" : "old");
     EXPECT_TRUE(Remains().empty());
-    if (end == not_saved) needed.insert(number);
+    if (end == not_done) needed.insert(number);
   }
   for (const long number : {SYS_write, SYS_fsync, SYS_close}) {
     EXPECT_TRUE(needed.contains(number)) << number;
   }
+}
+
+// A sea that is whole in front of the place where the medium fails is refused, too.
+TEST_F(InterruptedSave, ALoadRefusedAnyCallLeavesTheSeaOrDoesWithout) {
+  std::ofstream(file_.path(), std::ios::binary) << old_ << std::string(50000, '\n');
+  const auto load = [this] {
+    CResourceSea sea;
+    CResourceList(&sea, L"before").AddLineTail();
+    const bool loaded = sea.Load(file_.name());
+    if (sea.IsListEntry(L"a list") != loaded || sea.IsListEntry(L"before") == loaded) {
+      return half_done;
+    }
+    return loaded ? done : not_done;
+  };
+  EXPECT_EQ(TracedProcess(load).End(), done);
+  int reads = 0;
+  for (int call = 1; !HasFailure(); ++call) {
+    SCOPED_TRACE(call);
+    TracedProcess process(load);
+    if (!process.RunToStop(2 * call - 1)) break;
+    const bool is_read = process.RefuseCall() == SYS_read;
+    const int end = process.End();
+    EXPECT_TRUE(end == not_done || (end == done && !is_read)) << end;
+    reads += is_read ? 1 : 0;
+  }
+  EXPECT_GT(reads, 3);
 }
 
 }  // namespace

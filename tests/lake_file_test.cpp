@@ -1,19 +1,12 @@
 // Files in, files out: if this breaks, a parameter file is misread, damaged, or crashes its host.
-#include <gtest/gtest.h>
 
-#include <algorithm>
 #include <locale>
-#include <optional>
-#include <random>
-#include <sstream>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "lake/Lake.h"
 #include "lake/LakeReader.h"
 #include "lake/Utf8ToUcs2.h"
 #include "lake_bytes.h"
+#include "prelude.h"
 
 namespace {
 
@@ -30,22 +23,6 @@ std::wstring Lines(const CLake& lake) {
   for (const auto& line : lake) text += Texts(line) + L"/";
   return text;
 }
-
-// Gives its bytes in pieces, and ends in one of three ways.
-struct Medium {
-  enum class End { of_file, reports_failure, throws };
-  std::size_t piece;
-  End end;
-  std::string_view rest = {};
-
-  std::optional<std::size_t> operator()(std::span<char> block) {
-    if (rest.empty() && end == End::throws) throw std::runtime_error("medium");
-    if (rest.empty() && end == End::reports_failure) return std::nullopt;
-    const std::size_t count = rest.copy(block.data(), std::min(piece, block.size()));
-    rest.remove_prefix(count);
-    return count;
-  }
-};
 
 TEST(LakeFile, LinesAreTakenApart) {
   const std::pair<const wchar_t*, const wchar_t*> cases[] = {

@@ -1,13 +1,8 @@
 // What stands in which section: if this breaks, tables load wrong rows or none.
-#include <gtest/gtest.h>
-
-#include <sstream>
-#include <string>
-#include <string_view>
-#include <tuple>
 
 #include "lake/Lake.h"
 #include "lake_bytes.h"
+#include "prelude.h"
 
 namespace {
 

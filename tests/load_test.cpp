@@ -1,16 +1,9 @@
 // The load as a whole: which data bases are accepted, what each state of the server's life holds,
 // what a load computes from the tables.
 
-#include <gtest/gtest.h>
-
-#include <sstream>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "frame/QtParamServer.h"
 #include "frame/TableCatalogue.h"
-#include "interfaces/ResourceSea.h"
+#include "prelude.h"
 #include "test_store.h"
 
 namespace {
@@ -104,7 +97,7 @@ TEST(Documents, NamesAreCutToOneWord) {
 // in that first use, so this takes a process of its own, as ctest gives it to each test.
 TEST(Server, LivesThroughItsStates) {
   CResourceSea application;
-  CResourceList(&application, L"<TAutoModeParam>").AddLineTail()->SetSeaLine(L"2 100 10 25 1 0 5");
+  testing_support::AddLines(application, L"<TAutoModeParam>", {L"2 100 10 25 1 0 5"});
   CResourceSea* const before = CSeaBase::ApplicationSea();
   CSeaBase::SetApplicationSea(&application);
   CParameterLake::Lake().clear();
@@ -169,10 +162,7 @@ TEST(Server, LivesThroughItsStates) {
             "ready, modes 1, one is 1, auto modes 0, trigger 77, time signal 4, type base");
   params.AutoModeParams().Assign(1, QVAutoModeParams());
   params.WriteTablesToLocalSeas();
-  int lines = 0;
-  CResourceList list(&application, L"<TAutoModeParam>");
-  for (list.GotoHead(); list.IsValid(); list.GotoNext()) ++lines;
-  EXPECT_EQ(lines, 2);
+  EXPECT_EQ(testing_support::LinesOf(application, L"<TAutoModeParam>").size(), 2U);
   CParameterLake::Lake().clear();
   CSeaBase::SetApplicationSea(before);
 }

@@ -1,14 +1,6 @@
 // What the machine turns: rotors, gears, speed sources, orders, and what a channel sees of them.
 
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <random>
-#include <set>
-#include <string>
-#include <tuple>
-#include <vector>
-
+#include "prelude.h"
 #include "test_store.h"
 
 namespace {

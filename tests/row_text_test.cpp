@@ -1,11 +1,6 @@
 // Lines of text to fields and back: what a bench engineer writes must be what the tables hold.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
-#include <vector>
-
+#include "prelude.h"
 #include "tables/RowText.h"
 #include "test_store.h"
 

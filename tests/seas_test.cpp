@@ -1,38 +1,24 @@
 // The seas: lists and their views, and the file, which must lose nothing: not on the way out and
 // back, not on a full disk, not by a slip of the editor.
 
-#include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
+#include "full_disk.h"
 #include "interfaces/ResourceSea.h"
+#include "prelude.h"
 #include "test_store.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-using Lines = std::vector<std::wstring>;
-
-Lines LinesOf(const CResourceSea& sea, const wchar_t* name) {
-  Lines lines;
-  CResourceList list(&sea, name);
-  for (list.GotoHead(); list.IsValid(); list.GotoNext()) {
-    list.GetCurrentLine()->GetLine(lines.emplace_back());
-  }
-  return lines;
-}
-
-void Fill(CResourceSea& sea, const wchar_t* name, const Lines& lines) {
-  CResourceList list(&sea, name);
-  for (const std::wstring& line : lines) list.AddLineTail()->SetSeaLine(line.c_str());
-}
+using testing_support::AddLines;
+using testing_support::Lines;
+using testing_support::LinesOf;
 
 TEST(Sea, ListsGrowUnderTheirViewsAndEntriesStayInPlace) {
   CResourceSea sea;
@@ -65,7 +51,7 @@ TEST(Sea, ListsGrowUnderTheirViewsAndEntriesStayInPlace) {
   list.RemoveAll();
   EXPECT_FALSE(view.IsValid());
   EXPECT_TRUE(sea.IsListEntry(L"<T>"));
-  Fill(sea, nullptr, {L"nameless"});
+  AddLines(sea, nullptr, {L"nameless"});
   EXPECT_EQ(LinesOf(sea, L""), Lines{L"nameless"});
   CResourceSea* const nowhere = nullptr;
   EXPECT_NE(CResourceList(nowhere, L"x").AddLineTail(), nullptr);
@@ -117,10 +103,7 @@ class SeaFile : public testing::Test {
   void Put(const std::string& bytes) const {
     std::ofstream(folder_ / "a.sea", std::ios::binary) << bytes;
   }
-  std::string Bytes() const {
-    std::ifstream in(folder_ / "a.sea", std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
+  std::string Bytes() const { return BytesOf(folder_ / "a.sea"); }
   std::ptrdiff_t Files() const {
     return std::distance(fs::directory_iterator(folder_), fs::directory_iterator());
   }
@@ -146,15 +129,15 @@ TEST_F(SeaFile, EveryTextComesBack) {
                        L"\xD83D\xD83D\xDE00",
                        L"\\u0041"};
   CResourceSea out;
-  for (const std::wstring& name : texts) Fill(out, name.c_str(), texts);
-  Fill(out, L"empty", {});
+  for (const std::wstring& name : texts) AddLines(out, name.c_str(), texts);
+  AddLines(out, L"empty", {});
   bool yes = true;
   out.LookupBool(2, L"list \"\xD800\n", yes, 0);
   ASSERT_TRUE(out.Save(Name(L"\u00E4\xD83D\xDE00.sea")));
   EXPECT_TRUE(fs::exists(folder_ / "\xC3\xA4\xF0\x9F\x98\x80.sea")) << "file names are UTF-8";
 
   CResourceSea in;
-  Fill(in, L"old", {L"gone"});
+  AddLines(in, L"old", {L"gone"});
   CResourceList view(&in, L"old");  // is open over the load and keeps its list
   ASSERT_TRUE(in.Load(Name(L"\u00E4\xD83D\xDE00.sea"))) << Text::ToUtf8(log_.Text());
   for (const std::wstring& name : texts) EXPECT_EQ(LinesOf(in, name.c_str()), texts);
@@ -168,7 +151,7 @@ TEST_F(SeaFile, IsTheOneThatIsDescribedAndTakesWhatEditorsDo) {
   CResourceSea sea;
   bool no = false;
   sea.LookupBool(2, L"B", no, 0);
-  Fill(sea, L"<T>", {L"1 \"a\"\t\x7F", L"\u00FC\xDC00"});
+  AddLines(sea, L"<T>", {L"1 \"a\"\t\x7F", L"\u00FC\xDC00"});
   ASSERT_TRUE(sea.Save(Name(L"a.sea")));
   EXPECT_EQ(Bytes(),
             "sea 1\nlist \"<T>\"\n  \"1 \\\"a\\\"\\t\\u007f\"\n  \"\xC3\xBC\\udc00\"\n"
@@ -206,7 +189,7 @@ TEST_F(SeaFile, ABadFileLeavesTheSeaAndNamesTheLine) {
       {head + "end\nlist \"late\"\n", L"line 4: there is text behind"},
       {head + "\"\xFF\"\nend\n", L"line 0: the file is not UTF-8"}};
   CResourceSea sea;
-  Fill(sea, L"old", {L"kept"});
+  AddLines(sea, L"old", {L"kept"});
   for (const auto& [bytes, why] : cases) {
     log_.lines.clear();
     Put(bytes);
@@ -222,26 +205,39 @@ TEST_F(SeaFile, ABadFileLeavesTheSeaAndNamesTheLine) {
   EXPECT_FALSE(sea.IsListEntry(L"new"));
 }
 
+TEST_F(SeaFile, IsRefusedWhereverItIsCut) {
+  const std::string whole =
+      "\xEF\xBB\xBFsea 1\nlist \"new\"\n  \"\xC3\xBC \\\" \\u00fc\"\nbool \"B\" true\nend\n";
+  CResourceSea sea;
+  AddLines(sea, L"old", {L"kept"});
+  for (std::size_t size = 0; size + 1 < whole.size(); ++size) {
+    Put(whole.substr(0, size));
+    log_.lines.clear();
+    EXPECT_FALSE(sea.Load(Name(L"a.sea"))) << size;
+    EXPECT_EQ(log_.lines.size(), 1U) << size;
+    EXPECT_EQ(LinesOf(sea, L"old"), Lines{L"kept"}) << size;
+    EXPECT_FALSE(sea.IsListEntry(L"new") || sea.LookupGetBool(L"B", 0, false)) << size;
+  }
+  Put(whole.substr(0, whole.size() - 1));  // the last line is whole without its line feed
+  EXPECT_TRUE(sea.Load(Name(L"a.sea")));
+  EXPECT_EQ(LinesOf(sea, L"new"), Lines{L"\u00FC \" \u00FC"});
+}
+
 TEST_F(SeaFile, ASaveThatFailsLeavesTheOldFileAndNothingElse) {
   CResourceSea sea;
-  Fill(sea, L"<T>", {L"old"});
+  AddLines(sea, L"<T>", {L"old"});
   ASSERT_TRUE(sea.Save(Name(L"a.sea")));
   const std::string old = Bytes();
-  Fill(sea, L"<T>", {std::wstring(100000, L'n')});
-  // No file of this process grows beyond some bytes, which is what a full disk does to it.
-  rlimit before{};
-  getrlimit(RLIMIT_FSIZE, &before);
-  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  AddLines(sea, L"<T>", {std::wstring(100000, L'n')});
+  const auto save_into = [&](rlim_t room) {
+    const FullDisk disk(room);
+    return sea.Save(Name(L"a.sea"));
+  };
   for (const rlim_t room : {0U, 10U, 5000U}) {
-    const rlimit small = {room, before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &small);
-    const bool saved = sea.Save(Name(L"a.sea"));
-    setrlimit(RLIMIT_FSIZE, &before);
-    EXPECT_FALSE(saved) << room;
+    EXPECT_FALSE(save_into(room)) << room;
     EXPECT_EQ(Bytes(), old);
     EXPECT_EQ(Files(), 1);
   }
-  std::signal(SIGXFSZ, handler);
   EXPECT_NE(log_.Text().find(L"the disk is full"), std::wstring::npos);
 
   fs::create_directory(folder_ / "d");
@@ -267,7 +263,7 @@ TEST_F(SeaFile, ASaveKeepsModeAndLinkOfTheFile) {
   constexpr auto mode = fs::perms::owner_read | fs::perms::owner_write;
   fs::permissions(folder_ / "a.sea", mode);
   fs::create_symlink("a.sea", folder_ / "link");
-  Fill(sea, L"<T>", {L"new"});
+  AddLines(sea, L"<T>", {L"new"});
   ASSERT_TRUE(sea.Save(Name(L"link")));
   EXPECT_TRUE(fs::is_symlink(folder_ / "link"));
   EXPECT_NE(Bytes().find("new"), std::string::npos);

@@ -1,34 +1,19 @@
 // Whoever loses this looks at the wrong spectral lines: which parameters have intervals, where an
 // interval lies in a test step, and what remains of one when others are cut out of it.
-#include <gtest/gtest.h>
 
-#include <algorithm>
-#include <climits>
-#include <cmath>
-#include <iterator>
-#include <limits>
-#include <optional>
-#include <random>
-#include <string>
-#include <tuple>
-#include <utility>
-#include <vector>
-
+#include "prelude.h"
 #include "spec/QtSpecInterval.h"
 #include "spec/QtSpecIntervalStore.h"
 #include "test_store.h"
 
 namespace {
 
+using testing_support::Section;
 using testing_support::TestStore;
 using Entry = QVSpecIntervalEntry;
 using Spec = CQtSpecInterval;
 
 constexpr float kTiny = std::numeric_limits<float>::denorm_min();
-
-std::string Section(const std::string& name, const std::string& rows) {
-  return "<" + name + ">: {\n" + rows + "}\n";
-}
 
 // The calculation parameters 2, 3 and 4 of one parameter; 0 in place of one leaves it out.
 std::string CalcRows(int id, const std::string& definition, int interpretation = 6,

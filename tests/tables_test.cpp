@@ -1,19 +1,15 @@
 // Tables read from lakes and seas, written to seas, dumped and emptied: what a file's author may
 // rely on, and what is said when a line is bad.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <random>
-#include <string>
-#include <vector>
-
-#include "interfaces/ResourceSea.h"
+#include "prelude.h"
 #include "tables/QParamBaseTableImpl.h"
 #include "test_store.h"
 
 namespace {
 
+using testing_support::AddLines;
+using testing_support::Lines;
+using testing_support::LinesOf;
 using testing_support::Log;
 
 // id | text number
@@ -138,16 +134,11 @@ TEST(Tables, WhatIsNoSectionGivesNoRows) {
   }
 }
 
-void Fill(CResourceSea& sea, std::initializer_list<const wchar_t*> lines) {
-  CResourceList list(&sea, section);
-  for (const wchar_t* line : lines) list.AddLineTail()->SetSeaLine(line);
-}
-
 TEST(Tables, ALocalSeaStandsInForAMissingSection) {
   CResourceSea local;
-  Fill(local, {L"3 local 1"});
+  AddLines(local, section, {L"3 local 1"});
   CResourceSea other;
-  Fill(other, {L"4 other 1 "});
+  AddLines(other, section, {L"4 other 1 "});
   CResourceSea without;
   CLake empty;
   CLake lake = Section({"1 lake 1"});
@@ -170,12 +161,12 @@ TEST(Tables, ALocalSeaStandsInForAMissingSection) {
 
   // An empty list is a list; a bad line of a sea is logged as what was left of it.
   CResourceSea bad;
-  Fill(bad, {});
+  AddLines(bad, section, {});
   EXPECT_EQ(rows_of(&bad), "");
-  Fill(bad, {L"1 a x", L"", L"2 b 7"});
+  AddLines(bad, section, {L"1 a x", L"", L"2 b 7", L"3 c 8"});
   const Log log;
   EXPECT_FALSE(table.ReadTable(&bad));
-  EXPECT_EQ(Rows(table), "1 a 5\n2 b 7\n");
+  EXPECT_EQ(Rows(table), "1 a 5\n2 b 7\n3 c 8\n");
   EXPECT_EQ(log.lines.back().text,
             L"CQParamSeaTypedTable< T >::ReadTable(): Error reading line ' x' of table "
             L"'<TTest>'\n");
@@ -187,14 +178,7 @@ TEST(Tables, ATableIsWrittenOverItsListInTheSea) {
   Sorted table(section);
   table.ReadTable(lake);
   for (int i = 0; i < 2; ++i) EXPECT_TRUE(table.WriteTable(&sea));
-  CResourceList list(&sea, section);
-  std::wstring text;
-  CString line;
-  for (list.GotoHead(); list.IsValid(); list.GotoNext()) {
-    list.GetCurrentLine()->GetLine(line);
-    text += line + L"\n";
-  }
-  EXPECT_EQ(text, L"1  7\n2 two words 1\n");
+  EXPECT_EQ(LinesOf(sea, section), (Lines{L"1  7", L"2 two words 1"}));
 }
 
 TEST(Tables, DumpsShowOneRowMoreThanTheirLimit) {

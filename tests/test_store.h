@@ -2,17 +2,14 @@
 // store that is not the process's, and what is logged meanwhile is kept.
 #pragma once
 
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
-
 #include "frame/QtParamDerived.h"
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
 #include "interfaces/PrWin.h"
+#include "interfaces/ResourceSea.h"
 #include "interfaces/Text.h"
 #include "lake_bytes.h"
+#include "prelude.h"
 
 namespace testing_support {
 
@@ -45,6 +42,26 @@ class Log {
  private:
   PrWin::Sink before_;
 };
+
+// A section of a file; each row ends with a line feed.
+inline std::string Section(const std::string& name, const std::string& rows) {
+  return "<" + name + ">: {\n" + rows + "}\n";
+}
+
+using Lines = std::vector<std::wstring>;
+
+inline Lines LinesOf(const CResourceSea& sea, const wchar_t* list) {
+  Lines lines;
+  for (CResourceList view(&sea, list); view.IsValid(); view.GotoNext()) {
+    view.GetCurrentLine()->GetLine(lines.emplace_back());
+  }
+  return lines;
+}
+
+inline void AddLines(CResourceSea& sea, const wchar_t* list, const Lines& lines) {
+  CResourceList view(&sea, list);
+  for (const std::wstring& line : lines) view.AddLineTail()->SetSeaLine(line.c_str());
+}
 
 inline constexpr const char* version =
     "<DbDesign.CacheVersion>: 215\n<DbDesign.CacheMinorVersion>: 1\n";

@@ -9,6 +9,7 @@
 #include <cassert>
 #include <iterator>
 #include <utility>
+#include <vector>
 
 #include "interfaces/Number.h"
 #include "lake/LakeReader.h"
@@ -32,10 +33,7 @@ bool CLake::empty() const { return begin() == end(); }
 
 void CLake::clear() { nodes_ = new_nodes(); }
 
-void CLake::merge(const CLake& other) {
-  nodes_->splice(nodes_->end(), other.copied_lines());
-  link_root();
-}
+void CLake::merge(const CLake& other) { link_root(other.copied_lines()); }
 
 CLake::const_iterator CLake::begin() const { return std::next(nodes_->begin()); }
 
@@ -65,10 +63,21 @@ void CLake::replace_lines(NodeList&& lines) {
   nodes_ = std::move(nodes);
 }
 
-void CLake::link_root() {
-  root().clear();
-  root().set_collection(*nodes_);
-  root().link(std::next(nodes_->begin()));
+void CLake::link_root(NodeList&& more) {
+  // The lines stay where they are, since others may hold on to them; so what linking changes in
+  // them is kept aside, to be put back.
+  std::vector<CNode> before(nodes_->begin(), nodes_->end());
+  nodes_->splice(nodes_->end(), more);
+  try {
+    root().clear();
+    root().set_collection(*nodes_);
+    root().link(std::next(nodes_->begin()));
+  } catch (...) {
+    nodes_->erase(std::next(nodes_->begin(), static_cast<std::ptrdiff_t>(before.size())),
+                  nodes_->end());
+    std::move(before.begin(), before.end(), nodes_->begin());
+    throw;
+  }
 }
 
 // ------------------------------------------------------------------------------- CLake::CNode

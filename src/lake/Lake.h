@@ -67,7 +67,8 @@ class KESTRIN_API CLake {
 
   // Appends copies of the other lake's lines, as if its file had been read behind this one: of a
   // plain key that stands in both this lake's value is kept, a section that stands in both shows
-  // the other lake's children. A lake may be merged with itself.
+  // the other lake's children. A lake may be merged with itself. If memory runs out, nothing has
+  // changed.
   void merge(const CLake& other);
 
   // The lines in file order, those outside every section too. The root is none of them.
@@ -89,7 +90,8 @@ class KESTRIN_API CLake {
   static std::unique_ptr<NodeList> new_nodes();
   NodeList copied_lines() const;
   void replace_lines(NodeList&& lines);
-  void link_root();
+  // Links all lines anew, with more lines behind them. If memory runs out, nothing has changed.
+  void link_root(NodeList&& more = {});
 
   mutable CString filename_;
   std::unique_ptr<NodeList> nodes_;  // the root, then the lines; nodes know the list by its place
