@@ -1,9 +1,16 @@
 // What calculation parameters hold, and what they and their values are called.
 
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
 #include <list>
+#include <sstream>
+#include <string>
+#include <tuple>
+#include <utility>
 
 #include "frame/ModuleStrings.h"
-#include "prelude.h"
 #include "test_store.h"
 
 namespace {

@@ -1,9 +1,17 @@
 // What the lines of each section hold. A wrong field order, kind or default misreads a whole table
 // without a word, so the catalogue is held against a table that was typed by hand.
 
+#include <gtest/gtest.h>
+
+#include <iterator>
+#include <map>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
 #include "frame/QtParamInstance.h"
 #include "frame/TableCatalogue.h"
-#include "prelude.h"
 #include "test_store.h"
 
 namespace {

@@ -1,9 +1,17 @@
 // The containers of rows: the first row of a key stays, order holds, limits are told.
 
-#include <atomic>
-#include <thread>
+#include <gtest/gtest.h>
 
-#include "prelude.h"
+#include <array>
+#include <atomic>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
 #include "tables/MapContainers.h"
 #include "tables/RowCollector.h"
 

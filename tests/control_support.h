@@ -2,12 +2,16 @@
 // ask, and pictures as text.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <cstddef>
+#include <string>
+#include <vector>
 
 #include "frame/ModuleStrings.h"
 #include "interfaces/ComboBoxX.h"
 #include "interfaces/TextView.h"
-#include "prelude.h"
 #include "test_store.h"
 
 // A data base of the process and a user who reads English.

@@ -1,17 +1,22 @@
 // Lakes and binary tables on a medium that fails at each of their bytes, and files that grow or
 // shrink while they are read: what was whole is there, and nothing else.
+#include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <memory>
+#include <optional>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "full_disk.h"
 #include "interfaces/File.h"
 #include "lake/LakeReader.h"
 #include "lake_bytes.h"
-#include "prelude.h"
 #include "tables/TableFile.h"
 
 namespace {

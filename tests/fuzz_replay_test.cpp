@@ -1,11 +1,13 @@
 // What fuzzing starts from and what it has found: every kept input is put through its target again,
 // without a fuzzer, so that a mended fault stays mended under every compiler.
 
+#include <gtest/gtest.h>
+
 #include <filesystem>
+#include <string>
 
 #include "Fuzz.h"
 #include "lake_bytes.h"
-#include "prelude.h"
 
 namespace {
 

@@ -1,8 +1,13 @@
 // Which kind of result an instrument gives: what decides how the suite shows it.
 
-#include <numeric>
+#include <gtest/gtest.h>
 
-#include "prelude.h"
+#include <climits>
+#include <map>
+#include <numeric>
+#include <tuple>
+#include <vector>
+
 #include "test_store.h"
 
 namespace {

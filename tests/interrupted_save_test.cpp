@@ -2,6 +2,7 @@
 // process of its own, which stops before and behind each of its system calls: there it is killed,
 // or the call is refused; and so with every one of them in turn.
 
+#include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
@@ -10,15 +11,19 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <set>
+#include <string>
+#include <vector>
 
 #include "interfaces/PrWin.h"
 #include "interfaces/ResourceSea.h"
 #include "lake_bytes.h"
-#include "prelude.h"
 
 namespace {
 

@@ -1,12 +1,22 @@
 // The controls with which a user picks ids and keys: what is offered, what is kept although it
 // isn't, and what the owner hears. All of it is worked as a user works it.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <tuple>
+#include <vector>
 
 #include "control_support.h"
 #include "controls/ClavisComboBox.h"
 #include "controls/ClavisListCtrl.h"
 #include "controls/KestrinCtrl.h"
 #include "controls/KestrinDialog.h"
-#include "prelude.h"
 
 namespace {
 

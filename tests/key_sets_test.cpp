@@ -1,10 +1,16 @@
 // Key sets that disagree with themselves show results that nobody selected, or hide those that
 // somebody did.
+#include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
+#include <random>
+#include <set>
 #include <stdexcept>
+#include <tuple>
+#include <utility>
 
 #include "keys/QIdx8Set.h"
-#include "prelude.h"
 
 namespace {
 

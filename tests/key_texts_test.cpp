@@ -1,7 +1,12 @@
 // Keys and types as people read them in dialogs, logs and lists.
 
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <string>
+#include <tuple>
+
 #include "interfaces/ComboBoxX.h"
-#include "prelude.h"
 #include "test_store.h"
 
 namespace {

@@ -1,12 +1,20 @@
 // A wrong order, and every table lookup misses; a wrong bridge, and keys change on their way to the
 // host.
+#include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <functional>
 #include <iomanip>
+#include <limits>
 #include <locale>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
 
 #include "interfaces/Clavis.h"
 #include "keys/IndexRecords.h"
-#include "prelude.h"
 
 namespace {
 

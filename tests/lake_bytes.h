@@ -1,16 +1,21 @@
 // Lakes from bytes and bytes from lakes, through a file as hosts do it.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <optional>
 #include <span>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 
 #include "interfaces/Text.h"
 #include "lake/Lake.h"
-#include "prelude.h"
 
 inline std::string BytesOf(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);

@@ -1,12 +1,18 @@
 // Files in, files out: if this breaks, a parameter file is misread, damaged, or crashes its host.
+#include <gtest/gtest.h>
 
+#include <algorithm>
 #include <locale>
+#include <random>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "lake/Lake.h"
 #include "lake/LakeReader.h"
 #include "lake/Utf8ToUcs2.h"
 #include "lake_bytes.h"
-#include "prelude.h"
 
 namespace {
 

@@ -1,8 +1,13 @@
 // What stands in which section: if this breaks, tables load wrong rows or none.
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <tuple>
 
 #include "lake/Lake.h"
 #include "lake_bytes.h"
-#include "prelude.h"
 
 namespace {
 

@@ -1,9 +1,15 @@
 // The load as a whole: which data bases are accepted, what each state of the server's life holds,
 // what a load computes from the tables.
 
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "frame/QtParamServer.h"
 #include "frame/TableCatalogue.h"
-#include "prelude.h"
 #include "test_store.h"
 
 namespace {

@@ -1,12 +1,14 @@
 // A host with a German locale: nothing that is read, written or logged may change with it.
 
+#include <gtest/gtest.h>
+
 #include <clocale>
 #include <locale>
+#include <sstream>
 
 #include "interfaces/Number.h"
 #include "interfaces/PrWin.h"
 #include "interfaces/ResourceSea.h"
-#include "prelude.h"
 #include "test_store.h"
 
 namespace {

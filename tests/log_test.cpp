@@ -1,16 +1,20 @@
 // The log: what reaches a host's sink, in which text, and what a bad sink can't break; and the
 // conversions that bring wide text out and in.
 
+#include <gtest/gtest.h>
+
+#include <array>
 #include <atomic>
 #include <chrono>
+#include <climits>
 #include <cstdlib>
 #include <stdexcept>
 #include <thread>
+#include <tuple>
 
 #include "interfaces/PrWin.h"
 #include "interfaces/Support.h"
 #include "interfaces/Text.h"
-#include "prelude.h"
 #include "test_store.h"
 
 namespace {

@@ -1,10 +1,17 @@
 // Test steps: what their ids hold, what virtual ones are called, and which of them are offered.
 
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
 #include <cstring>
+#include <limits>
+#include <string>
 #include <thread>
+#include <tuple>
+#include <vector>
 
 #include "interfaces/MeasuringUnit.h"
-#include "prelude.h"
 #include "test_store.h"
 
 namespace {

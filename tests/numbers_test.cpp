@@ -1,13 +1,19 @@
 // Numbers in text: what is read, how much of the text it takes, and what is refused.
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <bit>
 #include <cerrno>
+#include <climits>
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <random>
+#include <tuple>
 
 #include "interfaces/Number.h"
 #include "interfaces/Support.h"
-#include "prelude.h"
 
 namespace {
 

@@ -1,12 +1,22 @@
 // Whoever loses this loses the meaning of the order definitions in every data base: which positions
 // a text stands for, which texts are refused and why. The examples of docs/order-definitions.md are
 // read from the document itself.
+#include <gtest/gtest.h>
 
+#include <algorithm>
+#include <climits>
+#include <cmath>
 #include <fstream>
+#include <iterator>
+#include <random>
+#include <set>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "allocation_count.h"
 #include "interfaces/Text.h"
-#include "prelude.h"
 #include "spec/OrderInterpreter.h"
 #include "test_store.h"
 

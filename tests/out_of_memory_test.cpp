@@ -1,12 +1,20 @@
 // What a host loses when memory runs out, at any allocation: that one operation, and nothing else.
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <iterator>
+#include <limits>
+#include <memory>
 #include <new>
+#include <string>
+#include <vector>
 
 #include "allocation_count.h"
 #include "frame/ParameterCheck.h"
 #include "frame/TableCatalogue.h"
 #include "interfaces/ResourceSea.h"
-#include "prelude.h"
 #include "tables/Allocators.h"
 #include "test_store.h"
 

@@ -1,10 +1,13 @@
 // What a user marks in the grid is what the owner gets: the rules of clicks, Ctrl, Shift, headings,
 // masks and focus, always worked through the user's gestures.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
 
 #include "controls/KestrinRangeSelectCtrl.h"
 #include "interfaces/Clavis.h"
 #include "interfaces/TextView.h"
-#include "prelude.h"
 
 namespace {
 

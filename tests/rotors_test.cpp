@@ -1,6 +1,14 @@
 // What the machine turns: rotors, gears, speed sources, orders, and what a channel sees of them.
 
-#include "prelude.h"
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <random>
+#include <set>
+#include <string>
+#include <tuple>
+#include <vector>
+
 #include "test_store.h"
 
 namespace {

@@ -1,6 +1,11 @@
 // Lines of text to fields and back: what a bench engineer writes must be what the tables hold.
 
-#include "prelude.h"
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
 #include "tables/RowText.h"
 #include "test_store.h"
 

@@ -1,15 +1,16 @@
 // The seas: lists and their views, and the file, which must lose nothing: not on the way out and
 // back, not on a full disk, not by a slip of the editor.
 
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 
 #include "full_disk.h"
 #include "interfaces/ResourceSea.h"
-#include "prelude.h"
 #include "test_store.h"
 
 namespace {

@@ -1,7 +1,19 @@
 // Whoever loses this looks at the wrong spectral lines: which parameters have intervals, where an
 // interval lies in a test step, and what remains of one when others are cut out of it.
+#include <gtest/gtest.h>
 
-#include "prelude.h"
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <iterator>
+#include <limits>
+#include <optional>
+#include <random>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
 #include "spec/QtSpecInterval.h"
 #include "spec/QtSpecIntervalStore.h"
 #include "test_store.h"

@@ -1,10 +1,22 @@
 // The texts that users read: complete and sound in every language, in the language they asked for.
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
 #include <atomic>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
+#include <optional>
 #include <regex>
+#include <set>
+#include <string>
 #include <thread>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 #include "frame/DialogTemplates.h"
 #include "frame/ModuleStrings.h"
@@ -12,7 +24,6 @@
 #include "frame/strings/TextCatalogue.h"
 #include "interfaces/Dialog3d.h"
 #include "interfaces/Text.h"
-#include "prelude.h"
 
 namespace {
 

@@ -1,8 +1,13 @@
 // Binary table files: the bytes are the same on every platform, and a damaged file is told.
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <string>
+
 #include "interfaces/File.h"
 #include "lake_bytes.h"
-#include "prelude.h"
 #include "tables/TableFile.h"
 
 namespace {

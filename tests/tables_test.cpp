@@ -1,7 +1,13 @@
 // Tables read from lakes and seas, written to seas, dumped and emptied: what a file's author may
 // rely on, and what is said when a line is bad.
 
-#include "prelude.h"
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+#include <vector>
+
 #include "tables/QParamBaseTableImpl.h"
 #include "test_store.h"
 

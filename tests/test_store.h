@@ -2,6 +2,11 @@
 // store that is not the process's, and what is logged meanwhile is kept.
 #pragma once
 
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
 #include "frame/QtParamDerived.h"
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
@@ -9,7 +14,6 @@
 #include "interfaces/ResourceSea.h"
 #include "interfaces/Text.h"
 #include "lake_bytes.h"
-#include "prelude.h"
 
 namespace testing_support {
 

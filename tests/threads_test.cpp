@@ -1,14 +1,20 @@
 // Constant queries from many threads after a load. Run under the thread sanitizer this shows races;
 // without it, answers that were mixed up between threads.
 
+#include <gtest/gtest.h>
+
 #include <atomic>
+#include <climits>
 #include <cstdint>
+#include <iterator>
 #include <locale>
+#include <sstream>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "frame/ModuleStrings.h"
 #include "frame/TableCatalogue.h"
-#include "prelude.h"
 #include "spec/OrderInterpreter.h"
 #include "spec/QtSpecInterval.h"
 #include "test_store.h"

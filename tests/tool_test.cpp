@@ -51,8 +51,7 @@ TEST(ToolFailures, WhatTheDataBaseDoesNotHoldIsNoAnswer) {
        "There is no test step 99; see kestrindb names FILE mode."},
       {"intervals" + file + "130 99" + lines,
        "The parameter 99 has no spectrum intervals: it lacks one of the calculation parameters 2, "
-       "3 "
-       "and 4, or the data base doesn't have it."},
+       "3 and 4, or the data base doesn't have it."},
       {"calc" + file + "99", "There is no parameter 99; see kestrindb names FILE parameter."},
       {"trigger" + file + "130 99", "Trigger 99 has no axes in test step 130."},
       {"polygon" + file + "1 2 3 4 5 6",

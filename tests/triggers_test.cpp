@@ -1,10 +1,15 @@
 // Whoever loses this loses the grid on which results are taken: the cell of a running value, the
 // place of a cell, the axes of a trigger, and the promise that none of it allocates.
+#include <gtest/gtest.h>
 
+#include <climits>
+#include <cmath>
 #include <cstdint>
+#include <optional>
+#include <random>
+#include <tuple>
 
 #include "allocation_count.h"
-#include "prelude.h"
 #include "test_store.h"
 #include "trigger/TriggerStore.h"
 

@@ -1,7 +1,11 @@
 // A misread unit shows a measured value a thousand times too large.
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <vector>
 
 #include "interfaces/MeasuringUnit.h"
-#include "prelude.h"
 
 namespace {
 

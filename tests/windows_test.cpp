@@ -1,13 +1,18 @@
 // What controls stand on: messages arrive once and in order, nothing is ever sent to a window that
 // is gone, gestures that make no sense do nothing, and views hear of what changed.
+#include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <climits>
+#include <memory>
+#include <optional>
+#include <tuple>
 
 #include "control_support.h"
 #include "interfaces/ComboBoxX.h"
 #include "interfaces/Dialog3d.h"
 #include "interfaces/XListCtrl.h"
-#include "prelude.h"
 
 namespace {
 
