@@ -13,6 +13,7 @@
 #include <limits>
 #include <map>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -230,6 +231,20 @@ TEST(HostileIds, AreSpreadByTheSecretHash) {
     EXPECT_LT(FullestPlace(of_numbers), bound_of_chance) << step;
     EXPECT_LT(FullestPlace(of_sums), bound_of_chance) << step;
     EXPECT_LT(FullestPlace(of_texts), bound_of_chance) << step;
+  }
+}
+
+TEST(HostileIds, CountWithEachCharacterOfATextInTheSecretHash) {
+  const SecretHash hash;
+  for (std::size_t size = 0; size < 20; ++size) {
+    const std::wstring text(size, L'a');
+    std::set<std::uint64_t> hashes{hash(text)};
+    for (std::size_t place = 0; place < size; ++place) {
+      std::wstring other = text;
+      other[place] = L'b';
+      hashes.insert(hash(other));
+    }
+    EXPECT_EQ(hashes.size(), size + 1);
   }
 }
 
