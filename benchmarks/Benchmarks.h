@@ -21,11 +21,11 @@ namespace benchmarks {
 
 // The parameter files that all work on.
 struct Files {
-  TemporaryFile small{MakeParameterFile(25'000, Order::sorted)};
-  TemporaryFile medium{MakeParameterFile(250'000, Order::sorted)};
-  TemporaryFile shuffled{MakeParameterFile(250'000, Order::shuffled)};
-  TemporaryFile bad{WithBadLines(MakeParameterFile(250'000, Order::sorted))};
-  TemporaryFile large{MakeParameterFile(2'500'000, Order::sorted)};
+  TemporaryFile small{[] { return MakeParameterFile(25'000, Order::sorted); }};
+  TemporaryFile medium{[] { return MakeParameterFile(250'000, Order::sorted); }};
+  TemporaryFile shuffled{[] { return MakeParameterFile(250'000, Order::shuffled); }};
+  TemporaryFile bad{[] { return WithBadLines(MakeParameterFile(250'000, Order::sorted)); }};
+  TemporaryFile large{[] { return MakeParameterFile(2'500'000, Order::sorted); }};
 };
 
 void RegisterLoads(const Files& files);
@@ -70,20 +70,17 @@ inline double CpuSeconds() {
   return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
-// Long work, done once a repetition. Its result is destroyed outside of the time. The first work of
-// a process has to get its memory from the system. Later work finds it in the heap, as far as the C
-// library keeps it: that is done once before the time begins.
+// Long work, done once a repetition, and once before its time begins. Its result is destroyed
+// outside of the time. The first work of a process has to get its memory from the system: for that
+// the heap is given back. Later work finds it in the heap, as far as the C library keeps it.
 enum class Heap { kept, given_back };
 
 template <class Work>
 void RegisterWork(const std::string& name, int repetitions, Heap heap, Work work) {
   const auto measure = [heap, work](benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) {
-      if (heap == Heap::given_back) {
-        malloc_trim(0);
-      } else {
-        work();
-      }
+      work();
+      if (heap == Heap::given_back) malloc_trim(0);
       const double start = CpuSeconds();
       auto result = work();
       state.SetIterationTime(CpuSeconds() - start);

@@ -42,7 +42,7 @@ std::string ThereAndBack(std::string_view bytes) {
 }  // namespace
 
 void RegisterLakes(const Files& files) {
-  static const TemporaryFile copy({});
+  static const TemporaryFile copy([] { return std::string(); });
   RegisterWork("lake/read and write/lKestrinDb", 15, Heap::kept, [&files] {
     auto lake = std::make_unique<CLake>(Text::FromUtf8(files.medium.Name()));
     lake->write(Text::FromUtf8(copy.Name()));

@@ -30,7 +30,7 @@ Memory MeasureMemory(const TemporaryFile& file) {
   if (std::fgets(line.data(), line.size(), pipe.get()) == nullptr) {
     throw std::runtime_error("no figures from " + command);
   }
-  Memory memory{file.Size()};
+  Memory memory{std::filesystem::file_size(file.Name())};
   std::istringstream(line.data()) >> memory.before >> memory.peak >> memory.cleared >>
       memory.trimmed >> memory.peak_of_second_lake;
   return memory;

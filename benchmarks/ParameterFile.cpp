@@ -302,12 +302,14 @@ std::string WithBadLines(const std::string& file) {
   return bad;
 }
 
-TemporaryFile::TemporaryFile(const std::string& bytes) : size_(bytes.size()) {
+const std::string& TemporaryFile::Name() const {
+  if (!name_.empty()) return name_;
   static const unsigned process = std::random_device()();
   static int number = 0;
   name_ = std::filesystem::temp_directory_path() /
           ("kestrin-" + std::to_string(process) + "-" + std::to_string(++number) + ".par");
-  WriteFile(name_, bytes);
+  WriteFile(name_, bytes_());
+  return name_;
 }
 
 TemporaryFile::~TemporaryFile() {

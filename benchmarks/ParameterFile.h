@@ -7,7 +7,9 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
+#include <utility>
 
 namespace benchmarks {
 
@@ -20,23 +22,24 @@ enum class Order {
 std::string MakeParameterFile(std::size_t lines, Order order);
 
 // The same file with a letter in place of the last field of each row that ends in a number: lines
-// that can't be read, but for that field.
+// of which all but that field can be read.
 std::string WithBadLines(const std::string& file);
 
-// A file that goes when this does.
+// A file that is made when it is asked for, since the large ones take long, and goes when this
+// does.
 class TemporaryFile {
  public:
-  explicit TemporaryFile(const std::string& bytes);
+  using Maker = std::function<std::string()>;
+  explicit TemporaryFile(Maker bytes) : bytes_(std::move(bytes)) {}
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
   ~TemporaryFile();
 
-  const std::string& Name() const { return name_; }
-  std::size_t Size() const { return size_; }
+  const std::string& Name() const;
 
  private:
-  std::string name_;
-  std::size_t size_;
+  Maker bytes_;
+  mutable std::string name_;
 };
 
 // All bytes of a file. Throws std::runtime_error if it can't be read.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -48,13 +49,18 @@ class Folder {
   std::string path_;
 };
 
+std::uint32_t HexDigit(wchar_t c) {
+  return static_cast<std::uint32_t>(c <= L'9' ? c - L'0' : (c | 0x20) - L'a' + 10);
+}
+
 // The text in quotes at the front; a sound one, since it has been loaded.
 CString Unquoted(std::wstring_view text) {
   CString plain;
   for (std::size_t i = 1; i < text.size() && text[i] != L'"'; ++i) {
     const wchar_t escape = text[i] == L'\\' ? text[++i] : L'\0';
     if (escape == L'u') {
-      const auto unit = std::stoul(CString(text.substr(i + 1, 4)), nullptr, 16);
+      std::uint32_t unit = 0;
+      for (const wchar_t c : text.substr(i + 1, 4)) unit = 16 * unit + HexDigit(c);
       plain += static_cast<wchar_t>(unit);
       i += 4;
     } else {

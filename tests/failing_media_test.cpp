@@ -1,6 +1,7 @@
 // Lakes and binary tables on a medium that fails at each of their bytes, and files that grow or
 // shrink while they are read: what was whole is there, and nothing else.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -117,6 +118,7 @@ TEST(FailingMedium, ThatThrowsIsHeardByTheReaderOfABinaryTable) {
     FailingFile file{whole.substr(0, good)};
     EXPECT_THROW(ReadTable(file), std::runtime_error) << good;
   }
+  if (access("/proc/self/mem", R_OK) != 0) GTEST_SKIP() << "no file is there that can't be read";
   CFile failing(L"/proc/self/mem", CFile::modeRead);  // a short read at its first byte
   EXPECT_EQ(ReadTable(failing), -1);
 }

@@ -234,6 +234,20 @@ TEST(HostileIds, AreSpreadByTheSecretHash) {
   }
 }
 
+TEST(HostileIds, AreOnesForASingleSecret) {
+  const SecretHash known(0x9E3779B97F4A7C15U);
+  const SecretHash other(0xBF58476D1CE4E5B9U);
+  constexpr std::uint64_t places = 64;
+  std::size_t chosen = 0, together_again = 0;
+  for (int id = 0; chosen < 4096; ++id) {
+    const std::wstring text = std::to_wstring(id);
+    if (known(text) % places != 0) continue;
+    ++chosen;
+    if (other(text) % places == 0) ++together_again;
+  }
+  EXPECT_LT(together_again, 2 * chosen / places);
+}
+
 TEST(HostileIds, CountWithEachCharacterOfATextInTheSecretHash) {
   const SecretHash hash;
   for (std::size_t size = 0; size < 20; ++size) {
@@ -246,6 +260,8 @@ TEST(HostileIds, CountWithEachCharacterOfATextInTheSecretHash) {
     }
     EXPECT_EQ(hashes.size(), size + 1);
   }
+  // The halves of a text, exchanged, with its length in the other one.
+  EXPECT_NE(hash(L"abcdef"), hash(L"de`abe"));
 }
 
 // With nobody listening a line that can't be read costs its two messages, a block of memory each,

@@ -60,8 +60,8 @@ struct Host {
 struct Operation {
   const char* name;
   std::function<void(Host&)> run;
-  bool also_for_good = false;       // with a memory that stays exhausted, too
-  bool may_cut_lakes_file = false;  // which can't be read again then
+  bool also_for_good = false;  // with a memory that stays exhausted, too
+  bool loses_file = false;     // that of the lake, or its name
 };
 
 void AskAll(const CQtParamInstance& params) {
@@ -75,7 +75,7 @@ void AskAll(const CQtParamInstance& params) {
 
 const Operation operations[] = {
     {"ReadLake", [](Host& host) { host.lake.read({}); }, true},
-    {"ReadNoFile", [](Host& host) { host.lake.read(L"/nowhere"); }},
+    {"ReadNoFile", [](Host& host) { host.lake.read(L"/nowhere"); }, false, true},
     {"CopyLake", [](Host& host) { host.lake = CLake(host.lake); }},
     {"MergeLakes",
      [](Host& host) {
@@ -83,7 +83,8 @@ const Operation operations[] = {
        try {
          host.lake.merge(host.lake);
        } catch (const std::bad_alloc&) {
-         EXPECT_EQ(std::distance(host.lake.begin(), host.lake.end()), lines);
+         const auto left = std::distance(host.lake.begin(), host.lake.end());
+         EXPECT_TRUE(left == lines || left == 0) << left;
          throw;
        }
      }},
@@ -182,7 +183,7 @@ class OutOfMemory : public testing::TestWithParam<Operation> {
 
   void ExpectUsable(Host& host) {
     ExpectLinked(host.lake);
-    host.lake.read(GetParam().may_cut_lakes_file ? file_.name() : CString());
+    host.lake.read(GetParam().loses_file ? file_.name() : CString());
     host.params.PurgeTables();
     EXPECT_TRUE(host.params.ReadTablesFromCandidateLake());
     EXPECT_EQ(Content(host.lake, host.store), content_);

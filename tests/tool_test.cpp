@@ -1,6 +1,7 @@
 // What the command-line host tells a user who asked for what isn't there, or who waits.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -24,7 +25,8 @@ struct Result {
 // What a command line of the shell prints behind kestrindb.
 Result RunInShell(const std::string& arguments) {
   Result result{-1, {}};
-  FILE* const pipe = popen((KESTRINDB " " + arguments).c_str(), "r");
+  FILE* const pipe = popen(("'" KESTRINDB "' " + arguments).c_str(), "r");
+  if (pipe == nullptr) return result;
   std::array<char, 4096> buffer;
   while (const std::size_t count = fread(buffer.data(), 1, buffer.size(), pipe)) {
     result.text.append(buffer.data(), count);
@@ -35,7 +37,7 @@ Result RunInShell(const std::string& arguments) {
 }
 
 TEST(ToolFailures, WhatTheDataBaseDoesNotHoldIsNoAnswer) {
-  const std::string file = std::string(" ") + sample + " ";
+  const std::string file = " '" + std::string(sample) + "' ";
   const std::string lines = " --speed-source 1 --resolution 0.125 --lines 1600";
   const struct {
     std::string arguments;
@@ -53,6 +55,7 @@ TEST(ToolFailures, WhatTheDataBaseDoesNotHoldIsNoAnswer) {
        "The parameter 99 has no spectrum intervals: it lacks one of the calculation parameters 2, "
        "3 and 4, or the data base doesn't have it."},
       {"calc" + file + "99", "There is no parameter 99; see kestrindb names FILE parameter."},
+      {"trigger" + file + "99 3", "There is no test step 99; see kestrindb names FILE mode."},
       {"trigger" + file + "130 99", "Trigger 99 has no axes in test step 130."},
       {"polygon" + file + "1 2 3 4 5 6",
        "The key 1 2 3 4 5 6 has no track polygon: <TIpParamAndStore> doesn't list it."},
@@ -81,6 +84,8 @@ class SlowFile {
   const std::string& path() const { return file_.path(); }
   void Finish(const std::string& bytes) {
     EXPECT_EQ(write(end_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    // The bytes would go with the last end that is open.
+    for (int left = 1; left > 0 && ioctl(end_, FIONREAD, &left) == 0;) usleep(1000);
     close(end_);
     end_ = -1;
   }
@@ -117,7 +122,7 @@ TEST_F(ProgressAtTerminal, TheMeasurementsMoveTheBarThatAPipeDoesNotGet) {
   EXPECT_NE(session.Answer().find("median"), std::string::npos);
 
   const auto [status, text] =
-      RunInShell("bench " + std::string(sample) + " --seconds 0.1 2>&1 > /dev/null");
+      RunInShell("bench '" + std::string(sample) + "' --seconds 0.1 2>&1 > /dev/null");
   EXPECT_EQ(status, 0);
   EXPECT_EQ(text, "");
 }

@@ -9,7 +9,6 @@
 #include <cassert>
 #include <iterator>
 #include <utility>
-#include <vector>
 
 #include "interfaces/Number.h"
 #include "lake/LakeReader.h"
@@ -64,18 +63,16 @@ void CLake::replace_lines(NodeList&& lines) {
 }
 
 void CLake::link_root(NodeList&& more) {
-  // The lines stay where they are, since others may hold on to them; so what linking changes in
-  // them is kept aside, to be put back.
-  std::vector<CNode> before(nodes_->begin(), nodes_->end());
+  // Lines that are linked by halves are no lake. What takes their place then has to be there
+  // before.
+  auto nothing = new_nodes();
   nodes_->splice(nodes_->end(), more);
   try {
     root().clear();
     root().set_collection(*nodes_);
     root().link(std::next(nodes_->begin()));
   } catch (...) {
-    nodes_->erase(std::next(nodes_->begin(), static_cast<std::ptrdiff_t>(before.size())),
-                  nodes_->end());
-    std::move(before.begin(), before.end(), nodes_->begin());
+    nodes_ = std::move(nothing);
     throw;
   }
 }

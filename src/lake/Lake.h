@@ -67,8 +67,8 @@ class KESTRIN_API CLake {
 
   // Appends copies of the other lake's lines, as if its file had been read behind this one: of a
   // plain key that stands in both this lake's value is kept, a section that stands in both shows
-  // the other lake's children. A lake may be merged with itself. If memory runs out, nothing has
-  // changed.
+  // the other lake's children. A lake may be merged with itself. If memory runs out, the lake has
+  // no lines.
   void merge(const CLake& other);
 
   // The lines in file order, those outside every section too. The root is none of them.
@@ -90,7 +90,7 @@ class KESTRIN_API CLake {
   static std::unique_ptr<NodeList> new_nodes();
   NodeList copied_lines() const;
   void replace_lines(NodeList&& lines);
-  // Links all lines anew, with more lines behind them. If memory runs out, nothing has changed.
+  // Links all lines anew, with more lines behind them. If memory runs out, there are no lines.
   void link_root(NodeList&& more = {});
 
   mutable CString filename_;

@@ -8,7 +8,7 @@ namespace {
 
 __extension__ using Wide = unsigned __int128;
 
-// Odd, so that a product with it loses nothing.
+// Odd, so never zero, with which all hashes would be equal.
 std::uint64_t SecretOfProcess() {
   static const std::uint64_t secret = [] {
     std::uint64_t number = 0;
@@ -39,13 +39,14 @@ std::uint64_t Pack(std::wstring_view units) {
 
 }  // namespace
 
-SecretHash::SecretHash() : secret_(SecretOfProcess()) {}
+SecretHash::SecretHash() : SecretHash(SecretOfProcess()) {}
 
 // Eight code units a step, and the last eight at the end, some of them once more. One factor holds
-// the secret, the other what came before: so what a difference between two texts comes to depends
-// on the secret, and nobody can write texts that are known to collide.
+// the secret, the other what came before, which begins as another secret, since equal ones could be
+// exchanged. So what a difference between two texts comes to depends on the secret, and nobody can
+// write texts that are known to collide.
 std::size_t SecretHash::operator()(std::wstring_view text) const {
-  std::uint64_t hash = secret_ ^ text.size();
+  std::uint64_t hash = Fold(secret_ ^ text.size() ^ spread, secret_);
   const auto take = [&hash, this](std::wstring_view front, std::wstring_view back) {
     hash = Fold(hash ^ Pack(front), secret_ ^ Pack(back));
   };

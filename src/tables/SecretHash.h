@@ -15,6 +15,7 @@ class SecretHash {
   using is_transparent = void;
 
   SecretHash();
+  explicit SecretHash(std::uint64_t secret) : secret_(secret) {}  // an odd number
 
   // Of UTF-16 code units.
   std::size_t operator()(std::wstring_view text) const;

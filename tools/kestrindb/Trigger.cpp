@@ -160,6 +160,7 @@ void AddTrigger(CommandLine& line) {
                [file, request, &line] {
                  const DataBase data(*file);
                  data.RequireAccepted();
+                 data.RequireMode(request->mode);
                  const Json json = DescribeTrigger(data.params, *request);
                  line.json ? Print(json) : PrintTrigger(json);
                  return data.LoadStatus();
