@@ -6,8 +6,6 @@
 
 namespace {
 
-__extension__ using Wide = unsigned __int128;
-
 // Odd, so never zero, with which all hashes would be equal.
 std::uint64_t SecretOfProcess() {
   static const std::uint64_t secret = [] {
@@ -19,15 +17,6 @@ std::uint64_t SecretOfProcess() {
     return number | 1U;
   }();
   return secret;
-}
-
-// Keeps products of small numbers from being small.
-constexpr std::uint64_t spread = 0x9E3779B97F4A7C15U;
-
-// Both halves of the product count.
-std::uint64_t Fold(std::uint64_t a, std::uint64_t b) {
-  const Wide product = Wide{a} * b;
-  return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
 }
 
 // Up to four code units.
@@ -59,9 +48,4 @@ std::size_t SecretHash::operator()(std::wstring_view text) const {
     take(last.substr(0, 4), last.substr(4));
   }
   return Fold(hash ^ spread, secret_);
-}
-
-// Twice, since numbers close to each other have products close to each other.
-std::uint64_t SecretHash::operator()(std::uint64_t number) const {
-  return Fold(Fold(number ^ spread, secret_) ^ spread, secret_);
 }

@@ -19,8 +19,23 @@ class SecretHash {
 
   // Of UTF-16 code units.
   std::size_t operator()(std::wstring_view text) const;
-  std::uint64_t operator()(std::uint64_t number) const;
+
+  // Folds twice, since numbers close to each other have products close to each other.
+  std::uint64_t operator()(std::uint64_t number) const {
+    return Fold(Fold(number ^ spread, secret_) ^ spread, secret_);
+  }
 
  private:
+  __extension__ using Wide = unsigned __int128;
+
+  // Keeps products of small numbers from being small.
+  static constexpr std::uint64_t spread = 0x9E3779B97F4A7C15U;
+
+  // Both halves of the product count.
+  static std::uint64_t Fold(std::uint64_t a, std::uint64_t b) {
+    const Wide product = Wide{a} * b;
+    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
+  }
+
   std::uint64_t secret_;
 };
