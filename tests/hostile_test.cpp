@@ -70,6 +70,12 @@ Piece Section(const std::string& name, const std::string& rows) {
   return {name + ": {\n", rows, "}\n"};
 }
 
+// Each inherits from another one in the one test step.
+std::vector<Piece> Channels(const std::string& other) {
+  return {{"<TMode>: {\n1 a\n}\n<TChannel>: {\n", "# a\n", "}\n"},
+          Section("<TChannelInheritance>", "# -1 " + other + "\n")};
+}
+
 struct Hostile {
   const char* name;
   std::vector<Piece> pieces;
@@ -105,12 +111,8 @@ const Hostile files[] = {
     {"BadLines", {Section("<TModeProperty>", "# x\n")}},
     {"BlankLines", {Section("<TModeProperty>", "\n")}},
     {"BlankLinesOutOfOrder", {{"<TErrorGroup>: {\n1\n0\n", "\n", "}\n"}}},
-    {"LongChainOfChannels",
-     {{"<TMode>: {\n1 a\n}\n<TChannel>: {\n", "# a\n", "}\n"},
-      Section("<TChannelInheritance>", "# -1 ^\n")}},
-    {"ClosedChainOfChannels",
-     {{"<TMode>: {\n1 a\n}\n<TChannel>: {\n", "# a\n", "}\n"},
-      Section("<TChannelInheritance>", "# -1 &\n")}},
+    {"LongChainOfChannels", Channels("^")},
+    {"ClosedChainOfChannels", Channels("&")},
     {"PolygonsThatNoKeyHas",
      {Section("<TIpParamAndStore>", "1 2 3 4 # 6\n"),
       Section("<TGrex10001>", "-1 9# -1 -1 -1 -1\n")}},
@@ -174,9 +176,7 @@ INSTANTIATE_TEST_SUITE_P(Files, HostileFile, testing::ValuesIn(files),
 // as many places as the standard library's tables have for the keys, and a power of two.
 TEST(HostileIds, CostWhatOthersCost) {
   const Hostile shapes[] = {
-      {"channels",
-       {{"<TMode>: {\n1 a\n}\n<TChannel>: {\n", "# a#\n", "}\n"},
-        Section("<TChannelInheritance>", "# -1 ^\n")}},
+      {"channels", Channels("^")},
       {"polygons",
        {Section("<TIpParamAndStore>", "# # # # # #\n"),
         Section("<TGrex10001>", "# # -1 -1 # #\n")}},
