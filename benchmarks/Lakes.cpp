@@ -8,6 +8,8 @@
 #include "Benchmarks.h"
 #include "RowParser.h"
 
+using namespace kestrin;
+
 namespace benchmarks {
 namespace {
 

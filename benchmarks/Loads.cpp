@@ -6,6 +6,8 @@
 #include "RowParser.h"
 #include "Sqlite.h"
 
+using namespace kestrin;
+
 namespace benchmarks {
 
 DataBase::DataBase(const std::string& file) {

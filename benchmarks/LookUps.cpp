@@ -9,6 +9,8 @@
 #include "Benchmarks.h"
 #include "Sqlite.h"
 
+using namespace kestrin;
+
 namespace benchmarks {
 namespace {
 

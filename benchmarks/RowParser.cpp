@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+using namespace kestrin;
+
 namespace benchmarks {
 
 std::vector<TableType::FieldKind> FieldKinds(const TableCatalogue::TableInfo& table) {

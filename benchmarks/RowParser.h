@@ -20,7 +20,7 @@
 namespace benchmarks {
 
 // The kinds of a row's fields, those of the key in front; six integers for a key.
-std::vector<TableType::FieldKind> FieldKinds(const TableCatalogue::TableInfo& table);
+std::vector<TableType::FieldKind> FieldKinds(const kestrin::TableCatalogue::TableInfo& table);
 
 template <class Sink>
 class RowParser {
@@ -40,7 +40,8 @@ class RowParser {
   void Line(std::string_view line) {
     SkipBlanks(line);
     if (line.ends_with(": {")) {
-      const auto* table = TableCatalogue::Find(Text::FromUtf8(line.substr(0, line.size() - 3)));
+      const auto* table =
+          kestrin::TableCatalogue::Find(kestrin::Text::FromUtf8(line.substr(0, line.size() - 3)));
       if (table == nullptr) throw std::runtime_error("no such table: " + std::string(line));
       kinds_ = FieldKinds(*table);
       in_table_ = true;
@@ -109,7 +110,7 @@ class FlatTables {
     std::vector<std::size_t> text_ends;
   };
 
-  void BeginTable(const TableCatalogue::TableInfo&) { current_ = &tables_.emplace_back(); }
+  void BeginTable(const kestrin::TableCatalogue::TableInfo&) { current_ = &tables_.emplace_back(); }
   void Integer(long long number) { current_->integers.push_back(number); }
   void Real(float number) { current_->reals.push_back(number); }
   void Text(std::string_view utf8) {

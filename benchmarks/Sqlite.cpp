@@ -5,6 +5,8 @@
 
 #include "RowParser.h"
 
+using namespace kestrin;
+
 namespace benchmarks {
 
 SqliteStatement::SqliteStatement(sqlite3* db, const std::string& sql) {

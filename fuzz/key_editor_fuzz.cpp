@@ -22,6 +22,8 @@
 #include "frame/QtParamInstance.h"
 #include "lake/Lake.h"
 
+using namespace kestrin;
+
 namespace fuzz {
 namespace {
 

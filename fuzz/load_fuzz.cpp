@@ -32,6 +32,8 @@
 #include "tables/QTableManager.h"
 #include "trigger/TriggerStore.h"
 
+using namespace kestrin;
+
 namespace fuzz {
 namespace {
 

@@ -11,6 +11,8 @@
 #include "spec/OrderInterpreter.h"
 #include "spec/QtSpecIntervalStore.h"
 
+using namespace kestrin;
+
 namespace fuzz {
 namespace {
 

@@ -11,6 +11,8 @@
 #include "interfaces/Text.h"
 #include "tables/RowText.h"
 
+using namespace kestrin;
+
 namespace fuzz {
 namespace {
 

@@ -20,6 +20,8 @@
 #include "interfaces/ResourceSea.h"
 #include "interfaces/Text.h"
 
+using namespace kestrin;
+
 namespace fuzz {
 namespace {
 

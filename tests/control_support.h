@@ -18,7 +18,7 @@
 class ProcessBase : public testing::Test {
  protected:
   explicit ProcessBase(const std::string& sections) {
-    SetUserLanguage("en");
+    kestrin::SetUserLanguage("en");
     Load(sections);
   }
   ~ProcessBase() override {
@@ -32,7 +32,7 @@ class ProcessBase : public testing::Test {
     testing_support::FillCandidateLake(testing_support::version + sections);
     EXPECT_TRUE(params_.ReadTablesFromCandidateLake());
     CParameterLake::Lake().clear();
-    EXPECT_TRUE(log.lines.empty()) << Text::ToUtf8(log.Text());
+    EXPECT_TRUE(log.lines.empty()) << kestrin::Text::ToUtf8(log.Text());
   }
 
  private:
@@ -41,7 +41,7 @@ class ProcessBase : public testing::Test {
 
 // Puts a blank, a mark and "text=id" behind what is there.
 inline void AddEntry(std::string& all, const char* mark, const CString& text, int id) {
-  all += " " + (mark + Text::ToUtf8(text)) + "=" + std::to_string(id);
+  all += " " + (mark + kestrin::Text::ToUtf8(text)) + "=" + std::to_string(id);
 }
 
 // Every entry with its data, the selected one behind a *.
@@ -57,11 +57,12 @@ inline std::string Entries(const CComboBox& combo) {
 inline std::string SideBySide(const std::vector<TextView::Lines>& pictures) {
   std::string out = "\n";
   std::size_t height = 0;
-  for (const TextView::Lines& picture : pictures) height = std::max(height, picture.size());
+  for (const kestrin::TextView::Lines& picture : pictures)
+    height = std::max(height, picture.size());
   for (std::size_t y = 0; y < height; ++y) {
-    for (const TextView::Lines& picture : pictures) {
-      const auto width = static_cast<std::size_t>(TextColumns(picture.at(0)));
-      out += Text::ToUtf8(y < picture.size() ? picture[y] : CString(width, L' '));
+    for (const kestrin::TextView::Lines& picture : pictures) {
+      const auto width = static_cast<std::size_t>(kestrin::TextColumns(picture.at(0)));
+      out += kestrin::Text::ToUtf8(y < picture.size() ? picture[y] : CString(width, L' '));
       out += &picture == &pictures.back() ? "\n" : "  ";
     }
   }

@@ -32,7 +32,7 @@ class ScratchFile {
   ScratchFile(const ScratchFile&) = delete;
   ScratchFile& operator=(const ScratchFile&) = delete;
 
-  CString name() const { return Text::FromUtf8(path_); }
+  CString name() const { return kestrin::Text::FromUtf8(path_); }
   const std::string& path() const { return path_; }
   std::string bytes() const { return BytesOf(path_); }
 

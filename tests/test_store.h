@@ -15,6 +15,8 @@
 #include "interfaces/Text.h"
 #include "lake_bytes.h"
 
+using namespace kestrin;
+
 namespace testing_support {
 
 // Keeps what is logged while it lives.

@@ -14,6 +14,8 @@
 #include <string>
 #include <string_view>
 
+using namespace kestrin;
+
 namespace {
 
 // A line of the process's status, such as "VmHWM:  5000 kB". What getrusage calls the peak may be

@@ -4,6 +4,8 @@
 #include "controls/OfferedIds.h"
 #include "frame/ModuleStrings.h"
 
+using namespace kestrin;
+
 void CClavisComboBox::Fill(Clavis::qOrder element, int selected, unsigned int filter) {
   element_ = element;
   FillWith(OfferedIds::OfElement(element, {filter, hide_virtual_modes_},

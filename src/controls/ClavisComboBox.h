@@ -12,7 +12,7 @@
 #include "interfaces/Clavis.h"
 #include "interfaces/ComboBoxX.h"
 
-namespace OfferedIds {
+namespace kestrin::OfferedIds {
 struct Entry;
 }
 
@@ -32,7 +32,7 @@ class KESTRIN_API CClavisComboBox : public CComboBoxX {
   void HideVirtualModes(bool hide) { hide_virtual_modes_ = hide; }
 
  private:
-  void FillWith(const std::vector<OfferedIds::Entry>& entries, int selected);
+  void FillWith(const std::vector<kestrin::OfferedIds::Entry>& entries, int selected);
   int Add(std::wstring_view text, int id);
 
   Clavis::qOrder element_ = Clavis::Sensor;

@@ -4,6 +4,8 @@
 #include "controls/OfferedIds.h"
 #include "frame/ModuleStrings.h"
 
+using namespace kestrin;
+
 namespace {
 
 constexpr int column_width = 100;

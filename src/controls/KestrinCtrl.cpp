@@ -7,6 +7,8 @@
 #include "frame/ModuleStrings.h"
 #include "frame/QtParamInstance.h"
 
+using namespace kestrin;
+
 const unsigned int WM_KESTRINCTRL_SELCHANGED = RegisterWindowMessage(L"WM_KESTRINCTRL_SELCHANGED");
 
 namespace {

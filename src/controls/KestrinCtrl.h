@@ -26,7 +26,7 @@
 #include "interfaces/Clavis.h"
 #include "interfaces/XListCtrl.h"
 
-namespace OfferedIds {
+namespace kestrin::OfferedIds {
 struct Entry;
 }
 
@@ -89,7 +89,8 @@ class KESTRIN_API CKestrinCtrl : public CXListCtrl {
   // Both give the selected id, -1 for none and for an element without row.
   int set_kestrin_combo(const CClavis& key, Clavis::qOrder element);
   int set_instrumentparam_combo(int instrument, int instrument_param);
-  int set_combo(Clavis::qOrder element, const std::vector<OfferedIds::Entry>& entries, int wanted);
+  int set_combo(Clavis::qOrder element, const std::vector<kestrin::OfferedIds::Entry>& entries,
+                int wanted);
 
   void control_modified_callback(int row, int column);
   void send_change(Clavis::qOrder element, int id) const;

@@ -3,6 +3,8 @@
 
 #include "frame/DialogTemplates.h"
 
+using namespace kestrin;
+
 namespace {
 
 constexpr int key_item = 3000;

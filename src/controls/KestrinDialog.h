@@ -41,7 +41,7 @@ class KESTRIN_API CKestrinDialog : public CDialog3d {
   void OnBnClickedCancel();
 
  protected:
-  void DoDataExchange(CDataExchange& exchange) override;
+  void DoDataExchange(kestrin::CDataExchange& exchange) override;
 
  private:
   CKestrinCtrl key_control_;

@@ -6,6 +6,8 @@
 #include "frame/QtParamInstance.h"
 #include "interfaces/Number.h"
 
+using namespace kestrin;
+
 namespace {
 
 using OfferedIds::Choice;

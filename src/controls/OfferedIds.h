@@ -12,7 +12,7 @@
 #include "interfaces/Clavis.h"
 #include "interfaces/Text.h"
 
-namespace OfferedIds {
+namespace kestrin::OfferedIds {
 
 struct Entry {
   int id;
@@ -46,4 +46,4 @@ std::vector<Entry> AllParameters();
 // An id that isn't offered, but in use: "(sensor 12)".
 CString UnknownText(Clavis::qOrder element, int id);
 
-}  // namespace OfferedIds
+}  // namespace kestrin::OfferedIds

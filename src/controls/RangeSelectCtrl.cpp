@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+using namespace kestrin;
+
 namespace {
 
 constexpr int column_width = 90;

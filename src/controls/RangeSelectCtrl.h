@@ -28,8 +28,8 @@ class KESTRIN_API CRangeSelectCtrlBasics {
   virtual ~CRangeSelectCtrlBasics() = default;
 
   // The colours of a selected cell.
-  COLORREF selection_background = GetSysColor(color_highlight);
-  COLORREF selection_text = GetSysColor(color_highlight_text);
+  kestrin::COLORREF selection_background = GetSysColor(kestrin::color_highlight);
+  kestrin::COLORREF selection_text = GetSysColor(kestrin::color_highlight_text);
 };
 
 // Made for 6 and 7 columns.
@@ -98,7 +98,7 @@ class KESTRIN_API CRangeSelectCtrl : public CXListCtrl, public CRangeSelectCtrlB
   bool has_text(Cell cell) const;
 
   void OnLButtonDown(unsigned int flags, CPoint point) override;
-  void OnColumnClick(const HeadingClick& notification, LRESULT& result) override;
+  void OnColumnClick(const kestrin::HeadingClick& notification, LRESULT& result) override;
   void OnSetFocus(CWnd* window) override;
   void OnKillFocus(CWnd* window) override;
   void PreSubclassWindow() override;

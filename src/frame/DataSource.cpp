@@ -5,6 +5,8 @@
 #include "frame/QtParamStore.h"
 #include "interfaces/Number.h"
 
+using namespace kestrin;
+
 namespace DataSource {
 
 template <class T>

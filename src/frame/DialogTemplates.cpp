@@ -19,6 +19,8 @@
 #include "interfaces/Dialog3d.h"
 #include "interfaces/Text.h"
 
+using namespace kestrin;
+
 namespace {
 
 constexpr std::pair<std::wstring_view, DialogItem::Kind> kinds[] = {
@@ -108,6 +110,8 @@ class Resources : public ResourceModule {
 
 }  // namespace
 
+namespace kestrin {
+
 const DialogTemplate* FindDialogTemplate(int id, const Language& language) {
   // Never destroyed, like the texts: a window may be taken down late.
   static const auto* const templates = new Templates(MakeTemplates());
@@ -119,3 +123,5 @@ const ResourceModule& LibraryResources() {
   static const Resources resources;
   return resources;
 }
+
+}  // namespace kestrin

@@ -7,6 +7,8 @@
 
 #include "interfaces/Export.h"
 
+namespace kestrin {
+
 class ResourceModule;
 struct DialogTemplate;
 struct Language;
@@ -21,3 +23,5 @@ const DialogTemplate* FindDialogTemplate(int id, const Language& language);
 
 // This library's resources, for dialogs that it or a host shows: templates in the user's language.
 KESTRIN_API const ResourceModule& LibraryResources();
+
+}  // namespace kestrin

@@ -8,6 +8,8 @@
 
 #include "frame/strings/TextCatalogue.h"
 
+using namespace kestrin;
+
 namespace {
 
 constexpr std::array languages{
@@ -68,6 +70,8 @@ const Language& Set(const Language& language) {
 
 }  // namespace
 
+namespace kestrin {
+
 std::span<const Language> Languages() { return languages; }
 
 const Language* FindLanguage(int id) {
@@ -99,8 +103,6 @@ const Language& UserLanguage() {
 const Language& SetUserLanguage(int id) { return Set(OrEnglish(FindLanguage(id))); }
 const Language& SetUserLanguage(std::string_view tag) { return Set(OrEnglish(FindLanguage(tag))); }
 
-CString LoadModuleString(int id) { return FindModuleString(id).value_or(CString()); }
-
 std::optional<CString> FindModuleString(int id) { return FindModuleString(id, UserLanguage()); }
 
 std::optional<CString> FindModuleString(int id, const Language& language) {
@@ -108,6 +110,10 @@ std::optional<CString> FindModuleString(int id, const Language& language) {
   const CString* const text = texts.Find(TextCatalogue::string_table, id);
   return text ? std::optional(*text) : std::nullopt;
 }
+
+}  // namespace kestrin
+
+CString LoadModuleString(int id) { return FindModuleString(id).value_or(CString()); }
 
 CString CLibMgr::LoadStringW(unsigned int id) const {
   if (module_ != ModuleHandle::lKestrinDb) return {};

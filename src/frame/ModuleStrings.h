@@ -19,6 +19,8 @@
 #include "interfaces/Text.h"
 
 // The ids of the string table.
+namespace kestrin {
+
 namespace StringId {
 
 struct Range {
@@ -68,8 +70,12 @@ KESTRIN_API const Language& UserLanguage();
 KESTRIN_API const Language& SetUserLanguage(int id);
 KESTRIN_API const Language& SetUserLanguage(std::string_view tag);
 
+}  // namespace kestrin
+
 // A text of the string table in the user's language; empty if there is none of that id.
 KESTRIN_API CString LoadModuleString(int id);
+
+namespace kestrin {
 
 // The same, but tells an id without a text from an empty text.
 KESTRIN_API std::optional<CString> FindModuleString(int id);
@@ -78,14 +84,16 @@ KESTRIN_API std::optional<CString> FindModuleString(int id, const Language& lang
 // Which module's texts are meant: a host's modules carry none that this library can read.
 enum class ModuleHandle { none, lKestrinDb };
 
+}  // namespace kestrin
+
 // A view on the string table of one module.
 class KESTRIN_API CLibMgr {
  public:
-  explicit CLibMgr(ModuleHandle module_handle) : module_(module_handle) {}
+  explicit CLibMgr(kestrin::ModuleHandle module_handle) : module_(module_handle) {}
 
   // As LoadModuleString; empty for every id if the view is on no module.
   CString LoadStringW(unsigned int id) const;
 
  private:
-  ModuleHandle module_;
+  kestrin::ModuleHandle module_;
 };

@@ -16,7 +16,7 @@
 #include "tables/RowText.h"
 #include "tables/SecretHash.h"
 
-namespace ParameterCheck {
+namespace kestrin::ParameterCheck {
 namespace {
 
 using TableCatalogue::RowBuffer;
@@ -451,4 +451,4 @@ std::vector<Finding> Check(const CLake& lake) {
   return findings;
 }
 
-}  // namespace ParameterCheck
+}  // namespace kestrin::ParameterCheck

@@ -11,7 +11,7 @@
 
 class CLake;
 
-namespace ParameterCheck {
+namespace kestrin::ParameterCheck {
 
 enum class Kind {
   refused_version,    // the load refuses the data base, for its version or because it is empty
@@ -48,4 +48,4 @@ KESTRIN_API const char* Name(Kind kind);
 // All findings in the order of their lines. Any thread, as long as the lake isn't changed.
 KESTRIN_API std::vector<Finding> Check(const CLake& lake);
 
-}  // namespace ParameterCheck
+}  // namespace kestrin::ParameterCheck

@@ -66,8 +66,8 @@ class KESTRIN_API CQtParamInstance {
   // Containers of rows in the order of their keys, to search and to walk. A reference shows every
   // later load; rows and positions are good until the next one.
 
-  template <tables::Word Section>
-  using Table = tables::TableOf<Section>;
+  template <kestrin::tables::Word Section>
+  using Table = kestrin::tables::TableOf<Section>;
 
   const Table<L"<TAliasType>">& TypeNames() const;
   const Table<L"<TAliasBench>">& BenchNames() const;

@@ -8,6 +8,8 @@
 #include "lake/Lake.h"
 #include "tables/QParamBaseTableImpl.h"
 
+using namespace kestrin;
+
 namespace {
 
 // The word that a document's line names: the text between the first two quotes if the value begins
@@ -23,7 +25,7 @@ CString ReadName(CLake& lake, const wchar_t* key) { return CutName(std::wstring(
 
 }  // namespace
 
-namespace tables {
+namespace kestrin::tables {
 
 template <class Entry>
 Slot<Entry>::Slot(CResourceSea* application_sea)
@@ -35,7 +37,7 @@ Slot<Entry>::Slot(CResourceSea* application_sea)
         }
       }()) {}
 
-}  // namespace tables
+}  // namespace kestrin::tables
 
 CQtParamStore::CQtParamStore()
     : tables_(CSeaBase::ApplicationSea()), manager_(std::make_unique<CQTableManager>()) {

@@ -36,13 +36,14 @@ class KESTRIN_API CQtParamStore {
   void DumpTables(int limit) const;
 
   // The table of that section: Table<L"<TMode>">().
-  template <tables::Word Section>
-  tables::TableOf<Section>& Table() {
-    return static_cast<tables::Slot<tables::EntryOf<Section>>&>(tables_).table;
+  template <kestrin::tables::Word Section>
+  kestrin::tables::TableOf<Section>& Table() {
+    return static_cast<kestrin::tables::Slot<kestrin::tables::EntryOf<Section>>&>(tables_).table;
   }
-  template <tables::Word Section>
-  const tables::TableOf<Section>& Table() const {
-    return static_cast<const tables::Slot<tables::EntryOf<Section>>&>(tables_).table;
+  template <kestrin::tables::Word Section>
+  const kestrin::tables::TableOf<Section>& Table() const {
+    return static_cast<const kestrin::tables::Slot<kestrin::tables::EntryOf<Section>>&>(tables_)
+        .table;
   }
 
   const CQTableManager& Manager() const { return *manager_; }
@@ -55,7 +56,7 @@ class KESTRIN_API CQtParamStore {
  private:
   void RegisterTables();
 
-  tables::Members<tables::All> tables_;
+  kestrin::tables::Members<kestrin::tables::All> tables_;
   CString learn_archive_name_;
   CString calibration_file_name_;
   CString type_base_name_;

@@ -8,7 +8,7 @@
 #include "interfaces/Text.h"
 #include "tables/RowText.h"
 
-namespace TableCatalogue {
+namespace kestrin::TableCatalogue {
 namespace {
 
 template <std::size_t n>
@@ -165,4 +165,4 @@ const char* KindName(TableType::FieldKind kind) {
   return "";
 }
 
-}  // namespace TableCatalogue
+}  // namespace kestrin::TableCatalogue

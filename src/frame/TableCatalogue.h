@@ -14,7 +14,7 @@
 class CQtParamStore;
 class CQParamBaseTableInterface;
 
-namespace TableCatalogue {
+namespace kestrin::TableCatalogue {
 
 struct FieldInfo {
   std::string name;
@@ -54,4 +54,4 @@ KESTRIN_API const TableInfo* Find(std::wstring_view section);
 // "integer", "unsigned", "long", "long long", "float", "text", "key (6 integers)".
 KESTRIN_API const char* KindName(TableType::FieldKind kind);
 
-}  // namespace TableCatalogue
+}  // namespace kestrin::TableCatalogue

@@ -24,7 +24,7 @@
 #include "keys/IndexRecords.h"
 #include "tables/QParamBaseTable.h"
 
-namespace tables {
+namespace kestrin::tables {
 
 // A text as a template argument.
 template <std::size_t n>
@@ -183,4 +183,4 @@ using EntryOf = decltype(detail::Pick<detail::IndexOf<Section>()>(detail::AllInd
 template <Word Section>
 using TableOf = typename EntryOf<Section>::Table;
 
-}  // namespace tables
+}  // namespace kestrin::tables

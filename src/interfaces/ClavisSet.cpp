@@ -4,6 +4,8 @@
 
 #include "interfaces/WildcardSet.h"
 
+using namespace kestrin;
+
 namespace {
 
 using ElementSets = std::array<std::set<int>, Clavis::element_count>;

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+using namespace kestrin;
+
 namespace {
 
 constexpr wchar_t Fold(wchar_t c) {

@@ -10,7 +10,7 @@
 
 #include "interfaces/Wnd.h"
 
-class KESTRIN_API CComboBox : public CWnd {
+class KESTRIN_API CComboBox : public kestrin::CWnd {
  public:
   enum class Order {
     insertion,

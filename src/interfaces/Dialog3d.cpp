@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <utility>
 
+using namespace kestrin;
+
 namespace {
 
 const DialogItem* FindItem(const DialogTemplate& layout, int id) {
@@ -18,7 +20,7 @@ bool IsButton(const DialogItem& item) {
 
 }  // namespace
 
-void DDX_Control(CDataExchange& exchange, int item, CWnd& control) {
+void kestrin::DDX_Control(CDataExchange& exchange, int item, CWnd& control) {
   const DialogItem* const place = FindItem(exchange.dialog.Template(), item);
   if (place && !IsButton(*place)) control.Create(&exchange.dialog, item, place->area);
 }

@@ -14,6 +14,10 @@
 
 #include "interfaces/Wnd.h"
 
+class CDialog3d;
+
+namespace kestrin {
+
 struct DialogItem {
   enum class Kind { button, default_button, list, combo };
 
@@ -39,8 +43,6 @@ class KESTRIN_API ResourceModule {
   virtual const DialogTemplate* FindDialog(unsigned int template_id) const = 0;
 };
 
-class CDialog3d;
-
 // What DoDataExchange works on.
 struct CDataExchange {
   CDialog3d& dialog;
@@ -50,7 +52,9 @@ struct CDataExchange {
 // item that the template lacks, and a control that has a window already, are left alone.
 KESTRIN_API void DDX_Control(CDataExchange& exchange, int item, CWnd& control);
 
-class KESTRIN_API CDialog3d : public CWnd {
+}  // namespace kestrin
+
+class KESTRIN_API CDialog3d : public kestrin::CWnd {
  public:
   // The buttons that every dialog has. The close box of the frame is the second.
   static constexpr int id_ok = 1;
@@ -58,7 +62,8 @@ class KESTRIN_API CDialog3d : public CWnd {
 
   // `owner` is the window on which the dialog will stand, or null; it needs no window before
   // DisplayDialog, and the dialog goes when it goes. `resources` must outlive the dialog.
-  CDialog3d(unsigned int template_id, CWnd* owner, const ResourceModule& resources);
+  CDialog3d(unsigned int template_id, kestrin::CWnd* owner,
+            const kestrin::ResourceModule& resources);
 
   // Makes the window and its items, and returns at once. False if the dialog is displayed already
   // or there is no such template. An owner without a window counts as none.
@@ -71,15 +76,16 @@ class KESTRIN_API CDialog3d : public CWnd {
   bool Close();
 
   // For views: what the dialog was made from; empty before the first display.
-  const DialogTemplate& Template() const { return layout_; }
+  const kestrin::DialogTemplate& Template() const { return layout_; }
 
  protected:
   // Binds controls to items: one DDX_Control for each.
-  virtual void DoDataExchange(CDataExchange& /*exchange*/) {}
+  virtual void DoDataExchange(kestrin::CDataExchange& /*exchange*/) {}
 
   // From now on `handler` hears what the user does with that item: the clicks on a button, or with
   // another code what a control in the dialog reports.
-  void OnCommand(int item, std::function<void()> handler, CommandCode code = command_clicked);
+  void OnCommand(int item, std::function<void()> handler,
+                 kestrin::CommandCode code = kestrin::command_clicked);
 
   void PreSubclassWindow() override;
 
@@ -87,8 +93,8 @@ class KESTRIN_API CDialog3d : public CWnd {
   LRESULT Dispatch(WPARAM w);
 
   unsigned int template_id_;
-  const ResourceModule* resource_module_;
-  DialogTemplate layout_;
+  const kestrin::ResourceModule* resource_module_;
+  kestrin::DialogTemplate layout_;
   std::map<WPARAM, std::function<void()>>
       commands_;  // by item and code, as WM_COMMAND carries them
 };

@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <cstring>
 
+using namespace kestrin;
+
 namespace {
 
 // A name with a zero in it would end there for the system, and be that of another file.

@@ -10,11 +10,15 @@
 #include "interfaces/Export.h"
 #include "interfaces/Text.h"
 
+namespace kestrin {
+
 // The file's name and what the system said, as one sentence in UTF-8.
 class KESTRIN_API CFileException : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
+
+}  // namespace kestrin
 
 class KESTRIN_API CFile {
  public:

@@ -19,6 +19,8 @@
 #include "interfaces/Number.h"
 #include "interfaces/Text.h"
 
+using namespace kestrin;
+
 namespace {
 
 using Unit = CMeasuringUnit;

@@ -19,7 +19,7 @@
 
 #include "interfaces/Text.h"
 
-namespace Number {
+namespace kestrin::Number {
 namespace {
 
 constexpr wchar_t kEnd = L'\0';  // stands for "no character"; it belongs to no number
@@ -299,4 +299,4 @@ void Append(std::wstring& text, long long value) {
   text.append(buffer.data(), end);
 }
 
-}  // namespace Number
+}  // namespace kestrin::Number

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-namespace Number {
+namespace kestrin::Number {
 
 enum class State { ok, no_digits, out_of_range };
 
@@ -40,4 +40,4 @@ float ToFloat(double value);
 void Append(std::wstring& text, float value);
 void Append(std::wstring& text, long long value);
 
-}  // namespace Number
+}  // namespace kestrin::Number

@@ -21,6 +21,8 @@
 #include "interfaces/Number.h"
 #include "interfaces/Text.h"
 
+using namespace kestrin;
+
 namespace PrWin {
 namespace {
 

@@ -15,6 +15,8 @@
 
 #include "interfaces/PrWin.h"
 
+using namespace kestrin;
+
 // ---- the text of a sea ----
 
 // Between the content of a sea and the text of its file; the format is drawn in the header.

@@ -4,6 +4,8 @@
 #include <new>
 #include <string_view>
 
+using namespace kestrin;
+
 void* tl_malloc(std::size_t size) { return ::operator new(size); }
 
 void tl_free(void* block) noexcept { ::operator delete(block); }

@@ -6,7 +6,7 @@
 
 #include <cstddef>
 
-namespace Text {
+namespace kestrin::Text {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
@@ -107,4 +107,4 @@ std::string ToUtf8(std::wstring_view text) {
   return out;
 }
 
-}  // namespace Text
+}  // namespace kestrin::Text

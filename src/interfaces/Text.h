@@ -14,7 +14,7 @@
 
 using CString = std::wstring;
 
-namespace Text {
+namespace kestrin::Text {
 
 // UTF-8 to UTF-16 code units. Each byte sequence that is not UTF-8 gives one U+FFFD.
 KESTRIN_API std::wstring FromUtf8(std::string_view text);
@@ -40,4 +40,4 @@ constexpr std::wstring_view Trim(std::wstring_view text) {
   return text;
 }
 
-}  // namespace Text
+}  // namespace kestrin::Text

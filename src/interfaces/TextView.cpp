@@ -10,6 +10,8 @@
 #include "interfaces/Dialog3d.h"
 #include "interfaces/XListCtrl.h"
 
+using namespace kestrin;
+
 namespace {
 
 using TextView::Frame;
@@ -290,7 +292,7 @@ class Canvas {
 
 }  // namespace
 
-namespace TextView {
+namespace kestrin::TextView {
 
 Lines Draw(const CXListCtrl& list, Frame frame) {
   frame = Limited(frame);
@@ -397,4 +399,4 @@ CRect ItemPlace(const CDialog3d& dialog, int item, Frame frame) {
   return {};
 }
 
-}  // namespace TextView
+}  // namespace kestrin::TextView

@@ -20,7 +20,7 @@ class CComboBox;
 class CDialog3d;
 class CXListCtrl;
 
-namespace TextView {
+namespace kestrin::TextView {
 
 using Lines = std::vector<CString>;
 
@@ -56,4 +56,4 @@ KESTRIN_API Lines DrawEntries(const CXListCtrl& list, int row, int column, Frame
 KESTRIN_API CRect CellPlace(const CXListCtrl& list, int row, int column, Frame frame = {});
 KESTRIN_API CRect ItemPlace(const CDialog3d& dialog, int item, Frame frame = {});
 
-}  // namespace TextView
+}  // namespace kestrin::TextView

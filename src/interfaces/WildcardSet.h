@@ -21,7 +21,7 @@
 #include <utility>
 #include <vector>
 
-namespace wildcard {
+namespace kestrin::wildcard {
 
 using Pair = std::pair<int, int>;
 
@@ -117,4 +117,4 @@ bool IsComplete(const std::set<T>& selected, const std::set<T>& all) {
   });
 }
 
-}  // namespace wildcard
+}  // namespace kestrin::wildcard

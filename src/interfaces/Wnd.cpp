@@ -8,6 +8,8 @@
 #include <unordered_map>
 #include <utility>
 
+using namespace kestrin;
+
 namespace {
 
 // From handle to object. An object stands here for its whole life, so a handle held by anybody
@@ -84,7 +86,7 @@ COLORREF GetSysColor(int index) {
   }
 }
 
-int TextColumns(std::wstring_view text) {
+int kestrin::TextColumns(std::wstring_view text) {
   int columns = 0;
   while (!text.empty()) columns += CharacterColumns(Text::TakeCharacter(text));
   return columns;

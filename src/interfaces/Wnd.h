@@ -26,6 +26,8 @@
 #include "interfaces/Export.h"
 #include "interfaces/Text.h"
 
+namespace kestrin {
+
 using WPARAM = std::uintptr_t;
 using LPARAM = std::intptr_t;
 using LRESULT = std::intptr_t;
@@ -46,9 +48,13 @@ enum SystemColor : int {
   color_face = 15,
 };
 
+}  // namespace kestrin
+
 // The highlight and the face are equal to no other colour that a cell takes. Any other index gives
 // black.
-KESTRIN_API COLORREF GetSysColor(int index);
+KESTRIN_API kestrin::COLORREF GetSysColor(int index);
+
+namespace kestrin {
 
 // A point of a window, in pixels from its upper left corner. A list counts from the corner of its
 // whole content: a view that scrolls adds its offset.
@@ -75,9 +81,13 @@ struct CRect {
 // one, 1 for any other. Independent of the locale.
 KESTRIN_API int TextColumns(std::wstring_view text);
 
+}  // namespace kestrin
+
 // The number of the message of that name. The same name gives the same number as long as the
 // process lives; the numbers run from 0xC000 on. Any thread.
 KESTRIN_API unsigned int RegisterWindowMessage(std::wstring_view name);
+
+namespace kestrin {
 
 // Sent to the parent of a control that a user has worked: wParam is the control's id, with the
 // notification in the bits from 16 on.
@@ -95,12 +105,17 @@ class CWnd;
 // Names a CWnd object, whether or not it has a window and whether or not it still lives.
 enum class WindowHandle : std::uint64_t { none = 0 };
 
+}  // namespace kestrin
+
 // True while the object lives and has its window.
-KESTRIN_API bool IsWindow(WindowHandle window);
+KESTRIN_API bool IsWindow(kestrin::WindowHandle window);
 
 // Runs the receiver's handler and returns what that returns; 0 if the window is gone or does not
 // handle the message.
-KESTRIN_API LRESULT SendMessage(WindowHandle window, unsigned int message, WPARAM w, LPARAM l);
+KESTRIN_API kestrin::LRESULT SendMessage(kestrin::WindowHandle window, unsigned int message,
+                                         kestrin::WPARAM w, kestrin::LPARAM l);
+
+namespace kestrin {
 
 // Puts windows on a screen. A view only takes note: it must not change, destroy or delete a window
 // inside one of these calls.
@@ -118,6 +133,13 @@ class KESTRIN_API WindowView {
 
 class KESTRIN_API CWnd {
  public:
+  // For the declarations of classes made of this one.
+  using WPARAM = kestrin::WPARAM;
+  using LPARAM = kestrin::LPARAM;
+  using LRESULT = kestrin::LRESULT;
+  using COLORREF = kestrin::COLORREF;
+  using CPoint = kestrin::CPoint;
+  using CRect = kestrin::CRect;
   using MessageHandler = std::function<LRESULT(WPARAM, LPARAM)>;
 
   CWnd();
@@ -187,7 +209,8 @@ class KESTRIN_API CWnd {
   void NotifyParent(CommandCode code) const;
 
  private:
-  friend LRESULT SendMessage(WindowHandle window, unsigned int message, WPARAM w, LPARAM l);
+  friend kestrin::LRESULT(::SendMessage)(kestrin::WindowHandle window, unsigned int message,
+                                         kestrin::WPARAM w, kestrin::LPARAM l);
 
   WindowView* FindView() const;
   void LoseFocus(CWnd* winner);
@@ -205,3 +228,5 @@ class KESTRIN_API CWnd {
   std::map<unsigned int, MessageHandler> handlers_;
   WindowView* view_ = nullptr;
 };
+
+}  // namespace kestrin

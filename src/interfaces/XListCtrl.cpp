@@ -6,6 +6,8 @@
 
 #include "interfaces/Number.h"
 
+using namespace kestrin;
+
 namespace {
 
 // The place at which to insert the number `wanted` into `count` elements.

@@ -23,6 +23,8 @@
 
 #include "interfaces/Wnd.h"
 
+namespace kestrin {
+
 enum class ColumnFormat { left = 0, right = 1 };
 
 // What a hit test found, as bits.
@@ -69,7 +71,9 @@ struct HeadingClick {
   int column = -1;
 };
 
-class KESTRIN_API CXListCtrl : public CWnd {
+}  // namespace kestrin
+
+class KESTRIN_API CXListCtrl : public kestrin::CWnd {
  public:
   static constexpr int heading_height = 20;
   static constexpr int row_height = 16;
@@ -85,12 +89,12 @@ class KESTRIN_API CXListCtrl : public CWnd {
   // --- Columns ---
 
   int GetColumnCount() const { return static_cast<int>(columns_.size()); }
-  const ListColumn* GetColumn(int column) const;  // null on a miss
+  const kestrin::ListColumn* GetColumn(int column) const;  // null on a miss
 
   // The number of the new column. A number beyond the last appends. Cells of rows that are there
   // are moved along. Widths run from 0 to `largest_width`. `sub_item` -1, the only value in use: a
   // column shows its own cells.
-  int InsertColumn(int column, std::wstring_view heading, ColumnFormat format, int width,
+  int InsertColumn(int column, std::wstring_view heading, kestrin::ColumnFormat format, int width,
                    int sub_item = -1);
 
   // With the columns go the rows, which would have nothing to show.
@@ -126,7 +130,7 @@ class KESTRIN_API CXListCtrl : public CWnd {
 
   // --- Cells ---
 
-  const ListCell* GetCell(int row, int column) const;  // null on a miss
+  const kestrin::ListCell* GetCell(int row, int column) const;  // null on a miss
 
   bool SetItemText(int row, int column, std::wstring_view text);
   bool SetItemText(int row, int column, int number);
@@ -145,7 +149,7 @@ class KESTRIN_API CXListCtrl : public CWnd {
   bool SetComboBox(int, int, const std::map<int, CString>&&, int, int = -1) = delete;
   int GetComboCurSel(int row, int column) const;  // the chosen id; -1 on a miss
 
-  // Gives the cell a check box in that state, `checked` or `unchecked`.
+  // Gives the cell a check box in that state, `checked` or `kestrin::unchecked`.
   bool SetCheckbox(int row, int column, int state);
   int GetCheckbox(int row, int column) const;  // -1 without a check box
   int CountCheckedItems(int column, int state) const;
@@ -157,8 +161,8 @@ class KESTRIN_API CXListCtrl : public CWnd {
   void SetHeaderAutoCheckbox(bool on);
   // Holds until a check box of the column changes or comes. False for a state that isn't one.
   bool SetHeaderCheckedState(int column, int state);
-  // `checked` if all check boxes of the rows are checked, `unchecked` if none is, else `mixed`. -1
-  // for a column without this check box.
+  // `checked` if all check boxes of the rows are checked, `kestrin::unchecked` if none is, else
+  // `mixed`. -1 for a column without this check box.
   int GetHeaderCheckedState(int column) const;
 
   // --- Style and geometry ---
@@ -168,15 +172,15 @@ class KESTRIN_API CXListCtrl : public CWnd {
 
   // The row at a point, or -1. Disabled rows are found too.
   int HitTest(CPoint point, unsigned int& flags) const;
-  bool GetSubItemRect(int row, int column, CellArea part, CRect& rect) const;
+  bool GetSubItemRect(int row, int column, kestrin::CellArea part, CRect& rect) const;
 
   // --- Gestures of the user ---
 
   // Presses the left button at a point, with `MouseFlags`. On a heading the same as ClickHeading.
-  void Click(CPoint point, unsigned int flags = mouse_left);
+  void Click(CPoint point, unsigned int flags = kestrin::mouse_left);
   // As Click, in the middle of a cell's text. False, and nothing done, if there is no such cell or
   // its text has no room.
-  bool ClickCell(int row, int column, unsigned int flags = mouse_left);
+  bool ClickCell(int row, int column, unsigned int flags = kestrin::mouse_left);
   bool ClickHeading(int column);
   // Both refuse a disabled row and a cell without that control, and the first an id that is not in
   // the drop-down's list.
@@ -188,7 +192,7 @@ class KESTRIN_API CXListCtrl : public CWnd {
   virtual void OnLButtonDown(unsigned int flags, CPoint point);
   // The list's own handling: carries the heading's check box over to all enabled rows and sets
   // `result`, which is 0 before, to 1 if the heading has one.
-  virtual void OnColumnClick(const HeadingClick& notification, LRESULT& result);
+  virtual void OnColumnClick(const kestrin::HeadingClick& notification, LRESULT& result);
   // The user has changed a check box; `sub_item` is its column.
   virtual void OnItemStateChange(int /*row*/, int /*sub_item*/, int /*state*/) {}
 
@@ -196,7 +200,7 @@ class KESTRIN_API CXListCtrl : public CWnd {
 
  private:
   struct Row {
-    std::vector<ListCell> cells;
+    std::vector<kestrin::ListCell> cells;
     void* data = nullptr;
     std::int64_t key = 0;
     int item_data = 0;
@@ -205,16 +209,16 @@ class KESTRIN_API CXListCtrl : public CWnd {
 
   Row* FindRow(int row);
   const Row* FindRow(int row) const;
-  ListCell* FindCell(int row, int column);
+  kestrin::ListCell* FindCell(int row, int column);
   bool HasCheckbox(int row, int column) const { return GetCheckbox(row, column) != -1; }
   int ColumnAt(int x) const;
   void ContentChanged();
 
-  std::vector<ListColumn> columns_;
+  std::vector<kestrin::ListColumn> columns_;
   std::vector<Row> rows_;
   unsigned int extended_style_ = 0;
   int batches_ = 0;  // that are open
   bool auto_check_box_ = false;
-  int header_state_ = unchecked;
+  int header_state_ = kestrin::unchecked;
   bool header_state_set_ = false;  // by SetHeaderCheckedState, and not overtaken by the rows yet
 };

@@ -5,6 +5,8 @@
 
 #include "interfaces/Number.h"
 
+using namespace kestrin;
+
 std::wostream& operator<<(std::wostream& out, const QClavis& key) {
   std::wstring text;
   for (const int id : key.id) {

@@ -44,7 +44,7 @@ class KESTRIN_API QValueBase {
 
 inline QValueBase::~QValueBase() = default;
 
-namespace keys {
+namespace kestrin::keys {
 
 // Two ids as one number whose order is theirs: the first id, then the second, as signed numbers.
 constexpr std::uint64_t IdPair(int first, int second) {
@@ -83,7 +83,9 @@ constexpr auto TieIds(Int (&id)[N]) {
   (std::make_integer_sequence<int, N>());
 }
 
-}  // namespace keys
+}  // namespace kestrin::keys
+
+namespace kestrin {
 
 // A key of N ids.
 template <int N>
@@ -101,21 +103,25 @@ class KESTRIN_API QIdxInts : public QValueBase {
   int operator[](int i) const { return id[i]; }
   int& operator[](int i) { return id[i]; }
 
-  auto tuple() { return keys::TieIds(id); }
-  auto tuple() const { return keys::TieIds(id); }
+  auto tuple() { return kestrin::keys::TieIds(id); }
+  auto tuple() const { return kestrin::keys::TieIds(id); }
 
-  friend bool operator<(const QIdxInts& a, const QIdxInts& b) { return keys::IdsLess(a.id, b.id); }
+  friend bool operator<(const QIdxInts& a, const QIdxInts& b) {
+    return kestrin::keys::IdsLess(a.id, b.id);
+  }
   friend bool operator==(const QIdxInts& a, const QIdxInts& b) {
-    return keys::IdsEqual(a.id, b.id);
+    return kestrin::keys::IdsEqual(a.id, b.id);
   }
 };
 
-using QIdx1 = QIdxInts<1>;
-using QIdx2 = QIdxInts<2>;
-using QIdx3 = QIdxInts<3>;
-using QIdx4 = QIdxInts<4>;
-using QIdx5 = QIdxInts<5>;
-using QIdx6 = QIdxInts<6>;
+}  // namespace kestrin
+
+using QIdx1 = kestrin::QIdxInts<1>;
+using QIdx2 = kestrin::QIdxInts<2>;
+using QIdx3 = kestrin::QIdxInts<3>;
+using QIdx4 = kestrin::QIdxInts<4>;
+using QIdx5 = kestrin::QIdxInts<5>;
+using QIdx6 = kestrin::QIdxInts<6>;
 
 // The key of a measured quantity. A CClavis holds the same numbers in the same order: CClavis(k.id)
 // leads there, QClavis(c) back.
@@ -147,16 +153,16 @@ class KESTRIN_API QIdx8 : public QValueBase {
         int sensor)
       : Type(type), Bench(bench), id{mode, instrument, channel, location, parameter, sensor} {}
 
-  auto tuple() { return std::tuple_cat(std::tie(Type, Bench), keys::TieIds(id)); }
-  auto tuple() const { return std::tuple_cat(std::tie(Type, Bench), keys::TieIds(id)); }
+  auto tuple() { return std::tuple_cat(std::tie(Type, Bench), kestrin::keys::TieIds(id)); }
+  auto tuple() const { return std::tuple_cat(std::tie(Type, Bench), kestrin::keys::TieIds(id)); }
 
   friend bool operator<(const QIdx8& a, const QIdx8& b) {
     if (a.Type != b.Type) return a.Type < b.Type;
     if (a.Bench != b.Bench) return a.Bench < b.Bench;
-    return keys::IdsLess(a.id, b.id);
+    return kestrin::keys::IdsLess(a.id, b.id);
   }
   friend bool operator==(const QIdx8& a, const QIdx8& b) {
-    return a.Type == b.Type && a.Bench == b.Bench && keys::IdsEqual(a.id, b.id);
+    return a.Type == b.Type && a.Bench == b.Bench && kestrin::keys::IdsEqual(a.id, b.id);
   }
 
  private:

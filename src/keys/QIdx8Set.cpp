@@ -2,6 +2,8 @@
 
 #include "interfaces/WildcardSet.h"
 
+using namespace kestrin;
+
 void CQIdx8Set::clear() { *this = CQIdx8Set(); }
 
 std::set<int>& CQIdx8Set::ElementSet(unsigned int element) {

@@ -13,6 +13,8 @@
 #include "interfaces/Number.h"
 #include "lake/LakeReader.h"
 
+using namespace kestrin;
+
 // ---------------------------------------------------------------------------------------- CLake
 
 CLake::CLake(CString filename) : filename_(std::move(filename)), nodes_(new_nodes()) {

@@ -33,6 +33,8 @@
 #include "lake/LakeReader.h"
 #include "lake/Utf8ToUcs2.h"
 
+using namespace kestrin;
+
 using lake_encoding::utf8toucs2;
 
 namespace {

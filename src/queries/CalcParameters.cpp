@@ -11,6 +11,8 @@
 #include "interfaces/Number.h"
 #include "tables/RowText.h"
 
+using namespace kestrin;
+
 namespace {
 
 // The calculation parameters whose values have names: where these stand in the string table.

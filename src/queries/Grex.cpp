@@ -21,6 +21,8 @@
 #include "interfaces/PrWin.h"
 #include "tables/SecretHash.h"
 
+using namespace kestrin;
+
 namespace {
 
 using GrexRows = tables::TableOf<L"<TGrex10001>">;

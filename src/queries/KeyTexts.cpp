@@ -16,6 +16,8 @@
 #include "interfaces/Clavis.h"
 #include "interfaces/Number.h"
 
+using namespace kestrin;
+
 namespace {
 
 using std::wstring_view;

@@ -15,6 +15,8 @@
 #include "queries/Units.h"
 #include "tables/RowText.h"
 
+using namespace kestrin;
+
 namespace {
 
 constexpr unsigned base_bits = 11;

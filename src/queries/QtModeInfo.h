@@ -18,7 +18,7 @@ class CQtParamStore;
 
 class CQtModeInfo {
  public:
-  using AutoModeParams = tables::TableOf<L"<TAutoModeParam>">;
+  using AutoModeParams = kestrin::tables::TableOf<L"<TAutoModeParam>">;
 
   // The store must outlive this.
   explicit CQtModeInfo(const CQtParamStore& param_store) : store(&param_store) {}

@@ -14,6 +14,8 @@
 #include "interfaces/PrWin.h"
 #include "interfaces/Text.h"
 
+using namespace kestrin;
+
 namespace OrderInterpreter {
 namespace {
 

@@ -11,6 +11,8 @@
 #include "interfaces/PrWin.h"
 #include "tables/QParamBaseTableImpl.h"
 
+using namespace kestrin;
+
 template class CQParamTypedTable<CSpecIntervalMap>;
 
 namespace {

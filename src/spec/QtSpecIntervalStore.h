@@ -32,15 +32,17 @@ struct QVIpSvOfSpec {
   int reference = -1;                   // the base order that the interval refers to
 };
 
+namespace kestrin {
 using CSpecIntervalMap = std::map<QIdx2, QVSpecIntervalEntry>;
+}  // namespace kestrin
 
-extern template class CQParamTypedTable<CSpecIntervalMap>;
+extern template class CQParamTypedTable<kestrin::CSpecIntervalMap>;
 
 class CQtSpecIntervalStore {
  public:
   using Records = std::map<QIdx1, QVIpSvOfSpec>;  // by instrument parameter
-  using IntervalRange =
-      std::pair<CSpecIntervalMap::const_iterator, CSpecIntervalMap::const_iterator>;
+  using IntervalRange = std::pair<kestrin::CSpecIntervalMap::const_iterator,
+                                  kestrin::CSpecIntervalMap::const_iterator>;
 
   // Positions that a definition can have; what stands behind them is dropped.
   static constexpr unsigned max_orders = 32;
@@ -78,7 +80,7 @@ class CQtSpecIntervalStore {
                                     unsigned order_limit);
 
  private:
-  CQParamTypedTable<CSpecIntervalMap> table;
+  CQParamTypedTable<kestrin::CSpecIntervalMap> table;
   Records ip_sv_of_spec;
   DataSource::CCandidateSeaDataSource<int> interpretations;
   DataSource::CCandidateSeaDataSource<const wchar_t*> definitions;

@@ -2,6 +2,8 @@
 
 #include "tables/QParamBaseTableImpl.h"
 
+using namespace kestrin;
+
 template class CQParamTypedTable<CNameMap>;
 template class CQParamSeaTypedTable<CNameMap>;
 

@@ -2,7 +2,7 @@
 
 #include "tables/RowText.h"
 
-namespace tables {
+namespace kestrin::tables {
 
 bool LineSource::ReadRow(std::wstring_view line, std::span<const TableType::FieldRef> key,
                          std::span<const TableType::FieldRef> row, const wchar_t* table) const {
@@ -35,4 +35,4 @@ bool SeaLines::Next(std::wstring_view& line) {
   return true;
 }
 
-}  // namespace tables
+}  // namespace kestrin::tables

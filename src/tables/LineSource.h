@@ -9,7 +9,7 @@
 #include "lake/Lake.h"
 #include "tables/RowRecords.h"
 
-namespace tables {
+namespace kestrin::tables {
 
 class LineSource {
  public:
@@ -56,4 +56,4 @@ class SeaLines : public LineSource {
   CString line_;
 };
 
-}  // namespace tables
+}  // namespace kestrin::tables

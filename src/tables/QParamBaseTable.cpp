@@ -2,7 +2,7 @@
 #include "interfaces/PrWin.h"
 #include "tables/QParamBaseTableImpl.h"
 
-namespace tables {
+namespace kestrin::tables {
 
 void LogInfo(const std::wstring& text) {
   PrWin::Output(text.c_str(), PrWin::category_data_base, PrWin::style_info);
@@ -16,4 +16,4 @@ std::wstring DumpLineHead(long long number) {
   return line.append(digits).append(L":\t");
 }
 
-}  // namespace tables
+}  // namespace kestrin::tables

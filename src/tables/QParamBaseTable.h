@@ -31,7 +31,7 @@
 #include "tables/QTableManager.h"
 #include "tables/SecretHash.h"
 
-namespace tables {
+namespace kestrin::tables {
 class LineSource;
 }
 
@@ -89,12 +89,14 @@ class CQParamSeaTypedTable : public CQParamTypedTable<Map>, public CQParamSeaTab
   void Clear() override;
 
  private:
-  bool ReadLines(tables::LineSource& lines);
+  bool ReadLines(kestrin::tables::LineSource& lines);
 };
 
+namespace kestrin {
 using CNameMap = CUniqueTreeMap<QIdx1, QIdxName>;
+}  // namespace kestrin
 
-class KESTRIN_API CDynNameIdTable : public CQParamSeaTypedTable<CNameMap> {
+class KESTRIN_API CDynNameIdTable : public CQParamSeaTypedTable<kestrin::CNameMap> {
  public:
   explicit CDynNameIdTable(const wchar_t* section_name);
 
@@ -109,7 +111,7 @@ class KESTRIN_API CDynNameIdTable : public CQParamSeaTypedTable<CNameMap> {
   bool IsValidId(int id) const;
 
   // Adds a row, and its name to the index if the row was new.
-  std::pair<CNameMap::iterator, bool> Insert(int id, const QIdxName& name_text);
+  std::pair<kestrin::CNameMap::iterator, bool> Insert(int id, const QIdxName& name_text);
 
   bool ReadTable(const CResourceSea* source) override;
   bool ReadTable(CLake& lake) override;

@@ -12,7 +12,7 @@
 #include "tables/RowCollector.h"
 #include "tables/RowText.h"
 
-namespace tables {
+namespace kestrin::tables {
 
 // The map that a table's row collector is chosen by: the container itself, not its typed table.
 template <class K, class V, class Less, class Alloc>
@@ -33,7 +33,7 @@ void LogInfo(const std::wstring& text);
 // The start of a row's line in a dump: the running number, at least 4 characters wide.
 std::wstring DumpLineHead(long long number);
 
-}  // namespace tables
+}  // namespace kestrin::tables
 
 template <class Map>
 CQParamTypedTable<Map>::CQParamTypedTable(const wchar_t* section_name)
@@ -51,20 +51,20 @@ void CQParamTypedTable<Map>::Purge() {
 
 template <class Map>
 void CQParamTypedTable<Map>::Dump(int limit) const {
-  tables::LogInfo(std::wstring(L"<-\t").append(name).append(L"\n"));
+  kestrin::tables::LogInfo(std::wstring(L"<-\t").append(name).append(L"\n"));
   long long number = 0;
   for (const auto& row : *this) {
-    std::wstring line = tables::DumpLineHead(++number);
-    RowText::AppendRecord(line, row.first);
+    std::wstring line = kestrin::tables::DumpLineHead(++number);
+    kestrin::RowText::AppendRecord(line, row.first);
     line.append(L" | ");
-    RowText::AppendRecord(line, row.second);
-    tables::LogInfo(line.append(L"\n"));
+    kestrin::RowText::AppendRecord(line, row.second);
+    kestrin::tables::LogInfo(line.append(L"\n"));
     if (limit != 0 && number > limit) {
-      tables::LogInfo(L"... more ...\n");
+      kestrin::tables::LogInfo(L"... more ...\n");
       break;
     }
   }
-  tables::LogInfo(std::wstring(L"->\t").append(name).append(L"\n"));
+  kestrin::tables::LogInfo(std::wstring(L"->\t").append(name).append(L"\n"));
 }
 
 template <class Map>
@@ -81,12 +81,12 @@ void CQParamSeaTypedTable<Map>::Clear() {
 }
 
 template <class Map>
-bool CQParamSeaTypedTable<Map>::ReadLines(tables::LineSource& lines) {
+bool CQParamSeaTypedTable<Map>::ReadLines(kestrin::tables::LineSource& lines) {
   typename Map::key_type key;
   typename Map::mapped_type value;
   const auto key_fields = TableType::Refs(key.tuple());
   const auto value_fields = TableType::Refs(value.tuple());
-  RowCollector collector(tables::Container(*this));
+  RowCollector collector(kestrin::tables::Container(*this));
   bool all_well = true;
   for (std::wstring_view line; lines.Next(line);) {
     if (!lines.ReadRow(line, key_fields, value_fields, this->name)) all_well = false;
@@ -104,7 +104,7 @@ bool CQParamSeaTypedTable<Map>::ReadTable(const CResourceSea* source) {
   };
   if (!has_list(source)) source = this->sea;
   if (!has_list(source)) return false;
-  tables::SeaLines lines(*source, this->name);
+  kestrin::tables::SeaLines lines(*source, this->name);
   return ReadLines(lines);
 }
 
@@ -118,7 +118,7 @@ bool CQParamSeaTypedTable<Map>::ReadTable(CLake& lake) {
   if constexpr (requires(Map & map) { map.reserve(1); }) {
     if (this->capacity() < section.unnamed_size()) this->reserve(section.unnamed_size());
   }
-  tables::SectionLines lines(section);
+  kestrin::tables::SectionLines lines(section);
   return ReadLines(lines);
 }
 
@@ -130,9 +130,9 @@ bool CQParamSeaTypedTable<Map>::WriteTable(CResourceSea* target) {
   list.RemoveAll();
   for (const auto& row : *this) {
     std::wstring line;
-    RowText::AppendRecord(line, row.first);
+    kestrin::RowText::AppendRecord(line, row.first);
     line.push_back(L' ');
-    RowText::AppendRecord(line, row.second);
+    kestrin::RowText::AppendRecord(line, row.second);
     list.AddLineTail()->SetSeaLine(line.c_str());
   }
   return true;

@@ -7,6 +7,8 @@
 #include "interfaces/PrWin.h"
 #include "lake/Lake.h"
 
+using namespace kestrin;
+
 namespace {
 
 constexpr std::size_t expected_tables = 100;

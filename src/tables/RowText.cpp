@@ -7,6 +7,8 @@
 #include "interfaces/PrWin.h"
 #include "interfaces/Text.h"
 
+using namespace kestrin;
+
 namespace TableType {
 
 bool strcopy(wchar_t* dst, const wchar_t* src, unsigned int dst_size) {
@@ -56,7 +58,7 @@ void log_error(const wchar_t* where, const wchar_t* table, const std::wstring& l
 
 }  // namespace DynTables
 
-namespace RowText {
+namespace kestrin::RowText {
 namespace {
 
 using TableType::FieldKind;
@@ -202,4 +204,4 @@ void Append(std::wstring& text, std::span<const FieldView> fields) {
   }
 }
 
-}  // namespace RowText
+}  // namespace kestrin::RowText

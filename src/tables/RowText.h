@@ -36,7 +36,7 @@ KESTRIN_API void log_error(const wchar_t* where, const wchar_t* table, const std
 
 }  // namespace DynTables
 
-namespace RowText {
+namespace kestrin::RowText {
 
 // What became of reading a list of fields. A text field fails without a reason of its own, when the
 // rest of the line is too long.
@@ -69,4 +69,4 @@ void AppendRecord(std::wstring& text, const Record& record) {
   Append(text, TableType::Refs(record.tuple()));
 }
 
-}  // namespace RowText
+}  // namespace kestrin::RowText

@@ -132,7 +132,7 @@ class KESTRIN_API CTriggerStore {
                        CDimensions& dimensions);
 
  private:
-  using Rows = tables::TableOf<L"<TTriggerParam>">;
+  using Rows = kestrin::tables::TableOf<L"<TTriggerParam>">;
   using Row = Rows::const_iterator;
 
   // All rows of the trigger that are axes, in the order of their dimensions.

@@ -25,6 +25,8 @@
 #include "Command.h"
 #include "Progress.h"
 
+using namespace kestrin;
+
 namespace kestrindb {
 namespace {
 

@@ -11,6 +11,8 @@
 #include <iterator>
 #include <utility>
 
+using namespace kestrin;
+
 namespace kestrindb {
 namespace {
 

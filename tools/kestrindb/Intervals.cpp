@@ -10,6 +10,8 @@
 #include "Command.h"
 #include "Svg.h"
 
+using namespace kestrin;
+
 namespace kestrindb {
 namespace {
 

@@ -4,6 +4,8 @@
 #include <cwctype>
 #include <limits>
 
+using namespace kestrin;
+
 namespace kestrindb {
 namespace {
 

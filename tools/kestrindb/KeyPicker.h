@@ -31,10 +31,10 @@ struct ScreenPicture {
   struct Layer {
     int x;
     int y;
-    TextView::Lines lines;
+    kestrin::TextView::Lines lines;
   };
   std::vector<Layer> layers;
-  CRect mark;
+  kestrin::CRect mark;
 };
 
 // An open drop-down: the entries that the typed text leaves, of which one is marked.
@@ -50,7 +50,7 @@ class EntryFinder {
   std::optional<int> Marked() const;
 
   // Adds the list at a place, or as near to it as the screen allows.
-  void Draw(ScreenSize screen, CPoint place, ScreenPicture& picture);
+  void Draw(ScreenSize screen, kestrin::CPoint place, ScreenPicture& picture);
 
  private:
   void Search();

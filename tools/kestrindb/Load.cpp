@@ -5,6 +5,8 @@
 
 #include "Command.h"
 
+using namespace kestrin;
+
 namespace kestrindb {
 namespace {
 

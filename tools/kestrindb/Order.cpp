@@ -7,6 +7,8 @@
 
 #include "Command.h"
 
+using namespace kestrin;
+
 namespace kestrindb {
 namespace {
 

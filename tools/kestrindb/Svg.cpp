@@ -8,6 +8,8 @@
 
 #include "Command.h"
 
+using namespace kestrin;
+
 namespace kestrindb {
 namespace {
 

@@ -12,6 +12,8 @@
 
 #include "Command.h"
 
+using namespace kestrin;
+
 namespace kestrindb {
 namespace {
 

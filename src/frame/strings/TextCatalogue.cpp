@@ -7,6 +7,8 @@
 #include "frame/strings/TextLines.h"
 #include "interfaces/Text.h"
 
+using namespace kestrin;
+
 namespace {
 
 constexpr int system_default = 2048;

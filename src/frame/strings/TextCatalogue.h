@@ -16,7 +16,9 @@
 #include <string_view>
 #include <utility>
 
+namespace kestrin {
 struct Language;
+}  // namespace kestrin
 
 class TextCatalogue {
  public:
@@ -27,7 +29,7 @@ class TextCatalogue {
 
   // The catalogue of a language; empty for one that has no file. All files are read on the first
   // call, from any thread, and stay to the end of the process.
-  static const TextCatalogue& Of(const Language& language);
+  static const TextCatalogue& Of(const kestrin::Language& language);
 
   // Null if there is no such text.
   const std::wstring* Find(int group, int id) const;
