@@ -18,6 +18,7 @@ namespace {
 
 const std::string kMark = "\xEF\xBB\xBF";
 using namespace std::string_literals;
+using kestrin::Refusal;
 
 std::wstring Texts(const CLake::CNode& line) {
   return line.key() + L"|" + line.value() + L"|" + line.comment();
@@ -102,6 +103,11 @@ TEST(LakeFile, BytesBecomeLines) {
         const bool result = LakeReader::read(lake, std::ref(medium));
         EXPECT_EQ(Lines(lake), c.lines);
         EXPECT_EQ(result, c.result && (medium.end == Medium::End::of_file || stops_before));
+        const bool is_cut = c.bytes.ends_with("\x9F\x98") && medium.end == Medium::End::of_file;
+        EXPECT_EQ(lake.last_refusal().reason, !c.result                ? Refusal::broken_mark
+                                              : stops_before || is_cut ? Refusal::broken_text
+                                              : !result                ? Refusal::broken_medium
+                                                                       : Refusal::none);
       } catch (const std::runtime_error&) {
         EXPECT_TRUE(medium.end == Medium::End::throws && !stops_before);
         EXPECT_EQ(Lines(lake), L"|old|/");
@@ -116,12 +122,15 @@ TEST(LakeFile, WhatCannotBeOpenedOrReadLosesNothing) {
   CLake lake = FromBytes("a: 1\n");
   EXPECT_TRUE(lake.read(missing));
   EXPECT_EQ(lake.filename(), missing);
+  EXPECT_EQ(lake.last_refusal().sentence, L"The file '" + missing + L"' doesn't exist.");
   EXPECT_TRUE(lake.read(L""));
   EXPECT_TRUE(lake.read(Text::FromUtf8(testing::TempDir())));
+  EXPECT_EQ(lake.last_refusal().reason, Refusal::folder);
   EXPECT_FALSE(lake.write(L""));
   EXPECT_FALSE(lake.write(missing));
   const ScratchFile file("b: 2\n");
   EXPECT_TRUE(lake.read(file.name() + L'\0' + L"x"));
+  EXPECT_EQ(lake.last_refusal().reason, Refusal::unopened);
   EXPECT_FALSE(lake.write(file.name() + L'\0' + L"x"));
   EXPECT_EQ(int(lake[L"a"]), 1);
   EXPECT_EQ(file.bytes(), "b: 2\n");

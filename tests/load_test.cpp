@@ -14,6 +14,7 @@
 
 namespace {
 
+using kestrin::Refusal;
 using testing_support::FillCandidateLake;
 using testing_support::Log;
 using testing_support::TestStore;
@@ -34,19 +35,20 @@ TEST(VersionGate, AcceptsMajor215FromMinor1On) {
     const char* major;
     const char* minor;
     std::wstring refusal;
+    Refusal::Reason reason = Refusal::none;
   };
   const Case cases[] = {
       {"215", "1", L""},
       {"215", "7", L""},
       {" 215 and more", "+1x", L""},
       {"215", "2147483648", L""},  // the nearest bound
-      {"214", "9", head + L"214.9" + low},
-      {"215", "0", head + L"215.0" + low},
-      {"215", "-1", head + L"215.-1" + low},
-      {"-215", "1", head + L"-215.1" + low},
-      {"x215", "1", head + L"0.1" + low},
-      {"\"215\"", "1", head + L"0.1" + low},
-      {"216", "0", head + L"216.0" + high},
+      {"214", "9", head + L"214.9" + low, Refusal::version_too_low},
+      {"215", "0", head + L"215.0" + low, Refusal::version_too_low},
+      {"215", "-1", head + L"215.-1" + low, Refusal::version_too_low},
+      {"-215", "1", head + L"-215.1" + low, Refusal::version_too_low},
+      {"x215", "1", head + L"0.1" + low, Refusal::version_too_low},
+      {"\"215\"", "1", head + L"0.1" + low, Refusal::version_too_low},
+      {"216", "0", head + L"216.0" + high, Refusal::version_too_high},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.major) + "." + c.minor);
@@ -57,16 +59,20 @@ TEST(VersionGate, AcceptsMajor215FromMinor1On) {
                       "\n<DbDesign.CacheMinorVersion>: " + c.minor + "\n<TMode>: {\n1 new\n}\n");
     EXPECT_EQ(loaded, c.refusal.empty());
     EXPECT_EQ(data.log.Text(), c.refusal);
+    EXPECT_EQ(data.params.LastRefusal().reason, c.reason);
     EXPECT_STREQ(data.params.Mode().Name(1), loaded ? L"new" : L"old");
     for (const auto& line : data.log.lines) EXPECT_EQ(line.category * 10 + line.style, 84);
   }
   TestStore data;
   EXPECT_FALSE(data.LoadText("a: b\n"));
   EXPECT_EQ(data.log.Text(), head + L"0.0" + low);
+  EXPECT_EQ(data.params.LastRefusal().reason, Refusal::no_version);
   data.log.lines.clear();
   EXPECT_FALSE(data.LoadText(""));
   EXPECT_TRUE(data.log.lines.empty());
+  EXPECT_EQ(data.params.LastRefusal().reason, Refusal::empty_lake);
   EXPECT_TRUE(data.Load(""));
+  EXPECT_FALSE(data.params.LastRefusal());
 }
 
 TEST(Documents, NamesAreCutToOneWord) {
@@ -206,6 +212,10 @@ TEST(Load, RelativeLimitsGetTheInstrumentOfTheirParameter) {
     TestStore data;
     EXPECT_EQ(data.Load(parameters + "<TGrex15>: {\n" + c.limits + "}\n"), c.loaded);
     EXPECT_EQ(data.params.Initialized(), c.loaded);
+    EXPECT_EQ(data.params.LastRefusal().sentence,
+              c.loaded ? L""
+                       : L"The relative limit of the key 2 9 1 1 7 1 has the parameter 7, which is "
+                         L"not in <TInstrumentParam>.");
     EXPECT_TRUE(data.log.lines.empty());
     std::vector<int> instruments;
     for (const auto& row : data.params.RelativeLimit()) instruments.push_back(row.first[1]);

@@ -348,17 +348,15 @@ class NestingCheck {
 };
 
 void CheckVersion(const CLake& lake, const LineNumbers& numbers, std::vector<Finding>& findings) {
-  const auto major = lake[L"<DbDesign.CacheVersion>"];
-  const auto minor = lake[L"<DbDesign.CacheMinorVersion>"];
-  const int major_number = major;
-  const int minor_number = minor;
-  if (CQTableManager::IsSupported(major_number, minor_number)) return;
-  const std::size_t line = major.exists() ? numbers.at(&*major) : 0;
-  const std::size_t other = minor.exists() ? numbers.at(&*minor) : 0;
-  findings.push_back({Kind::refused_version, line, other, L"", "", 0,
-                      "version " + std::to_string(major_number) + "." +
-                          std::to_string(minor_number) +
-                          " is refused; 215 with a minor version of 1 or above is asked for"});
+  const kestrin::Refusal refusal = CQTableManager::WhyRefused(lake);
+  if (!refusal) return;
+  const auto line_of = [&](const wchar_t* key) {
+    const auto line = lake[key];
+    return line.exists() ? numbers.at(&*line) : 0;
+  };
+  findings.push_back({Kind::refused_version, line_of(CQTableManager::major_key),
+                      line_of(CQTableManager::minor_key), L"", "", 0,
+                      Text::ToUtf8(refusal.sentence)});
 }
 
 // Relative limits whose parameter no row of <TInstrumentParam> has.
@@ -432,10 +430,6 @@ const char* Name(Kind kind) {
 
 std::vector<Finding> Check(const CLake& lake) {
   std::vector<Finding> findings;
-  if (lake.empty()) {
-    findings.push_back({Kind::refused_version, 0, 0, L"", "", 0, "there are no lines; refused"});
-    return findings;
-  }
   const LineNumbers numbers = NumberLines(lake);
   CheckVersion(lake, numbers, findings);
   NestingCheck(findings).Run(lake);

@@ -4,6 +4,11 @@
 #include <atomic>
 
 #include "frame/QtParamDerived.h"
+#include "interfaces/Number.h"
+#include "lake/Lake.h"
+#include "tables/RowText.h"
+
+using namespace kestrin;
 
 namespace {
 
@@ -19,6 +24,21 @@ int FindTimeSignal(const CQtParamStore& store) {
   return found == signals.end() ? -1 : found->first[0];
 }
 
+// Of the first relative limit whose parameter nobody knows.
+Refusal UnknownParameter(const CQtParamStore& store) {
+  const auto& parameters = store.Table<L"<TInstrumentParam>">();
+  const auto& limits = store.Table<L"<TGrex15>">();
+  const auto limit = std::find_if(limits.begin(), limits.end(), [&](const auto& row) {
+    return parameters.find(row.first[Clavis::Parameter]) == parameters.end();
+  });
+  std::wstring text = L"The relative limit of the key ";
+  RowText::AppendRecord(text, limit->first);
+  text += L" has the parameter ";
+  Number::Append(text, static_cast<long long>(limit->first[Clavis::Parameter]));
+  text += L", which is not in <TInstrumentParam>.";
+  return {Refusal::unknown_parameter, text};
+}
+
 }  // namespace
 
 CQtParamDistillery::CQtParamDistillery() : derived(std::make_unique<CQtParamDerived>(*this)) {}
@@ -26,10 +46,17 @@ CQtParamDistillery::CQtParamDistillery() : derived(std::make_unique<CQtParamDeri
 CQtParamDistillery::~CQtParamDistillery() = default;
 
 bool CQtParamDistillery::ReadTablesFromCandidateLake() {
-  if (!CQtParamStore::ReadTablesFromCandidateLake()) return false;
+  last_refusal = {};
+  if (!CQtParamStore::ReadTablesFromCandidateLake()) {
+    last_refusal = CQTableManager::WhyRefused(CParameterLake::Lake());
+    return false;
+  }
   time_signal_id = FindTimeSignal(*this);
   derived->Build();
-  if (!derived->CompleteRelativeLimitKeys()) return false;
+  if (!derived->CompleteRelativeLimitKeys()) {
+    last_refusal = UnknownParameter(*this);
+    return false;
+  }
   initialized = true;
   return true;
 }

@@ -18,6 +18,9 @@ class KESTRIN_API CQtParamDistillery : public CQtParamStore {
   // replaced. In both cases `initialized` keeps its value.
   bool ReadTablesFromCandidateLake();
 
+  // Why the last load gave false; no reason after one that gave true, and before any.
+  const kestrin::Refusal& LastRefusal() const { return last_refusal; }
+
   const CQtParamDerived& Derived() const { return *derived; }
 
   // The application signal that carries time, as the last load of the process found it; -1 if there
@@ -30,4 +33,5 @@ class KESTRIN_API CQtParamDistillery : public CQtParamStore {
 
   std::unique_ptr<CQtParamDerived> derived;  // never null
   bool initialized = false;
+  kestrin::Refusal last_refusal;
 };

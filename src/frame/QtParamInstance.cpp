@@ -12,6 +12,8 @@ bool CQtParamInstance::ReadTablesFromCandidateLake() {
   return store_->ReadTablesFromCandidateLake();
 }
 
+const kestrin::Refusal& CQtParamInstance::LastRefusal() const { return store_->LastRefusal(); }
+
 void CQtParamInstance::WriteTablesToLocalSeas() const { store_->WriteTablesToLocalSeas(); }
 
 void CQtParamInstance::PurgeTables() { store_->PurgeTables(); }

@@ -19,6 +19,7 @@
 
 #include "frame/TableList.h"
 #include "interfaces/Export.h"
+#include "interfaces/Refusal.h"
 #include "interfaces/Text.h"
 #include "queries/Grex.h"
 #include "spec/OrderInterpreter.h"
@@ -45,6 +46,10 @@ class KESTRIN_API CQtParamInstance {
   // lines are logged and don't count. Purge before loading another data base: the index of a name
   // table keeps what it had.
   bool ReadTablesFromCandidateLake();
+
+  // Why the last load gave false, for programs and for people; no reason after one that gave true.
+  // What became of the file tells CLake::last_refusal().
+  const kestrin::Refusal& LastRefusal() const;
 
   // Writes the tables that are bound to a sea, which is <TAutoModeParam> alone, back to it.
   void WriteTablesToLocalSeas() const;

@@ -29,6 +29,7 @@
 #include <vector>
 
 #include "interfaces/Export.h"
+#include "interfaces/Refusal.h"
 #include "interfaces/Text.h"
 
 class KESTRIN_API CLake {
@@ -52,6 +53,9 @@ class KESTRIN_API CLake {
   // mark, which leaves the lines too, and when the medium fails: then the lines read until there
   // are the lake. Bytes that are not UTF-8 in a file with the mark end the text at that place.
   bool read(const CString& filename);
+
+  // Why the last `read` of this lake got no lines or not all; no reason before any.
+  const kestrin::Refusal& last_refusal() const { return last_refusal_; }
 
   // Writes all lines, as UTF-8 behind the mark; without lines, a file of zero bytes. The file name
   // as in `read`. False if the file can't be opened; a failure while writing ends the writing and
@@ -94,6 +98,7 @@ class KESTRIN_API CLake {
   void link_root(NodeList&& more = {});
 
   mutable CString filename_;
+  kestrin::Refusal last_refusal_;
   std::unique_ptr<NodeList> nodes_;  // the root, then the lines; nodes know the list by its place
 };
 

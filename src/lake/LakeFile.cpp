@@ -14,7 +14,9 @@
 #include <algorithm>
 #include <array>
 #include <cassert>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <cwchar>
 #include <filesystem>
 #include <istream>
@@ -47,15 +49,33 @@ struct CloseFile {
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
-// Null if there is no such file or no right to it. A folder is no file, and no file's name holds a
-// NUL, behind which the system would not look.
+// Null, with the cause in errno, if there is no such file or no right to it. A folder is no file,
+// and no file's name holds a NUL, behind which the system would not look.
 File Open(const CString& filename, const char* mode) {
   const std::string name = Text::ToUtf8(filename);
   std::error_code ignored;
-  if (name.find('\0') != std::string::npos || std::filesystem::is_directory(name, ignored)) {
+  const bool has_nul = name.find('\0') != std::string::npos;
+  if (has_nul || std::filesystem::is_directory(name, ignored)) {
+    errno = has_nul ? EINVAL : EISDIR;
     return nullptr;
   }
   return File(std::fopen(name.c_str(), mode));
+}
+
+kestrin::Refusal Refused(kestrin::Refusal::Reason reason, const CString& file,
+                         std::wstring_view what) {
+  return {reason, CString(L"The file '" + file + L"' ").append(what)};
+}
+
+kestrin::Refusal Unopened(const CString& file, int error) {
+  using kestrin::Refusal;
+  if (error == ENOENT) return Refused(Refusal::missing_file, file, L"doesn't exist.");
+  if (error == EISDIR) return Refused(Refusal::folder, file, L"is a folder.");
+  if (error == EACCES) return Refused(Refusal::no_right, file, L"may not be read.");
+  const char* const cause = strerrordesc_np(error);  // in English whatever the host's locale
+  return Refused(
+      Refusal::unopened, file,
+      L"can't be opened: " + Text::FromUtf8(cause != nullptr ? cause : "unknown") + L".");
 }
 
 }  // namespace
@@ -203,6 +223,8 @@ bool FillTo(const LakeReader::Source& source, std::span<char> block, std::size_t
 }  // namespace
 
 bool LakeReader::read(CLake& lake, const Source& source) {
+  using kestrin::Refusal;
+  lake.last_refusal_ = {};
   const auto bytes_read = std::make_unique_for_overwrite<char[]>(kBlock);
   const std::span<char> block(bytes_read.get(), kBlock);
   std::size_t have = 0;
@@ -211,7 +233,11 @@ bool LakeReader::read(CLake& lake, const Source& source) {
   if (have > 0 && block[0] == kMark[0]) {
     sound = FillTo(source, block, have, kMark.size());
     marked = have >= kMark.size() && std::equal(kMark.begin(), kMark.end(), block.begin());
-    if (!marked) return false;
+    if (!marked) {
+      lake.last_refusal_ =
+          Refused(Refusal::broken_mark, lake.filename_, L"begins with a broken UTF-8 mark.");
+      return false;
+    }
   }
 
   auto nodes = CLake::new_nodes();
@@ -236,6 +262,13 @@ bool LakeReader::read(CLake& lake, const Source& source) {
     bytes = std::span<const char>(block.data(), have);
   }
   cutter.finish();
+  if (decoder.broken() || (sound && !bytes.empty())) {
+    lake.last_refusal_ = Refused(Refusal::broken_text, lake.filename_,
+                                 L"holds bytes that are not UTF-8, and was read up to them.");
+  } else if (!sound) {
+    lake.last_refusal_ = Refused(Refusal::broken_medium, lake.filename_,
+                                 L"was read in part, up to where the medium failed.");
+  }
   lake.nodes_ = std::move(nodes);
   return sound;
 }
@@ -244,6 +277,7 @@ bool CLake::read(const CString& filename) {
   if (!filename.empty()) filename_ = filename;
   const File file = Open(filename_, "rb");
   if (!file) {
+    last_refusal_ = Unopened(filename_, errno);
     link_root();
     return true;
   }

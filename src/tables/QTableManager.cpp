@@ -12,8 +12,8 @@ using namespace kestrin;
 namespace {
 
 constexpr std::size_t expected_tables = 100;
-constexpr int supported_major = 215;
-constexpr int least_minor = 1;
+constexpr int supported_major = CQTableManager::supported_major;
+constexpr int least_minor = CQTableManager::least_minor;
 
 void Append(std::wstring& text, int number) {
   Number::Append(text, static_cast<long long>(number));
@@ -50,6 +50,25 @@ bool CQTableManager::IsSupported(int major, int minor) {
   return major == supported_major && minor >= least_minor;
 }
 
+kestrin::Refusal CQTableManager::WhyRefused(const CLake& lake) {
+  using kestrin::Refusal;
+  if (lake.empty()) return {Refusal::empty_lake, L"There are no lines to load."};
+  const auto major = lake[major_key];
+  const auto minor = lake[minor_key];
+  if (IsSupported(major, minor)) return {};
+  std::wstring text = L"Version ";
+  AppendVersion(text, major, minor);
+  text.append(L" is refused: ").append(major_key).append(L" must be ");
+  Append(text, supported_major);
+  text.append(L", and ").append(minor_key).append(L" at least ");
+  Append(text, least_minor);
+  if (!major.exists() || !minor.exists()) {
+    return {Refusal::no_version, text.append(L"; a line is missing.")};
+  }
+  const bool too_high = int{major} > supported_major;
+  return {too_high ? Refusal::version_too_high : Refusal::version_too_low, text.append(L".")};
+}
+
 CQTableManager::CQTableManager() { tables_.reserve(expected_tables); }
 
 unsigned int CQTableManager::RegisterTable(CQParamSeaTable& table) {
@@ -71,11 +90,10 @@ void CQTableManager::PurgeTables() {
 
 bool CQTableManager::ReadTablesFromCandidateLake() {
   CLake& lake = CParameterLake::Lake();
-  if (lake.empty()) return false;
-  const int major = lake[L"<DbDesign.CacheVersion>"];
-  const int minor = lake[L"<DbDesign.CacheMinorVersion>"];
-  if (!IsSupported(major, minor)) {
-    LogRefusal(major, minor);
+  if (const kestrin::Refusal refusal = WhyRefused(lake)) {
+    if (refusal.reason != kestrin::Refusal::empty_lake) {
+      LogRefusal(lake[major_key], lake[minor_key]);
+    }
     return false;
   }
   for (CQParamSeaTable* table : tables_) table->ReadTable(lake);

@@ -1,9 +1,6 @@
 // The list of all sea tables of a store, and the loop over them. Every bulk operation on the data
 // base is one call here that walks the tables in the order of their registration. The manager also
-// accepts or refuses a data base by its version:
-//
-//   <DbDesign.CacheVersion>         exactly 215
-//   <DbDesign.CacheMinorVersion>    1 or above
+// accepts or refuses a data base by its version.
 //
 // The manager knows a table only through two interfaces. Tables are owned by the store. Nothing
 // here is synchronised: loads, purges and clears don't run beside anything else.
@@ -12,6 +9,7 @@
 #include <vector>
 
 #include "interfaces/Export.h"
+#include "interfaces/Refusal.h"
 
 class CLake;
 class CResourceSea;
@@ -38,6 +36,16 @@ class CQParamSeaTable : public virtual CQParamBaseTableInterface {
 class KESTRIN_API CQTableManager {
  public:
   CQTableManager();
+
+  // The lines that tell a version, and what is read: exactly this major version, from the least
+  // minor one on.
+  static constexpr const wchar_t* major_key = L"<DbDesign.CacheVersion>";
+  static constexpr const wchar_t* minor_key = L"<DbDesign.CacheMinorVersion>";
+  static constexpr int supported_major = 215;
+  static constexpr int least_minor = 1;
+
+  // Why a load of the lake would end in front of the tables, if it would.
+  static kestrin::Refusal WhyRefused(const CLake& lake);
 
   // Whether a data base of this version is read.
   static bool IsSupported(int major, int minor);
