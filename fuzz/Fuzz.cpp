@@ -7,7 +7,7 @@
 #include <functional>
 #include <system_error>
 
-#include "interfaces/PrWin.h"
+#include "interfaces/sea/PrWin.h"
 
 namespace fuzz {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "Fuzz.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
 #include "lake/Lake.h"
 #include "lake/LakeReader.h"
 

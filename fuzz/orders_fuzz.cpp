@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "Fuzz.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
 #include "spec/OrderInterpreter.h"
 #include "spec/QtSpecIntervalStore.h"
 

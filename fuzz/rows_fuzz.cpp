@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "Fuzz.h"
-#include "frame/TableCatalogue.h"
-#include "interfaces/Text.h"
+#include "inspect/TableCatalogue.h"
+#include "interfaces/text/Text.h"
 #include "tables/RowText.h"
 
 using namespace kestrin;

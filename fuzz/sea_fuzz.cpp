@@ -17,8 +17,8 @@
 #include <vector>
 
 #include "Fuzz.h"
-#include "interfaces/ResourceSea.h"
-#include "interfaces/Text.h"
+#include "interfaces/sea/ResourceSea.h"
+#include "interfaces/text/Text.h"
 
 using namespace kestrin;
 

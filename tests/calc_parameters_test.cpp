@@ -10,7 +10,7 @@
 #include <tuple>
 #include <utility>
 
-#include "frame/ModuleStrings.h"
+#include "frame/strings/ModuleStrings.h"
 #include "test_store.h"
 
 namespace {

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "frame/QtParamInstance.h"
-#include "frame/TableCatalogue.h"
+#include "inspect/TableCatalogue.h"
 #include "test_store.h"
 
 namespace {

@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "frame/ModuleStrings.h"
-#include "interfaces/ComboBoxX.h"
-#include "interfaces/TextView.h"
+#include "frame/strings/ModuleStrings.h"
+#include "interfaces/windows/ComboBoxX.h"
+#include "interfaces/windows/TextView.h"
 #include "test_store.h"
 
 // A data base of the process and a user who reads English.

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "full_disk.h"
-#include "interfaces/File.h"
+#include "interfaces/text/File.h"
 #include "lake/LakeReader.h"
 #include "lake_bytes.h"
 #include "tables/TableFile.h"

@@ -20,7 +20,7 @@
 #include <vector>
 
 #include "allocation_count.h"
-#include "frame/ParameterCheck.h"
+#include "inspect/ParameterCheck.h"
 #include "lake/LakeReader.h"
 #include "tables/SecretHash.h"
 #include "test_store.h"

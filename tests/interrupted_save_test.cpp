@@ -21,8 +21,8 @@
 #include <string>
 #include <vector>
 
-#include "interfaces/PrWin.h"
-#include "interfaces/ResourceSea.h"
+#include "interfaces/sea/PrWin.h"
+#include "interfaces/sea/ResourceSea.h"
 #include "lake_bytes.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <tuple>
 
-#include "interfaces/ComboBoxX.h"
+#include "interfaces/windows/ComboBoxX.h"
 #include "test_store.h"
 
 namespace {

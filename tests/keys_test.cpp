@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "interfaces/Clavis.h"
+#include "interfaces/signal/Clavis.h"
 #include "keys/IndexRecords.h"
 
 namespace {

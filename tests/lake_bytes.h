@@ -14,7 +14,7 @@
 #include <string>
 #include <string_view>
 
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
 #include "lake/Lake.h"
 
 inline std::string BytesOf(const std::filesystem::path& path) {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "frame/QtParamServer.h"
-#include "frame/TableCatalogue.h"
+#include "inspect/TableCatalogue.h"
 #include "test_store.h"
 
 namespace {

@@ -6,9 +6,9 @@
 #include <locale>
 #include <sstream>
 
-#include "interfaces/Number.h"
-#include "interfaces/PrWin.h"
-#include "interfaces/ResourceSea.h"
+#include "interfaces/sea/PrWin.h"
+#include "interfaces/sea/ResourceSea.h"
+#include "interfaces/text/Number.h"
 #include "test_store.h"
 
 namespace {

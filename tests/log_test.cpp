@@ -12,9 +12,9 @@
 #include <thread>
 #include <tuple>
 
-#include "interfaces/PrWin.h"
 #include "interfaces/Support.h"
-#include "interfaces/Text.h"
+#include "interfaces/sea/PrWin.h"
+#include "interfaces/text/Text.h"
 #include "test_store.h"
 
 namespace {

@@ -11,7 +11,7 @@
 #include <tuple>
 #include <vector>
 
-#include "interfaces/MeasuringUnit.h"
+#include "interfaces/signal/MeasuringUnit.h"
 #include "test_store.h"
 
 namespace {

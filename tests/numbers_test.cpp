@@ -12,8 +12,8 @@
 #include <random>
 #include <tuple>
 
-#include "interfaces/Number.h"
 #include "interfaces/Support.h"
+#include "interfaces/text/Number.h"
 
 namespace {
 

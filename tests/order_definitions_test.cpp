@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "allocation_count.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
 #include "spec/OrderInterpreter.h"
 #include "test_store.h"
 

@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "allocation_count.h"
-#include "frame/ParameterCheck.h"
-#include "frame/TableCatalogue.h"
-#include "interfaces/ResourceSea.h"
+#include "inspect/ParameterCheck.h"
+#include "inspect/TableCatalogue.h"
+#include "interfaces/sea/ResourceSea.h"
 #include "tables/Allocators.h"
 #include "test_store.h"
 

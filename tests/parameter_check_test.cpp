@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "frame/ParameterCheck.h"
-#include "frame/TableCatalogue.h"
+#include "inspect/ParameterCheck.h"
+#include "inspect/TableCatalogue.h"
 #include "test_store.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "controls/KestrinRangeSelectCtrl.h"
-#include "interfaces/Clavis.h"
-#include "interfaces/TextView.h"
+#include "interfaces/signal/Clavis.h"
+#include "interfaces/windows/TextView.h"
 
 namespace {
 

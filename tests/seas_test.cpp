@@ -10,7 +10,7 @@
 #include <iterator>
 
 #include "full_disk.h"
-#include "interfaces/ResourceSea.h"
+#include "interfaces/sea/ResourceSea.h"
 #include "test_store.h"
 
 namespace {

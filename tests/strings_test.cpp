@@ -18,12 +18,12 @@
 #include <utility>
 #include <vector>
 
-#include "frame/DialogTemplates.h"
-#include "frame/ModuleStrings.h"
+#include "frame/strings/DialogTemplates.h"
 #include "frame/strings/EmbeddedTexts.h"
+#include "frame/strings/ModuleStrings.h"
 #include "frame/strings/TextCatalogue.h"
-#include "interfaces/Dialog3d.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
+#include "interfaces/windows/Dialog3d.h"
 
 namespace {
 

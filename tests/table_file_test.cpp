@@ -6,7 +6,7 @@
 #include <array>
 #include <string>
 
-#include "interfaces/File.h"
+#include "interfaces/text/File.h"
 #include "lake_bytes.h"
 #include "tables/TableFile.h"
 

@@ -10,9 +10,9 @@
 #include "frame/QtParamDerived.h"
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
-#include "interfaces/PrWin.h"
-#include "interfaces/ResourceSea.h"
-#include "interfaces/Text.h"
+#include "interfaces/sea/PrWin.h"
+#include "interfaces/sea/ResourceSea.h"
+#include "interfaces/text/Text.h"
 #include "lake_bytes.h"
 
 using namespace kestrin;

@@ -13,8 +13,8 @@
 #include <thread>
 #include <vector>
 
-#include "frame/ModuleStrings.h"
-#include "frame/TableCatalogue.h"
+#include "frame/strings/ModuleStrings.h"
+#include "inspect/TableCatalogue.h"
 #include "spec/OrderInterpreter.h"
 #include "spec/QtSpecInterval.h"
 #include "test_store.h"

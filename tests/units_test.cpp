@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "interfaces/MeasuringUnit.h"
+#include "interfaces/signal/MeasuringUnit.h"
 
 namespace {
 

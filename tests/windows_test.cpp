@@ -10,9 +10,9 @@
 #include <tuple>
 
 #include "control_support.h"
-#include "interfaces/ComboBoxX.h"
-#include "interfaces/Dialog3d.h"
-#include "interfaces/XListCtrl.h"
+#include "interfaces/windows/ComboBoxX.h"
+#include "interfaces/windows/Dialog3d.h"
+#include "interfaces/windows/XListCtrl.h"
 
 namespace {
 

@@ -2,14 +2,15 @@
 // text. Whoever reads a value decides whether it is a number, a float or a text.
 //
 // What the numbers and their values are called comes from the library's string table, in the
-// language of the user (frame/ModuleStrings.h). These texts may be asked for from any thread.
+// language of the user (frame/strings/ModuleStrings.h). These texts may be asked for from any
+// thread.
 #pragma once
 
 #include <list>
 #include <string>
 
 #include "interfaces/Export.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
 #include "tables/RowRecords.h"
 
 struct KESTRIN_API QVIpCalcParameter : QValueBase {

@@ -2,7 +2,7 @@
 #include "controls/ClavisComboBox.h"
 
 #include "controls/OfferedIds.h"
-#include "frame/ModuleStrings.h"
+#include "frame/strings/ModuleStrings.h"
 
 using namespace kestrin;
 

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "interfaces/Clavis.h"
-#include "interfaces/ComboBoxX.h"
+#include "interfaces/signal/Clavis.h"
+#include "interfaces/windows/ComboBoxX.h"
 
 namespace kestrin::OfferedIds {
 struct Entry;

@@ -8,8 +8,8 @@
 
 #include <set>
 
-#include "interfaces/Clavis.h"
-#include "interfaces/XListCtrl.h"
+#include "interfaces/signal/Clavis.h"
+#include "interfaces/windows/XListCtrl.h"
 
 class KESTRIN_API CClavisListCtrl : public CXListCtrl {
  public:

@@ -4,8 +4,8 @@
 #include <map>
 
 #include "controls/OfferedIds.h"
-#include "frame/ModuleStrings.h"
 #include "frame/QtParamInstance.h"
+#include "frame/strings/ModuleStrings.h"
 
 using namespace kestrin;
 

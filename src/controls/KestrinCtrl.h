@@ -23,8 +23,8 @@
 #include <string_view>
 #include <vector>
 
-#include "interfaces/Clavis.h"
-#include "interfaces/XListCtrl.h"
+#include "interfaces/signal/Clavis.h"
+#include "interfaces/windows/XListCtrl.h"
 
 namespace kestrin::OfferedIds {
 struct Entry;

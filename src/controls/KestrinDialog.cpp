@@ -1,7 +1,7 @@
 // The life of the key dialog.
 #include "controls/KestrinDialog.h"
 
-#include "frame/DialogTemplates.h"
+#include "frame/strings/DialogTemplates.h"
 
 using namespace kestrin;
 

@@ -11,7 +11,7 @@
 #include <functional>
 
 #include "controls/KestrinCtrl.h"
-#include "interfaces/Dialog3d.h"
+#include "interfaces/windows/Dialog3d.h"
 
 class KESTRIN_API CKestrinDialog : public CDialog3d {
  public:

@@ -1,7 +1,7 @@
 // From key lists to the grid, and from flags to its selection.
 #include "controls/KestrinRangeSelectCtrl.h"
 
-#include "interfaces/Clavis.h"
+#include "interfaces/signal/Clavis.h"
 
 void CKestrinRangeSelectCtrl::fill() { CRangeSelectCtrl<6>::fill(lists_); }
 

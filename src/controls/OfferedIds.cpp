@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "frame/QtParamInstance.h"
-#include "interfaces/Number.h"
+#include "interfaces/text/Number.h"
 
 using namespace kestrin;
 

@@ -9,8 +9,8 @@
 
 #include <vector>
 
-#include "interfaces/Clavis.h"
-#include "interfaces/Text.h"
+#include "interfaces/signal/Clavis.h"
+#include "interfaces/text/Text.h"
 
 namespace kestrin::OfferedIds {
 

@@ -21,7 +21,7 @@
 #include <utility>
 #include <vector>
 
-#include "interfaces/XListCtrl.h"
+#include "interfaces/windows/XListCtrl.h"
 
 class KESTRIN_API CRangeSelectCtrlBasics {
  public:

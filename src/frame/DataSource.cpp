@@ -3,7 +3,7 @@
 #include <type_traits>
 
 #include "frame/QtParamStore.h"
-#include "interfaces/Number.h"
+#include "interfaces/text/Number.h"
 
 using namespace kestrin;
 

@@ -4,7 +4,7 @@
 #include <atomic>
 
 #include "frame/QtParamDerived.h"
-#include "interfaces/Number.h"
+#include "interfaces/text/Number.h"
 #include "lake/Lake.h"
 #include "tables/RowText.h"
 

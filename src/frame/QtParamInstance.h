@@ -19,8 +19,8 @@
 
 #include "frame/TableList.h"
 #include "interfaces/Export.h"
-#include "interfaces/Refusal.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
+#include "lake/Refusal.h"
 #include "queries/Grex.h"
 #include "spec/OrderInterpreter.h"
 

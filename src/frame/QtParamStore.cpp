@@ -4,7 +4,7 @@
 #include <array>
 #include <string_view>
 
-#include "interfaces/ResourceSea.h"
+#include "interfaces/sea/ResourceSea.h"
 #include "lake/Lake.h"
 #include "tables/QParamBaseTableImpl.h"
 

@@ -12,7 +12,7 @@
 
 #include "frame/TableList.h"
 #include "interfaces/Export.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
 
 class KESTRIN_API CQtParamStore {
  public:

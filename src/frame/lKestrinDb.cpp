@@ -6,7 +6,7 @@
 // with the program or was opened later. The trace is ready before any object of this library and
 // outlives them all. A host that sets a trace sink takes it back before what the sink writes to is
 // gone, for the last line comes when most of the process has been taken down.
-#include "interfaces/PrWin.h"
+#include "interfaces/sea/PrWin.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 
 #include "interfaces/Export.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
 
 // A block of size bytes, aligned for any object; 0 bytes give a block too. Never null: throws
 // std::bad_alloc if there is no memory.

@@ -3,7 +3,7 @@
 #include <ostream>
 #include <string>
 
-#include "interfaces/Number.h"
+#include "interfaces/text/Number.h"
 
 using namespace kestrin;
 

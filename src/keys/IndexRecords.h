@@ -27,8 +27,8 @@
 #include <tuple>
 #include <utility>
 
-#include "interfaces/Clavis.h"
 #include "interfaces/Export.h"
+#include "interfaces/signal/Clavis.h"
 
 // The base of every key record and every row record. The destructor is its one virtual operation.
 class KESTRIN_API QValueBase {

@@ -1,6 +1,6 @@
 #include "keys/QIdx8Set.h"
 
-#include "interfaces/WildcardSet.h"
+#include "interfaces/signal/WildcardSet.h"
 
 using namespace kestrin;
 

@@ -14,8 +14,8 @@
 #include <set>
 #include <utility>
 
-#include "interfaces/ClavisSet.h"
 #include "interfaces/Export.h"
+#include "interfaces/signal/ClavisSet.h"
 #include "keys/IndexRecords.h"
 
 class KESTRIN_API CQIdx8Set : public CClavisSet {

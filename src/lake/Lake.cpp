@@ -10,7 +10,7 @@
 #include <iterator>
 #include <utility>
 
-#include "interfaces/Number.h"
+#include "interfaces/text/Number.h"
 #include "lake/LakeReader.h"
 
 using namespace kestrin;

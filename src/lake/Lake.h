@@ -29,8 +29,8 @@
 #include <vector>
 
 #include "interfaces/Export.h"
-#include "interfaces/Refusal.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
+#include "lake/Refusal.h"
 
 class KESTRIN_API CLake {
  public:

@@ -30,7 +30,7 @@
 #include <utility>
 #include <vector>
 
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
 #include "lake/Lake.h"
 #include "lake/LakeReader.h"
 #include "lake/Utf8ToUcs2.h"

@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "catalogue/IpCalcParameter.h"
-#include "frame/ModuleStrings.h"
-#include "interfaces/Number.h"
+#include "frame/strings/ModuleStrings.h"
+#include "interfaces/text/Number.h"
 #include "tables/RowText.h"
 
 using namespace kestrin;

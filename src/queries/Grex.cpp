@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "frame/QtParamStore.h"
-#include "interfaces/PrWin.h"
+#include "interfaces/sea/PrWin.h"
 #include "tables/SecretHash.h"
 
 using namespace kestrin;

@@ -13,8 +13,8 @@
 
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
-#include "interfaces/Clavis.h"
-#include "interfaces/Number.h"
+#include "interfaces/signal/Clavis.h"
+#include "interfaces/text/Number.h"
 
 using namespace kestrin;
 

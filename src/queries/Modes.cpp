@@ -10,7 +10,7 @@
 #include "frame/QtParamDerived.h"
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
-#include "interfaces/Number.h"
+#include "interfaces/text/Number.h"
 #include "queries/QtModeInfo.h"
 #include "queries/Units.h"
 #include "tables/RowText.h"

@@ -8,9 +8,9 @@
 #include "frame/QtParamDerived.h"
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
-#include "interfaces/Clavis.h"
-#include "interfaces/ComboBoxX.h"
-#include "interfaces/ResourceSea.h"
+#include "interfaces/sea/ResourceSea.h"
+#include "interfaces/signal/Clavis.h"
+#include "interfaces/windows/ComboBoxX.h"
 
 namespace {
 

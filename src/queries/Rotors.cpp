@@ -4,7 +4,7 @@
 #include "frame/QtParamDerived.h"
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
-#include "interfaces/PrWin.h"
+#include "interfaces/sea/PrWin.h"
 #include "queries/QtChannelInfo.h"
 #include "queries/QtRotorInfo.h"
 #include "queries/QtSpeedInfo.h"

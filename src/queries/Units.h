@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "interfaces/MeasuringUnit.h"
+#include "interfaces/signal/MeasuringUnit.h"
 
 class CQtParamStore;
 struct QVAppSignalProperty;

@@ -10,9 +10,9 @@
 #include <string>
 #include <string_view>
 
-#include "interfaces/Number.h"
-#include "interfaces/PrWin.h"
-#include "interfaces/Text.h"
+#include "interfaces/sea/PrWin.h"
+#include "interfaces/text/Number.h"
+#include "interfaces/text/Text.h"
 
 using namespace kestrin;
 

@@ -8,7 +8,7 @@
 
 #include "catalogue/IpCalcParameter.h"
 #include "frame/QtParamStore.h"
-#include "interfaces/PrWin.h"
+#include "interfaces/sea/PrWin.h"
 #include "tables/QParamBaseTableImpl.h"
 
 using namespace kestrin;

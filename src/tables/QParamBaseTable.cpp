@@ -1,5 +1,5 @@
-#include "interfaces/Number.h"
-#include "interfaces/PrWin.h"
+#include "interfaces/sea/PrWin.h"
+#include "interfaces/text/Number.h"
 #include "tables/QParamBaseTableImpl.h"
 
 namespace kestrin::tables {

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "interfaces/ResourceSea.h"
+#include "interfaces/sea/ResourceSea.h"
 #include "lake/Lake.h"
 #include "tables/LineSource.h"
 #include "tables/QParamBaseTable.h"

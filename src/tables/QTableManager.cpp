@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <string>
 
-#include "interfaces/Number.h"
-#include "interfaces/PrWin.h"
+#include "interfaces/sea/PrWin.h"
+#include "interfaces/text/Number.h"
 #include "lake/Lake.h"
 
 using namespace kestrin;

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "interfaces/Export.h"
-#include "interfaces/Refusal.h"
+#include "lake/Refusal.h"
 
 class CLake;
 class CResourceSea;

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cwchar>
 
-#include "interfaces/Number.h"
-#include "interfaces/PrWin.h"
-#include "interfaces/Text.h"
+#include "interfaces/sea/PrWin.h"
+#include "interfaces/text/Number.h"
+#include "interfaces/text/Text.h"
 
 using namespace kestrin;
 

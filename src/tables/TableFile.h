@@ -21,8 +21,8 @@
 // neither the sizes nor the number of rows.
 //
 // A file is anything with Read(buffer, count), which returns the number of bytes it got, and
-// Write(buffer, count), which has its own way to report a failure; CFile of interfaces/File.h is
-// one. Readers return false for whatever is cut short or corrupt and log nothing.
+// Write(buffer, count), which has its own way to report a failure; CFile of interfaces/text/File.h
+// is one. Readers return false for whatever is cut short or corrupt and log nothing.
 #pragma once
 
 #include <algorithm>

@@ -2,10 +2,10 @@
 
 #include <optional>
 
-#include "frame/ModuleStrings.h"
 #include "frame/strings/EmbeddedTexts.h"
+#include "frame/strings/ModuleStrings.h"
 #include "frame/strings/TextLines.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
 
 using namespace kestrin;
 

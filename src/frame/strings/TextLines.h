@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "interfaces/Number.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Number.h"
+#include "interfaces/text/Text.h"
 
 // The pieces of `text` between the separators, without white space at their ends; one at least.
 inline std::vector<std::wstring_view> Split(std::wstring_view text, wchar_t separator) {

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "interfaces/Wnd.h"
+#include "interfaces/windows/Wnd.h"
 
 class KESTRIN_API CComboBox : public kestrin::CWnd {
  public:

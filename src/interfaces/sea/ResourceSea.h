@@ -37,7 +37,7 @@
 #include <string>
 
 #include "interfaces/Export.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
 
 namespace lookup {
 

@@ -1,5 +1,5 @@
 // The table of handles, and what all windows share.
-#include "interfaces/Wnd.h"
+#include "interfaces/windows/Wnd.h"
 
 #include <algorithm>
 #include <iterator>

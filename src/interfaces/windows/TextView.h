@@ -13,8 +13,8 @@
 
 #include <vector>
 
-#include "interfaces/Text.h"
-#include "interfaces/Wnd.h"
+#include "interfaces/text/Text.h"
+#include "interfaces/windows/Wnd.h"
 
 class CComboBox;
 class CDialog3d;

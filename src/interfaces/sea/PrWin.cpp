@@ -8,7 +8,7 @@
 // - SetSink waits until a call under way on another thread has returned: afterwards the sink before
 //   is not called any more and its host may take down what it writes to.
 
-#include "interfaces/PrWin.h"
+#include "interfaces/sea/PrWin.h"
 
 #include <cstdarg>
 #include <cstdio>
@@ -18,8 +18,8 @@
 #include <string>
 #include <utility>
 
-#include "interfaces/Number.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Number.h"
+#include "interfaces/text/Text.h"
 
 using namespace kestrin;
 

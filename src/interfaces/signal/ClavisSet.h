@@ -43,8 +43,8 @@
 #include <set>
 #include <utility>
 
-#include "interfaces/Clavis.h"
 #include "interfaces/Export.h"
+#include "interfaces/signal/Clavis.h"
 
 class KESTRIN_API CClavisSet {
  public:

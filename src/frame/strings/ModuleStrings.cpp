@@ -1,5 +1,5 @@
 // How a user's wish becomes one of the languages that the library has, and an id its text.
-#include "frame/ModuleStrings.h"
+#include "frame/strings/ModuleStrings.h"
 
 #include <algorithm>
 #include <array>

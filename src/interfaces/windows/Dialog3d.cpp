@@ -1,5 +1,5 @@
 // Making a dialog from its template, and the way of a click to its handler.
-#include "interfaces/Dialog3d.h"
+#include "interfaces/windows/Dialog3d.h"
 
 #include <algorithm>
 #include <utility>

@@ -3,7 +3,7 @@
 //     dialog          3002  0  0  168  110     the dialog: its number and its size
 //     font            8     MS Shell Dlg       size in points, name
 //     default_button  1     111  89  50  14    an item: id, then left, top, width and height
-#include "frame/DialogTemplates.h"
+#include "frame/strings/DialogTemplates.h"
 
 #include <array>
 #include <map>
@@ -12,12 +12,12 @@
 #include <utility>
 #include <vector>
 
-#include "frame/ModuleStrings.h"
 #include "frame/strings/EmbeddedTexts.h"
+#include "frame/strings/ModuleStrings.h"
 #include "frame/strings/TextCatalogue.h"
 #include "frame/strings/TextLines.h"
-#include "interfaces/Dialog3d.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
+#include "interfaces/windows/Dialog3d.h"
 
 using namespace kestrin;
 

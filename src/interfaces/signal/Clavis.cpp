@@ -1,4 +1,4 @@
-#include "interfaces/Clavis.h"
+#include "interfaces/signal/Clavis.h"
 
 namespace Clavis {
 

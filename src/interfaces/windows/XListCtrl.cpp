@@ -1,10 +1,10 @@
 // Rows, cells and gestures of the list. Wherever a handler of others has run, the list may be
 // filled anew or gone: what comes after asks for everything again.
-#include "interfaces/XListCtrl.h"
+#include "interfaces/windows/XListCtrl.h"
 
 #include <algorithm>
 
-#include "interfaces/Number.h"
+#include "interfaces/text/Number.h"
 
 using namespace kestrin;
 

@@ -1,5 +1,5 @@
 // Entries, their order and the selection of a drop-down box.
-#include "interfaces/ComboBoxX.h"
+#include "interfaces/windows/ComboBoxX.h"
 
 #include <algorithm>
 

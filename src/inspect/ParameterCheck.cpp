@@ -1,4 +1,4 @@
-#include "frame/ParameterCheck.h"
+#include "inspect/ParameterCheck.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,9 +8,9 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "frame/TableCatalogue.h"
-#include "interfaces/Clavis.h"
-#include "interfaces/Text.h"
+#include "inspect/TableCatalogue.h"
+#include "interfaces/signal/Clavis.h"
+#include "interfaces/text/Text.h"
 #include "lake/Lake.h"
 #include "tables/QTableManager.h"
 #include "tables/RowText.h"

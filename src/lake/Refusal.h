@@ -3,7 +3,7 @@
 // CLake::last_refusal() for the file, CQtParamInstance::LastRefusal() for the load.
 #pragma once
 
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
 
 namespace kestrin {
 

@@ -1,4 +1,4 @@
-#include "interfaces/ResourceSea.h"
+#include "interfaces/sea/ResourceSea.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -13,7 +13,7 @@
 #include <string_view>
 #include <utility>
 
-#include "interfaces/PrWin.h"
+#include "interfaces/sea/PrWin.h"
 
 using namespace kestrin;
 

@@ -1,8 +1,8 @@
-#include "interfaces/ClavisSet.h"
+#include "interfaces/signal/ClavisSet.h"
 
 #include <algorithm>
 
-#include "interfaces/WildcardSet.h"
+#include "interfaces/signal/WildcardSet.h"
 
 using namespace kestrin;
 

@@ -21,7 +21,7 @@
 #include <string_view>
 #include <vector>
 
-#include "interfaces/Wnd.h"
+#include "interfaces/windows/Wnd.h"
 
 namespace kestrin {
 

@@ -24,7 +24,7 @@
 #include <vector>
 
 #include "interfaces/Export.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
 
 namespace kestrin {
 

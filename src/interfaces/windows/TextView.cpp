@@ -1,14 +1,14 @@
 // Everything here is made of two things: a text brought to an exact width, and a box around lines.
-#include "interfaces/TextView.h"
+#include "interfaces/windows/TextView.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
 #include <utility>
 
-#include "interfaces/ComboBoxX.h"
-#include "interfaces/Dialog3d.h"
-#include "interfaces/XListCtrl.h"
+#include "interfaces/windows/ComboBoxX.h"
+#include "interfaces/windows/Dialog3d.h"
+#include "interfaces/windows/XListCtrl.h"
 
 using namespace kestrin;
 

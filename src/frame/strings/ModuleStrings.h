@@ -16,7 +16,7 @@
 #include <string_view>
 
 #include "interfaces/Export.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
 
 // The ids of the string table.
 namespace kestrin {

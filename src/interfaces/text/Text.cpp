@@ -2,7 +2,7 @@
 // for each lead byte with as many continuation bytes as could still have made a character, so that
 // the damage never swallows the good characters behind it.
 
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
 
 #include <cstddef>
 

@@ -12,7 +12,7 @@
 #include <map>
 #include <vector>
 
-#include "interfaces/Wnd.h"
+#include "interfaces/windows/Wnd.h"
 
 class CDialog3d;
 

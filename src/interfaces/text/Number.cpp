@@ -8,7 +8,7 @@
 // conversion. std::from_chars says "out of range" without saying at which end, so the end is told
 // from the place of the leading digit.
 
-#include "interfaces/Number.h"
+#include "interfaces/text/Number.h"
 
 #include <algorithm>
 #include <array>
@@ -17,7 +17,7 @@
 #include <limits>
 #include <optional>
 
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
 
 namespace kestrin::Number {
 namespace {

@@ -1,4 +1,4 @@
-#include "interfaces/File.h"
+#include "interfaces/text/File.h"
 
 #include <sys/stat.h>
 

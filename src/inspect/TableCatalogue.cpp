@@ -1,11 +1,11 @@
-#include "frame/TableCatalogue.h"
+#include "inspect/TableCatalogue.h"
 
 #include <algorithm>
 #include <sstream>
 #include <type_traits>
 
 #include "frame/QtParamStore.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Text.h"
 #include "tables/RowText.h"
 
 namespace kestrin::TableCatalogue {

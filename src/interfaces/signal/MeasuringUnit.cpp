@@ -8,7 +8,7 @@
 //   mark   := "²" | "³" | "^" exponent
 //
 // A whole unit is tried first, so that "m/s²" is no squared "m/s" and "kg" no thousand "g".
-#include "interfaces/MeasuringUnit.h"
+#include "interfaces/signal/MeasuringUnit.h"
 
 #include <algorithm>
 #include <iterator>
@@ -16,8 +16,8 @@
 #include <optional>
 #include <string_view>
 
-#include "interfaces/Number.h"
-#include "interfaces/Text.h"
+#include "interfaces/text/Number.h"
+#include "interfaces/text/Text.h"
 
 using namespace kestrin;
 
