@@ -8,8 +8,6 @@
 // Threads: after a load, constant queries may run on any number of threads. Loading, purging,
 // clearing, AddVModeName, ShowIdsInDialogs(bool) and changes through the non-constant tables must
 // not run beside them.
-//
-// The operations are defined in queries/, a file a topic, and in frame/QtParamInstance.cpp.
 #pragma once
 
 #include <bitset>
@@ -132,7 +130,7 @@ class KESTRIN_API CQtParamInstance {
   // The store itself, for those who describe or count all tables (TableCatalogue.h).
   const CQtParamDistillery& Store() const { return *store_; }
 
-  // --- Names and ids (queries/Names.cpp) ----------------------------------------------------
+  // --- Names and ids ------------------------------------------------------------------------
   // ...Name(id): the name, good until the table is purged; empty for an unknown id.
   // ...Id(name): the id of the row with exactly this name, -1 for an unknown one. A name is cut to
   //              199 characters first.
@@ -208,7 +206,7 @@ class KESTRIN_API CQtParamInstance {
   // the signals of <TAutoModeParam>, whose units stand in names, the load has put the texts in.
   CMeasuringUnit ApplicationSignalUnit(int signal);
 
-  // --- Test steps and virtual test steps (queries/Modes.cpp) --------------------------------
+  // --- Test steps and virtual test steps ----------------------------------------------------
   // The id of a test step, where it is above 0:
   //
   //   bits 0 to 10    the base mode, 0 to 2047: what the tables know
@@ -272,7 +270,7 @@ class KESTRIN_API CQtParamInstance {
   bool ModeIsOfType(int id, QVModeProps::modeFlag flag) const;
   static bool ModeIsOfType(const QVModeProps& props, QVModeProps::modeFlag flag);
 
-  // --- Kinds of instruments (queries/Instruments.cpp) ---------------------------------------
+  // --- Kinds of instruments -----------------------------------------------------------------
   // The static operations answer from a table of the suite's instruments that is built in. They
   // need no data base, ask for no name, and may run on any thread at any time.
 
@@ -291,7 +289,7 @@ class KESTRIN_API CQtParamInstance {
   // The instrument of a parameter, or -1.
   int InstrumentParameterToInstrument(int parameter) const;
 
-  // --- Key texts (queries/KeyTexts.cpp) -----------------------------------------------------
+  // --- Key texts ----------------------------------------------------------------------------
 
   // When an element's id stands behind its name, as in "Main [3]".
   enum show_id_t : int {
@@ -327,10 +325,15 @@ class KESTRIN_API CQtParamInstance {
   const wchar_t* FormatLocaChanText(CString& text, int location, int channel) const;
   const wchar_t* FormatLocaChanText(CString& text, const QClavis& key) const;
 
-  // --- Channels (queries/Channels.cpp) ------------------------------------------------------
+  // --- Channels -----------------------------------------------------------------------------
   // A channel may be derived from another one, its parent, which can depend on the test step. The
-  // channel at the end of this chain is its base channel; how a chain ends that closes on itself
-  // stands in queries/QtChannelInfo.h. Virtual modes count as their base modes.
+  // channel at the end of this chain is its base channel. Virtual modes count as their base modes.
+  //
+  // A chain that closes on itself has no end. It stops where it would come to a channel for the
+  // second time: the base channel is then the last one before that step. Each load logs one line
+  // for each closed chain.
+  //
+  //   a -> b -> c -> b   from a: base c    from b: base c    from c: base b
 
   // How a channel is resampled: a set of these bits.
   enum channelFlag : unsigned {
@@ -354,12 +357,19 @@ class KESTRIN_API CQtParamInstance {
   bool ChannelIsMix(int channel) const;
   bool ChannelIsFix(int channel) const;
 
-  // --- Rotors, speed sources and orders (queries/Rotors.cpp) --------------------------------
+  // --- Rotors, speed sources and orders -----------------------------------------------------
   // Order sources and gears sit on rotors, and a speed source tells how fast a rotor turns. Their
   // ids are one space: an order source that no table puts on a rotor is the rotor of its number, a
-  // gear that no table translates is the physical gear of its number. The chain through the tables
-  // is drawn in queries/QtSpeedInfo.h. Virtual modes count as their base modes, except in
-  // RotorSpeedSource. -1 stands for none, given or found.
+  // gear that no table translates is the physical gear of its number. Virtual modes count as their
+  // base modes, except in RotorSpeedSource. -1 stands for none, given or found.
+  //
+  //   test step --<TModeProperty>--> physical mode p
+  //
+  //   order source --(p) <TOrderSource2Rotor>--> rotor --(p) <TRotorSpeedSource>--> speed source
+  //        |                                       |                                   |
+  //        | (p) <TVirtual2PhysGear>               | (p) <TRotorSpeed>  <TSpeedSource> |
+  //        v                                       v                                   v
+  //   physical gear --<TBaseOrder>--> order      speed                               signal
 
   // The gear of the machine for which a gear stands in the test step's physical mode; -1 for an
   // unknown test step.
@@ -396,7 +406,7 @@ class KESTRIN_API CQtParamInstance {
   using OrderSources = std::pair<OrderSourceMap::const_iterator, OrderSourceMap::const_iterator>;
   OrderSources OrderSourceRange(int mode, int channel, int rotor) const;
 
-  // --- Spectrum intervals (queries/SpecIntervals.cpp) ---------------------------------------
+  // --- Spectrum intervals -------------------------------------------------------------------
   // By instrument parameter, as the last load read its order definition (QtSpecIntervalStore.h).
   // CQtSpecInterval turns them into spectral lines.
 
@@ -414,7 +424,7 @@ class KESTRIN_API CQtParamInstance {
   using SpecIntervals = std::pair<SpecIntervalMap::const_iterator, SpecIntervalMap::const_iterator>;
   SpecIntervals SpecIntervalRange(unsigned id) const;
 
-  // --- Track polygons (queries/Polygons.cpp) ------------------------------------------------
+  // --- Track polygons -----------------------------------------------------------------------
   // A key of <TIpParamAndStore> without an entry has no track polygon. The points of a polygon are
   // the entries from lower_bound({polygon_id, 0}) as long as the first number is the polygon's:
   // there may be none. The numbers count from 0, for a stored polygon in ascending x, for one made

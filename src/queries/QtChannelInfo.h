@@ -6,12 +6,9 @@
 //
 //   <PiBaseChannelId>   mode, channel | base channel, resampling types of the chain together
 //
-// A chain that closes on itself has no end. Its walk stops where it would step on a channel for the
-// second time: the base channel is then the last one before that step, and the resampling types are
-// those of all channels met. One line of the log names each closed chain and the first test step in
-// which it stands:
-//
-//   a -> b -> c -> b   from a: base c    from b: base c    from c: base b
+// frame/QtParamInstance.h tells where a chain ends that closes on itself. The resampling types are
+// then those of all channels met, and the line of the log names the channels and the first test
+// step in which the chain stands.
 #pragma once
 
 #include "tables/MapContainers.h"

@@ -1,24 +1,14 @@
-// clang-format off
 // The plain chains through the tables of the machine: from a test step to its physical mode, from a
 // gear to its physical gear, from an order source to its rotor, from there to the speed source and
-// its signal.
-//
-//   mode --<TModeProperty>--> physical mode p
-//
-//   order source --(p) <TOrderSource2Rotor>--> rotor --(p) <TRotorSpeedSource>--> speed source
-//        |                                       |                                   |
-//        | (p) <TVirtual2PhysGear>               | (p) <TRotorSpeed>                 | <TSpeedSource>
-//        v                                       v                                   v
-//   physical gear --<TBaseOrder>--> order      speed                               signal
+// its signal. frame/QtParamInstance.h draws them.
 //
 // Gears, order sources, rotors and speed sources share one space of ids. The first two steps from
-// an order source, down and right, leave an id as it is if their table doesn't know it: what no
-// table maps is the rotor, or the physical gear, of the same number. All other steps end in -1, or
-// for a number in 0.
+// an order source, to its physical gear and to its rotor, leave an id as it is if their table
+// doesn't know it: what no table maps is the rotor, or the physical gear, of the same number. All
+// other steps end in -1, or for a number in 0.
 //
 // Modes are base modes here: whoever asks has folded a virtual one. Nothing is stored; each answer
 // is read from the tables as they are.
-// clang-format on
 #pragma once
 
 class CQtParamStore;

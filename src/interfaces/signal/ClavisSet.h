@@ -7,8 +7,8 @@
 //   element sets   Mode  Instrument  Channel  Location  Parameter  Sensor
 //   pair sets      (Location, Channel)  (Instrument, Parameter)
 //
-// In every set -1 stands for all values (WildcardSet.h). In a pair each half may be -1: (7, -1)
-// selects instrument 7 with all of its parameters, (-1, -1) all pairs.
+// In every set -1 stands for all values. In a pair each half may be -1: (7, -1) selects instrument
+// 7 with all of its parameters, (-1, -1) all pairs.
 //
 // Coupling. Every half of a pair is matched by the set of its element, -1 by -1 alone. All
 // operations keep it so, and a host that changes a set by reference answers for it. From this
