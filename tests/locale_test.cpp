@@ -56,15 +56,16 @@ TEST_F(GermanHost, NumbersAreReadAndWrittenAsEver) {
 TEST_F(GermanHost, TheLogGroupsNoDigitsAndKeepsUmlauts) {
   const testing_support::Log log;
   const auto put = [] {
-    PrWin::Output(PrWin::category_data_base, L"%s %d %u\n", L"\u00FCber", -1234567, 1234567U);
+    PrWin::Output(PrWin::category_data_base, L"%s %'d %u %.1f\n", L"\u00FCber", -1234567, 1234567U,
+                  1.5);
   };
   put();
   PrWin::SetSink({});
   testing::internal::CaptureStderr();
   put();
   const std::string error = testing::internal::GetCapturedStderr();
-  EXPECT_EQ(Text::ToUtf8(log.Text()), "\u00FCber -1234567 1234567\n");
-  EXPECT_EQ(error, "\u00FCber -1234567 1234567\n");
+  EXPECT_EQ(Text::ToUtf8(log.Text()), "\u00FCber -1234567 1234567 1.5\n");
+  EXPECT_EQ(error, "\u00FCber -1234567 1234567 1.5\n");
 }
 
 TEST_F(GermanHost, TheSeaFileHasTheSameBytes) {

@@ -10,15 +10,16 @@
 
 #include "interfaces/sea/PrWin.h"
 
+#include <clocale>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <cwchar>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <utility>
 
-#include "interfaces/text/Number.h"
 #include "interfaces/text/Text.h"
 
 using namespace kestrin;
@@ -84,37 +85,42 @@ void OutputText(std::wstring_view text, Category category, Style style) noexcept
   OutletFor<Sink>().Put(WriteToStandardError, text, category, style);
 }
 
-std::wstring Format(const wchar_t* format, std::va_list arguments) {
+// The forms of the suite in those of the platform, whose %s and %c are narrow: to the suite they
+// are wide, and %S and %C narrow. A length in front of the letter means the same to both.
+std::wstring WithWideTexts(std::wstring_view format) {
+  constexpr std::wstring_view between = L"0123456789$*.-+ #'";
   std::wstring out;
-  for (; *format != L'\0'; ++format) {
-    if (*format != L'%') {
-      out += *format;
-      continue;
-    }
-    switch (format[1]) {
-      case L's': {
-        const wchar_t* const text = va_arg(arguments, const wchar_t*);
-        out += text ? text : L"(null)";
-        break;
-      }
-      case L'd':
-        Number::Append(out, static_cast<long long>(va_arg(arguments, int)));
-        break;
-      case L'u': {
-        const unsigned number = va_arg(arguments, unsigned);
-        Number::Append(out, static_cast<long long>(number));
-        break;
-      }
-      case L'%':
-        out += L'%';
-        break;
-      default:
-        out += L'%';
-        continue;  // the character behind it is an ordinary one
-    }
-    ++format;
+  bool form = false;  // behind a percent sign
+  for (const wchar_t c : format) {
+    if (form && (c == L's' || c == L'c')) out += L'l';
+    const bool narrow = form && (c == L'S' || c == L'C');
+    out += narrow ? static_cast<wchar_t>(c - L'A' + L'a') : c;
+    form = form ? between.find(c) != between.npos : c == L'%';
   }
   return out;
+}
+
+// What a host has set for its users must not show in the log: a decimal comma, say.
+locale_t LogLocale() {
+  static const locale_t with_utf8 = newlocale(LC_ALL_MASK, "C.UTF-8", nullptr);
+  static const locale_t locale = with_utf8 ? with_utf8 : newlocale(LC_ALL_MASK, "C", nullptr);
+  return locale;
+}
+
+// The format itself where the platform refuses it, or has no memory.
+std::wstring Format(const wchar_t* format, std::va_list arguments) {
+  const std::wstring own = WithWideTexts(format);
+  wchar_t* text = nullptr;
+  std::size_t length = 0;
+  bool ok = false;
+  const locale_t before = uselocale(LogLocale());
+  if (std::FILE* const memory = open_wmemstream(&text, &length)) {
+    const bool written = std::vfwprintf(memory, own.c_str(), arguments) >= 0;
+    ok = std::fclose(memory) == 0 && written;
+  }
+  uselocale(before);
+  const std::unique_ptr<wchar_t, void (*)(void*)> owner(text, &std::free);
+  return ok ? std::wstring(text, length) : std::wstring(format);
 }
 
 void OutputFormat(Category category, Style style, const wchar_t* format,

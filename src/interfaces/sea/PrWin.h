@@ -36,9 +36,10 @@ KESTRIN_API Sink SetSink(Sink sink);
 // A finished text; null is an empty text.
 KESTRIN_API void Output(const wchar_t* text, Category category, Style style);
 
-// Format forms with the conventions of printf on wide text, independent of the locale: %s is a wide
-// string (null gives "(null)"), %d an int, %u an unsigned int, %% the sign itself. Other
-// conversions are put out as they stand and take no argument.
+// Format forms with the conventions of printf on wide text, independent of the locale: widths,
+// flags and every conversion of the platform. %s, as %ls, is a wide text (null gives "(null)") and
+// %c a wide character; %S, as %hs, is a text in UTF-8. A format that the platform refuses is put
+// out as it stands.
 KESTRIN_API void Output(Category category, const wchar_t* format, ...);
 KESTRIN_API void Output(Category category, Style style, const wchar_t* format, ...);
 
