@@ -48,24 +48,17 @@ CLake FromBytes(Bytes bytes) {
   return lake;
 }
 
-// An application sea of this input's own, since a load may write to it, and a clock that stands,
-// since rows may take the time of the load.
+// An application sea of this input's own, since a load may write to it.
 class OwnHost {
  public:
-  OwnHost()
-      : sea_before_(CSeaBase::SetApplicationSea(&sea_)),
-        clock_before_(QVIpLearnParameter::SetClock([] { return 1LL; })) {}
+  OwnHost() : sea_before_(CSeaBase::SetApplicationSea(&sea_)) {}
   OwnHost(const OwnHost&) = delete;
   OwnHost& operator=(const OwnHost&) = delete;
-  ~OwnHost() {
-    CSeaBase::SetApplicationSea(sea_before_);
-    QVIpLearnParameter::SetClock(clock_before_);
-  }
+  ~OwnHost() { CSeaBase::SetApplicationSea(sea_before_); }
 
  private:
   CResourceSea sea_;
   CResourceSea* sea_before_;
-  QVIpLearnParameter::Clock clock_before_;
 };
 
 constexpr const wchar_t* major_version = L"<DbDesign.CacheVersion>";
@@ -257,8 +250,10 @@ void RequireOrder(const CQtParamDistillery& store) {
   });
 }
 
-// Of the tables and of what is derived from them.
-Logged Dump(const CQtParamDistillery& store, QuietLog& log) {
+// Of the tables and of what is derived from them. Learn times are left out: they may be those of
+// the load, and the next load may come a second later.
+Logged Dump(CQtParamDistillery& store, QuietLog& log) {
+  for (auto& [key, row] : store.Table<L"<TIpLearnParams>">()) row.time_1 = row.time_2 = 0;
   log.Take();
   store.DumpTables(0);
   store.Derived().Dump(0);

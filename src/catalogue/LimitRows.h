@@ -3,6 +3,8 @@
 // IpCalcParameter.h.)
 #pragma once
 
+#include <ctime>
+
 #include "interfaces/Export.h"
 #include "tables/RowRecords.h"
 
@@ -33,18 +35,11 @@ struct QVIpRunTest : QValueBase, TableType::Fields<QVIpRunTest> {
 
 // The learn parameters of a key. Both times are that at which the record was made, until a row's
 // text says otherwise.
-struct KESTRIN_API QVIpLearnParameter : QValueBase, TableType::Fields<QVIpLearnParameter> {
-  // Gives the seconds since 1970. Set before a load; null stands for the system's clock. Returns
-  // the one before.
-  using Clock = long long (*)();
-  static Clock SetClock(Clock clock);
-
-  QVIpLearnParameter();
-
+struct QVIpLearnParameter : QValueBase, TableType::Fields<QVIpLearnParameter> {
   int first = -1;
-  long long time_1;
+  long long time_1 = std::time(nullptr);  // seconds since 1970
   unsigned third = 0;
-  long long time_2;
+  long long time_2 = time_1;
 
   static constexpr auto fields() {
     return TableType::List(
