@@ -140,22 +140,22 @@ TEST(NiceKeyText, EndsAfter499Characters) {
 TEST(TypeNameCombo, KeepsWhatItShowed) {
   // What the combo showed and what is asked for; the entry selected then.
   const std::tuple<const wchar_t*, const wchar_t*, int> cases[] = {
-      {nullptr, nullptr, -1}, {L"a", nullptr, 1},  {L"a", L"", 1},
-      {L"a", L"b", 0},        {L"a", L"gone", -1}, {L"gone", nullptr, -1}};
-  const TestStore data("<TAliasType>: {\n1 b\n2 a\n}\n");
+      {nullptr, nullptr, -1}, {L"a", nullptr, 1},     {L"a", L"", 1}, {L"a", L"b", 0},
+      {L"a", L"gone", -1},    {L"gone", nullptr, -1}, {L"", L"", 2}};
+  const TestStore data("<TAliasType>: {\n1 b\n2 a\n3 \"\"\n}\n");
   for (const auto& [shown, asked, selected] : cases) {
     CComboBox combo;
     if (shown != nullptr) combo.SetCurSel(combo.AddString(shown));
-    EXPECT_EQ(data.params.FillTypeNameCombo(combo, asked), 2);
-    EXPECT_EQ(combo.GetCount(), 2);
+    EXPECT_EQ(data.params.FillTypeNameCombo(combo, asked), 3);
+    EXPECT_EQ(combo.GetCount(), 3);
     EXPECT_EQ(combo.GetCurSel(), selected);
     EXPECT_EQ(combo.GetLBText(0) + combo.GetLBText(1), L"ba");
     EXPECT_EQ(combo.GetItemData(0) * 10 + combo.GetItemData(1), 12);
   }
   CComboBox sorted(CComboBox::Order::sorted);
-  EXPECT_EQ(data.params.FillTypeNameCombo(sorted, L"b"), 2);
-  EXPECT_EQ(sorted.GetItemData(0) * 10 + sorted.GetItemData(1), 21);
-  EXPECT_EQ(sorted.GetCurSel(), 1);
+  EXPECT_EQ(data.params.FillTypeNameCombo(sorted, L"b"), 3);
+  EXPECT_EQ(sorted.GetItemData(1) * 10 + sorted.GetItemData(2), 21);
+  EXPECT_EQ(sorted.GetCurSel(), 2);
 
   // Without types there is nothing but that text.
   const TestStore empty;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cwchar>
+#include <optional>
 
 #include "frame/QtParamDerived.h"
 #include "frame/QtParamDistillery.h"
@@ -31,7 +32,9 @@ int FirstId(const Table& table, Fits fits) {
   return row == table.end() ? -1 : row->first[0];
 }
 
-bool SameText(const wchar_t* a, const wchar_t* b) { return std::wcscmp(a, b) == 0; }
+bool SameText(const wchar_t* a, const wchar_t* b) {
+  return std::wcsncmp(a, b, TableType::text_width) == 0;
+}
 
 const wchar_t* NeverNull(const wchar_t* text) { return text != nullptr ? text : L""; }
 
@@ -151,15 +154,17 @@ void CQtParamInstance::ShowIdsInDialogs(bool show) {
 }
 
 int CQtParamInstance::FillTypeNameCombo(CComboBox& combo, const wchar_t* selection) const {
-  CString kept = NeverNull(selection);
-  if (kept.empty() && combo.GetCurSel() >= 0) kept = combo.GetLBText(combo.GetCurSel());
+  // An entry without a name can be the one to keep as well.
+  std::optional<CString> kept;
+  if (combo.GetCurSel() >= 0) kept = combo.GetLBText(combo.GetCurSel());
+  if (selection != nullptr && *selection != L'\0') kept = selection;
   combo.ResetContent();
   for (const auto& [id, name] : TypeNames()) {
     combo.SetItemData(combo.AddString(name.text), id[0]);
   }
   const auto count = static_cast<int>(TypeNames().size());
-  if (kept.empty()) return count;
-  if (count == 0) combo.AddString(kept);
-  combo.SetCurSel(count == 0 ? 0 : combo.FindStringExact(-1, kept));
+  if (!kept) return count;
+  if (count == 0) combo.AddString(*kept);
+  combo.SetCurSel(combo.FindStringExact(-1, *kept));
   return count;
 }
