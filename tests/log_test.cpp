@@ -44,7 +44,7 @@ TEST(LogSink, FormatsReachTheSinkWithCategoryAndStyle) {
 }
 
 TEST(LogSink, FormsAreThoseOfThePlatformOnWideText) {
-  const Log log;
+  Log log;
   const auto put = [&log](const wchar_t* format, auto... arguments) {
     log.lines.clear();
     PrWin::Output(k8, PrWin::style_info, format, arguments...);

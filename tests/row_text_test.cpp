@@ -3,9 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <limits>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "catalogue/IpCalcParameter.h"
+#include "catalogue/SignalRows.h"
+#include "queries/Units.h"
 #include "tables/RowText.h"
 #include "test_store.h"
 
@@ -143,6 +148,24 @@ TEST(RowText, CopiesAreCutAtTheBufferAndTheCutIsLogged) {
   EXPECT_TRUE(TableType::strcopy(buffer, nullptr, 5));
   EXPECT_STREQ(buffer, L"");
   EXPECT_FALSE(TableType::strcopy(buffer, L"x", 0));
+}
+
+// What a host has put into a row without a zero at its end: nothing behind it is read.
+TEST(RowText, TextsWithoutTheirZeroEndWithTheirBuffer) {
+  testing_support::Log log;
+  const std::wstring full(TableType::text_width, L'7');
+  const auto row = std::make_unique<QVIpCalcParameter>();
+  full.copy(row->text, full.size());
+  EXPECT_EQ(std::wstring(QVIpCalcParameter(*row).ValueText()), full.substr(1));
+  EXPECT_NE(log.Text().find(L" with length 200 can't take '" + full + L"'\n"), std::wstring::npos);
+  std::wstring text;
+  RowText::AppendRecord(text, *row);
+  EXPECT_EQ(text, full);
+  EXPECT_EQ(row->ValueFloat(), std::numeric_limits<float>::infinity());
+  const auto signal = std::make_unique<QVAppSignalProperty>();
+  full.copy(signal->unit_text, full.size());
+  signal->unit_code = -1;
+  EXPECT_EQ(Units::TextOf(*signal), full);
 }
 
 }  // namespace

@@ -60,22 +60,22 @@ unsigned ListTexts(StringId::Range ids, std::list<CString>& texts) {
 }  // namespace
 
 QVIpCalcParameter::QVIpCalcParameter(const QVIpCalcParameter& other) : QValueBase(other) {
-  TableType::strcopy(text, other.text, TableType::text_width);
+  TableType::strcopy(text, TableType::TextIn(other.text), TableType::text_width);
 }
 
 QVIpCalcParameter& QVIpCalcParameter::operator=(const QVIpCalcParameter& other) {
   if (this == &other) return *this;
-  TableType::strcopy(text, other.text, TableType::text_width);
+  TableType::strcopy(text, TableType::TextIn(other.text), TableType::text_width);
   return *this;
 }
 
 int QVIpCalcParameter::ValueInt() const {
   if (text[0] == L'\0') return -1;
-  return Number::ScanInt(text).value;
+  return Number::ScanInt(TableType::TextIn(text)).value;
 }
 
 float QVIpCalcParameter::ValueFloat() const {
-  return Number::ToFloat(Number::ScanDouble(text).value);
+  return Number::ToFloat(Number::ScanDouble(TableType::TextIn(text)).value);
 }
 
 CString QVIpCalcParameter::GetCalcParamEnumText(int number) {

@@ -30,13 +30,14 @@ CMeasuringUnit Of(const QVAppSignalProperty& row) {
   if (!StandsInText(row.unit_code)) {
     unit.set(static_cast<unsigned>(row.unit_code), Prefix(row.unit_prefix), 1, 1.0F, 0);
   } else if (std::wcscmp(row.unit_text, no_unit) != 0) {
-    unit.set(row.unit_text);
+    unit.set(std::wstring(TableType::TextIn(row.unit_text)).c_str());
   }
   return unit;
 }
 
 std::wstring TextOf(const QVAppSignalProperty& row) {
-  return StandsInText(row.unit_code) ? row.unit_text : Of(row).prefixunit(false);
+  if (!StandsInText(row.unit_code)) return Of(row).prefixunit(false);
+  return std::wstring(TableType::TextIn(row.unit_text));
 }
 
 void RefreshText(QVAppSignalProperty& row) {
@@ -44,7 +45,7 @@ void RefreshText(QVAppSignalProperty& row) {
   const std::wstring text = TextOf(row);
   static std::mutex writing;
   const std::lock_guard lock(writing);
-  if (text != row.unit_text) {
+  if (text != TableType::TextIn(row.unit_text)) {
     TableType::strcopy(row.unit_text, text.c_str(), TableType::text_width);
   }
 }

@@ -21,6 +21,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cwchar>
+#include <string_view>
 #include <tuple>
 #include <type_traits>
 
@@ -30,6 +32,12 @@ namespace TableType {
 
 // Width of a text field in wide characters, the terminator included.
 inline constexpr int text_width = 200;
+
+// The text in a record's buffer, which ends with the buffer if a host has left no zero in it.
+template <std::size_t n>
+std::wstring_view TextIn(const wchar_t (&buffer)[n]) {
+  return {buffer, wcsnlen(buffer, n)};
+}
 
 // The integer of field kind long: 32 bits on every platform.
 struct Long {

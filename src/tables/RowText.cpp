@@ -12,20 +12,22 @@ using namespace kestrin;
 namespace TableType {
 
 bool strcopy(wchar_t* dst, const wchar_t* src, unsigned int dst_size) {
+  return strcopy(dst, std::wstring_view(src != nullptr ? src : L""), dst_size);
+}
+
+bool strcopy(wchar_t* dst, std::wstring_view src, unsigned int dst_size) {
   if (dst_size == 0) return false;
-  if (src == nullptr) src = L"";
-  const std::size_t length = std::wcslen(src);
-  if (length < dst_size) {
-    std::wmemmove(dst, src, length + 1);
-    return true;
+  const bool fits = src.size() < dst_size;
+  if (!fits) {
+    PrWin::Output(PrWin::category_text_cut, PrWin::style_info,
+                  L"TableType::strcopy(): copy truncated because destination string with length %d "
+                  L"can't take '%.*s'\n",
+                  static_cast<int>(dst_size), static_cast<int>(src.size()), src.data());
   }
-  PrWin::Output(PrWin::category_text_cut, PrWin::style_info,
-                L"TableType::strcopy(): copy truncated because destination string with length %d "
-                L"can't take '%s'\n",
-                static_cast<int>(dst_size), src);
-  std::wmemmove(dst, src, dst_size - 1);
-  dst[dst_size - 1] = L'\0';
-  return false;
+  const std::size_t length = fits ? src.size() : dst_size - 1;
+  std::wmemmove(dst, src.data(), length);
+  dst[length] = L'\0';
+  return fits;
 }
 
 }  // namespace TableType
@@ -158,7 +160,8 @@ void AppendField(std::wstring& text, const FieldView& field) {
     case FieldKind::real:
       return Number::Append(text, *static_cast<const float*>(field.place));
     case FieldKind::text:
-      text.append(static_cast<const wchar_t*>(field.place));
+      text.append(static_cast<const wchar_t*>(field.place),
+                  wcsnlen(static_cast<const wchar_t*>(field.place), TableType::text_width));
       return;
     case FieldKind::key:
       AppendRecord(text, *static_cast<const QClavis*>(field.place));

@@ -26,6 +26,7 @@ namespace TableType {
 // holds the beginning, ended by a zero, and the cut is logged. A null src is an empty text; a
 // dst_size of 0 leaves dst alone. The two may overlap.
 KESTRIN_API bool strcopy(wchar_t* dst, const wchar_t* src, unsigned int dst_size);
+KESTRIN_API bool strcopy(wchar_t* dst, std::wstring_view src, unsigned int dst_size);
 
 }  // namespace TableType
 
