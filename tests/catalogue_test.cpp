@@ -109,8 +109,8 @@ TEST(Catalogue, EveryTableHoldsTheFieldsThatItsLinesGive) {
   for (std::size_t i = 0; i < tables.size(); ++i) {
     const auto& table = tables[i];
     SCOPED_TRACE(Text::ToUtf8(table.section));
-    EXPECT_EQ(table.registered, static_cast<int>(i) + 1);
-    EXPECT_EQ(table.made, expected[i].made);
+    EXPECT_EQ(table.reading_place, static_cast<int>(i) + 1);
+    EXPECT_EQ(table.making_place, expected[i].made);
     EXPECT_EQ(table.section, expected[i].section);
     EXPECT_EQ(table.accessor, expected[i].accessor);
     const std::map<char, std::string> containers = {
@@ -133,70 +133,6 @@ TEST(Catalogue, TheManagerHasTheTablesInTheirOrder) {
     EXPECT_STREQ(table->name, expected[i].section);
   }
   EXPECT_EQ(manager.Table(56), nullptr);
-}
-
-// Each accessor hands out the table whose entry in the list names it.
-TEST(Catalogue, AccessorsGiveTheTablesOfTheirNames) {
-  testing_support::TestStore data;
-  CQtParamInstance& params = data.params;
-  const CQtParamInstance& constant = data.params;
-  const std::pair<const char*, const CQParamBaseTable*> given[] = {
-      {"TypeNames", &params.TypeNames()},
-      {"BenchNames", &params.BenchNames()},
-      {"Mode", &params.Mode()},
-      {"Channel", &params.Channel()},
-      {"Location", &params.Location()},
-      {"Instrument", &params.Instrument()},
-      {"InstrumentParam", &params.InstrumentParam()},
-      {"PhysMode", &params.PhysMode()},
-      {"ResamplingJob", &params.ResamplingJob()},
-      {"ResamplingSet", &params.ResamplingSet()},
-      {"SensorGroup", &params.SensorGroup()},
-      {"Trigger", &params.Trigger()},
-      {"ApplicationSignal", &params.ApplicationSignal()},
-      {"SignalUnit", &params.SignalUnit()},
-      {"ModeProperty", &params.ModeProperty()},
-      {"ModeTranslate", &params.ModeTranslate()},
-      {"ChannelProperty", &params.ChannelProperty()},
-      {"LocationProperty", &params.LocationProperty()},
-      {"SensorGroupList", &params.SensorGroupList()},
-      {"ResamplingParams", &params.ResamplingParams()},
-      {"AppSignalProperty", &constant.AppSignalProperty()},
-      {"SensorConfigName", &params.SensorConfigName()},
-      {"SensorConfiguration", &params.SensorConfiguration()},
-      {"SignalDispatch", &constant.SignalDispatch()},
-      {"TriggerParam", &constant.TriggerParam()},
-      {"AutoModeParams", &constant.AutoModeParams()},
-      {"AutoMode", &params.AutoMode()},
-      {"AutoModeSelector", &params.AutoModeSelector()},
-      {"IpParamAndStore", &params.IpParamAndStore()},
-      {"InstrumentProperty", &params.InstrumentProperty()},
-      {"IpCalcParameter", &params.IpCalcParameter()},
-      {"IpRunTest", &params.IpRunTest()},
-      {"LimSValue", &params.LimSValue()},
-      {"LimCValue", &params.LimCValue()},
-      {"IpPolygon", &params.IpPolygon()},
-      {"IpPolygonProperty", &params.IpPolygonProperty()},
-      {"LimArea", &params.LimArea()},
-      {"RelativeLimit", &params.RelativeLimit()},
-      {"ErrorCode", &constant.ErrorCode()},
-      {"ExternalError", &params.ExternalError()},
-      {"SeverityProperty", &constant.SeverityProperty()},
-      {"ShadowGroupProperty", &params.ShadowGroupProperty()},
-      {"RetypeDefinition", &params.RetypeDefinition()},
-      {"ClavisUserNames", &params.ClavisUserNames()},
-      {"LearnProcedures", &params.LearnProcedures()},
-      {"IpLearnParameter", &params.IpLearnParameter()},
-  };
-  for (const auto& [accessor, table] : given) {
-    const auto* info = TableCatalogue::Find(table->name);
-    ASSERT_NE(info, nullptr);
-    EXPECT_EQ(info->accessor, accessor);
-  }
-  EXPECT_EQ(&params.ErrorCode(), &constant.ErrorCode());
-  EXPECT_EQ(&params.AutoModeParams(), &constant.AutoModeParams());
-  EXPECT_EQ(&params.TriggerParam(), &constant.TriggerParam());
-  EXPECT_EQ(&params.SeverityProperty(), &constant.SeverityProperty());
 }
 
 TEST(Catalogue, FieldsOfARowGoWhereTheirNamesSay) {

@@ -24,7 +24,7 @@ using Lines = std::vector<testing_support::Log::Line>;
 struct Fields {
   int integer = 77;
   unsigned unsigned_int = 77;
-  TableType::Long long_int = 77;
+  int long_int = 77;
   long long long_long = 77;
   float real = 77;
   wchar_t text[TableType::text_width] = L"before";

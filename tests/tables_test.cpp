@@ -23,8 +23,8 @@ struct Row : QValueBase, TableType::Fields<Row> {
   wchar_t text[TableType::text_width] = {};
   int number = 5;
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("text", &Row::text),
-                           TableType::Field("number", &Row::number));
+    return TableType::FieldList(TableType::Field("text", &Row::text),
+                                TableType::Field("number", &Row::number));
   }
 };
 
@@ -40,7 +40,7 @@ struct CountedRow : QValueBase, TableType::Fields<CountedRow> {
     return *this;
   }
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("number", &CountedRow::number));
+    return TableType::FieldList(TableType::Field("number", &CountedRow::number));
   }
 };
 

@@ -10,14 +10,15 @@ struct QVErrorCode : QValueBase, TableType::Fields<QVErrorCode> {
   wchar_t text[TableType::text_width] = {};
   int third = -1;
   int fourth = -1;
-  TableType::Long fifth = 0;
+  int fifth = 0;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVErrorCode::first),
-                           TableType::Field("text", &QVErrorCode::text),
-                           TableType::Field("third", &QVErrorCode::third),
-                           TableType::Field("fourth", &QVErrorCode::fourth),
-                           TableType::Field("fifth", &QVErrorCode::fifth));
+    return TableType::FieldList(
+        TableType::Field("first", &QVErrorCode::first),
+        TableType::Field("text", &QVErrorCode::text),
+        TableType::Field("third", &QVErrorCode::third),
+        TableType::Field("fourth", &QVErrorCode::fourth),
+        TableType::Field("fifth", &QVErrorCode::fifth, TableType::FieldKind::long_int));
   }
 };
 
@@ -31,36 +32,38 @@ struct QVExternalError : QValueBase, TableType::Fields<QVExternalError> {
   int seventh = -1;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVExternalError::first),
-                           TableType::Field("second", &QVExternalError::second),
-                           TableType::Field("third", &QVExternalError::third),
-                           TableType::Field("fourth", &QVExternalError::fourth),
-                           TableType::Field("fifth", &QVExternalError::fifth),
-                           TableType::Field("sixth", &QVExternalError::sixth),
-                           TableType::Field("seventh", &QVExternalError::seventh));
+    return TableType::FieldList(TableType::Field("first", &QVExternalError::first),
+                                TableType::Field("second", &QVExternalError::second),
+                                TableType::Field("third", &QVExternalError::third),
+                                TableType::Field("fourth", &QVExternalError::fourth),
+                                TableType::Field("fifth", &QVExternalError::fifth),
+                                TableType::Field("sixth", &QVExternalError::sixth),
+                                TableType::Field("seventh", &QVExternalError::seventh));
   }
 };
 
 // A severity class of errors.
 struct QVErrorGroup : QValueBase, TableType::Fields<QVErrorGroup> {
-  TableType::Long first = 0;
-  TableType::Long second = 4;
+  int first = 0;
+  int second = 4;
   wchar_t text_1[TableType::text_width] = {};
   wchar_t text_2[TableType::text_width] = {};
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVErrorGroup::first),
-                           TableType::Field("second", &QVErrorGroup::second),
-                           TableType::Field("text_1", &QVErrorGroup::text_1),
-                           TableType::Field("text_2", &QVErrorGroup::text_2));
+    return TableType::FieldList(
+        TableType::Field("first", &QVErrorGroup::first, TableType::FieldKind::long_int),
+        TableType::Field("second", &QVErrorGroup::second, TableType::FieldKind::long_int),
+        TableType::Field("text_1", &QVErrorGroup::text_1),
+        TableType::Field("text_2", &QVErrorGroup::text_2));
   }
 };
 
 struct QVShadowGroupProperty : QValueBase, TableType::Fields<QVShadowGroupProperty> {
-  TableType::Long first = 0;
+  int first = 0;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVShadowGroupProperty::first));
+    return TableType::FieldList(
+        TableType::Field("first", &QVShadowGroupProperty::first, TableType::FieldKind::long_int));
   }
 };
 
@@ -75,9 +78,9 @@ struct KESTRIN_API QVClavisUserNames : QValueBase, TableType::Fields<QVClavisUse
   static void Clavis(const QIdx5& from, QClavis& to);
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("name", &QVClavisUserNames::name),
-                           TableType::Field("second", &QVClavisUserNames::second),
-                           TableType::Field("third", &QVClavisUserNames::third));
+    return TableType::FieldList(TableType::Field("name", &QVClavisUserNames::name),
+                                TableType::Field("second", &QVClavisUserNames::second),
+                                TableType::Field("third", &QVClavisUserNames::third));
   }
 };
 
@@ -88,10 +91,10 @@ struct QVLearnProcedures : QValueBase, TableType::Fields<QVLearnProcedures> {
   wchar_t text[TableType::text_width] = {};
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVLearnProcedures::first),
-                           TableType::Field("second", &QVLearnProcedures::second),
-                           TableType::Field("third", &QVLearnProcedures::third),
-                           TableType::Field("text", &QVLearnProcedures::text));
+    return TableType::FieldList(TableType::Field("first", &QVLearnProcedures::first),
+                                TableType::Field("second", &QVLearnProcedures::second),
+                                TableType::Field("third", &QVLearnProcedures::third),
+                                TableType::Field("text", &QVLearnProcedures::text));
   }
 };
 
@@ -111,16 +114,16 @@ struct QVIpSvTrackPolygon : QValueBase, TableType::Fields<QVIpSvTrackPolygon> {
   float y_end = 0.0F;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("track_a", &QVIpSvTrackPolygon::track_a),
-                           TableType::Field("track_b", &QVIpSvTrackPolygon::track_b),
-                           TableType::Field("track_c", &QVIpSvTrackPolygon::track_c),
-                           TableType::Field("polygon_id", &QVIpSvTrackPolygon::polygon_id),
-                           TableType::Field("offset", &QVIpSvTrackPolygon::offset),
-                           TableType::Field("polygon_mode", &QVIpSvTrackPolygon::polygon_mode),
-                           TableType::Field("x_start", &QVIpSvTrackPolygon::x_start),
-                           TableType::Field("x_end", &QVIpSvTrackPolygon::x_end),
-                           TableType::Field("y_start", &QVIpSvTrackPolygon::y_start),
-                           TableType::Field("y_end", &QVIpSvTrackPolygon::y_end));
+    return TableType::FieldList(TableType::Field("track_a", &QVIpSvTrackPolygon::track_a),
+                                TableType::Field("track_b", &QVIpSvTrackPolygon::track_b),
+                                TableType::Field("track_c", &QVIpSvTrackPolygon::track_c),
+                                TableType::Field("polygon_id", &QVIpSvTrackPolygon::polygon_id),
+                                TableType::Field("offset", &QVIpSvTrackPolygon::offset),
+                                TableType::Field("polygon_mode", &QVIpSvTrackPolygon::polygon_mode),
+                                TableType::Field("x_start", &QVIpSvTrackPolygon::x_start),
+                                TableType::Field("x_end", &QVIpSvTrackPolygon::x_end),
+                                TableType::Field("y_start", &QVIpSvTrackPolygon::y_start),
+                                TableType::Field("y_end", &QVIpSvTrackPolygon::y_end));
   }
 };
 
@@ -130,7 +133,7 @@ struct QVRelativeLimit : QValueBase, TableType::Fields<QVRelativeLimit> {
   float second = 0.0F;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVRelativeLimit::first),
-                           TableType::Field("second", &QVRelativeLimit::second));
+    return TableType::FieldList(TableType::Field("first", &QVRelativeLimit::first),
+                                TableType::Field("second", &QVRelativeLimit::second));
   }
 };

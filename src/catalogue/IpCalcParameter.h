@@ -13,7 +13,7 @@
 #include "interfaces/text/Text.h"
 #include "tables/RowRecords.h"
 
-struct KESTRIN_API QVIpCalcParameter : QValueBase {
+struct KESTRIN_API QVIpCalcParameter : QValueBase, TableType::Fields<QVIpCalcParameter> {
   // Numbers of calculation parameters that have a meaning inside this data base.
   enum number_t : int {
     trigger = 1,
@@ -56,6 +56,7 @@ struct KESTRIN_API QVIpCalcParameter : QValueBase {
   static unsigned GetCalcParamEnumTexts(std::list<CString>& texts);
   static unsigned GetCalcParamEnumSubTexts(int number, std::list<CString>& texts);
 
-  std::tuple<wchar_t*> tuple() { return {text}; }
-  std::tuple<const wchar_t*> tuple() const { return {text}; }
+  static constexpr auto fields() {
+    return TableType::FieldList(TableType::Field("text", &QVIpCalcParameter::text));
+  }
 };

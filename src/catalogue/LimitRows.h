@@ -16,11 +16,11 @@ struct QVIpParamAndStore : QValueBase, TableType::Fields<QVIpParamAndStore> {
   float fifth = 0.0F;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVIpParamAndStore::first),
-                           TableType::Field("second", &QVIpParamAndStore::second),
-                           TableType::Field("third", &QVIpParamAndStore::third),
-                           TableType::Field("fourth", &QVIpParamAndStore::fourth),
-                           TableType::Field("fifth", &QVIpParamAndStore::fifth));
+    return TableType::FieldList(TableType::Field("first", &QVIpParamAndStore::first),
+                                TableType::Field("second", &QVIpParamAndStore::second),
+                                TableType::Field("third", &QVIpParamAndStore::third),
+                                TableType::Field("fourth", &QVIpParamAndStore::fourth),
+                                TableType::Field("fifth", &QVIpParamAndStore::fifth));
   }
 };
 
@@ -29,7 +29,7 @@ struct QVIpRunTest : QValueBase, TableType::Fields<QVIpRunTest> {
   int first = 1;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVIpRunTest::first));
+    return TableType::FieldList(TableType::Field("first", &QVIpRunTest::first));
   }
 };
 
@@ -42,7 +42,7 @@ struct QVIpLearnParameter : QValueBase, TableType::Fields<QVIpLearnParameter> {
   long long time_2 = time_1;
 
   static constexpr auto fields() {
-    return TableType::List(
+    return TableType::FieldList(
         TableType::Field("first", &QVIpLearnParameter::first),
         TableType::Field("time_1", &QVIpLearnParameter::time_1, "the time of the load"),
         TableType::Field("third", &QVIpLearnParameter::third),
@@ -67,9 +67,9 @@ struct QVLimSValue : QVLimitBase, TableType::Fields<QVLimSValue> {
   float third = 0.0F;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVLimSValue::first),
-                           TableType::Field("second", &QVLimSValue::second),
-                           TableType::Field("third", &QVLimSValue::third));
+    return TableType::FieldList(TableType::Field("first", &QVLimSValue::first),
+                                TableType::Field("second", &QVLimSValue::second),
+                                TableType::Field("third", &QVLimSValue::third));
   }
 };
 
@@ -81,11 +81,11 @@ struct QVLimCValue : QVLimitBase, TableType::Fields<QVLimCValue> {
   int fifth = -1;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVLimCValue::first),
-                           TableType::Field("second", &QVLimCValue::second),
-                           TableType::Field("third", &QVLimCValue::third),
-                           TableType::Field("fourth", &QVLimCValue::fourth),
-                           TableType::Field("fifth", &QVLimCValue::fifth));
+    return TableType::FieldList(TableType::Field("first", &QVLimCValue::first),
+                                TableType::Field("second", &QVLimCValue::second),
+                                TableType::Field("third", &QVLimCValue::third),
+                                TableType::Field("fourth", &QVLimCValue::fourth),
+                                TableType::Field("fifth", &QVLimCValue::fifth));
   }
 };
 
@@ -95,9 +95,9 @@ struct QVLimArea : QVLimitBase, TableType::Fields<QVLimArea> {
   float third = 0.0F;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVLimArea::first),
-                           TableType::Field("second", &QVLimArea::second),
-                           TableType::Field("third", &QVLimArea::third));
+    return TableType::FieldList(TableType::Field("first", &QVLimArea::first),
+                                TableType::Field("second", &QVLimArea::second),
+                                TableType::Field("third", &QVLimArea::third));
   }
 };
 
@@ -107,8 +107,8 @@ struct QVClassIdName : QValueBase, TableType::Fields<QVClassIdName> {
   wchar_t name[TableType::text_width] = {};
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("class_id", &QVClassIdName::class_id),
-                           TableType::Field("name", &QVClassIdName::name));
+    return TableType::FieldList(TableType::Field("class_id", &QVClassIdName::class_id),
+                                TableType::Field("name", &QVClassIdName::name));
   }
 };
 
@@ -117,8 +117,8 @@ struct QVIpPolygonProperty : QValueBase, TableType::Fields<QVIpPolygonProperty> 
   int second = 1;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVIpPolygonProperty::first),
-                           TableType::Field("second", &QVIpPolygonProperty::second));
+    return TableType::FieldList(TableType::Field("first", &QVIpPolygonProperty::first),
+                                TableType::Field("second", &QVIpPolygonProperty::second));
   }
 };
 
@@ -129,5 +129,5 @@ struct QVIpY : QValueBase, TableType::Fields<QVIpY> {
   QVIpY() = default;
   explicit QVIpY(float value) : y(value) {}
 
-  static constexpr auto fields() { return TableType::List(TableType::Field("y", &QVIpY::y)); }
+  static constexpr auto fields() { return TableType::FieldList(TableType::Field("y", &QVIpY::y)); }
 };

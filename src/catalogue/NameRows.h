@@ -17,11 +17,11 @@ struct QVInstrumentParam : QValueBase, TableType::Fields<QVInstrumentParam> {
   unsigned fifth = 0;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("instrument", &QVInstrumentParam::instrument),
-                           TableType::Field("name", &QVInstrumentParam::name),
-                           TableType::Field("third", &QVInstrumentParam::third),
-                           TableType::Field("fourth", &QVInstrumentParam::fourth),
-                           TableType::Field("fifth", &QVInstrumentParam::fifth));
+    return TableType::FieldList(TableType::Field("instrument", &QVInstrumentParam::instrument),
+                                TableType::Field("name", &QVInstrumentParam::name),
+                                TableType::Field("third", &QVInstrumentParam::third),
+                                TableType::Field("fourth", &QVInstrumentParam::fourth),
+                                TableType::Field("fifth", &QVInstrumentParam::fifth));
   }
 };
 
@@ -37,10 +37,10 @@ struct QVModeProps : QValueBase, TableType::Fields<QVModeProps> {
   int fourth = 0;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("phys_mode", &QVModeProps::phys_mode),
-                           TableType::Field("flags", &QVModeProps::flags),
-                           TableType::Field("third", &QVModeProps::third),
-                           TableType::Field("fourth", &QVModeProps::fourth));
+    return TableType::FieldList(TableType::Field("phys_mode", &QVModeProps::phys_mode),
+                                TableType::Field("flags", &QVModeProps::flags),
+                                TableType::Field("third", &QVModeProps::third),
+                                TableType::Field("fourth", &QVModeProps::fourth));
   }
 };
 
@@ -50,8 +50,9 @@ struct QVChannelProperty : QValueBase, TableType::Fields<QVChannelProperty> {
   int second = -1;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("resampling_type", &QVChannelProperty::resampling_type),
-                           TableType::Field("second", &QVChannelProperty::second));
+    return TableType::FieldList(
+        TableType::Field("resampling_type", &QVChannelProperty::resampling_type),
+        TableType::Field("second", &QVChannelProperty::second));
   }
 };
 
@@ -63,7 +64,7 @@ struct QVRefIdx : QValueBase, TableType::Fields<QVRefIdx> {
   QVRefIdx(int id) : ref(id) {}
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("ref", &QVRefIdx::ref));
+    return TableType::FieldList(TableType::Field("ref", &QVRefIdx::ref));
   }
 };
 
@@ -74,9 +75,9 @@ struct QVLocationProperty : QValueBase, TableType::Fields<QVLocationProperty> {
   int third = 0;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("flags", &QVLocationProperty::flags),
-                           TableType::Field("second", &QVLocationProperty::second),
-                           TableType::Field("third", &QVLocationProperty::third));
+    return TableType::FieldList(TableType::Field("flags", &QVLocationProperty::flags),
+                                TableType::Field("second", &QVLocationProperty::second),
+                                TableType::Field("third", &QVLocationProperty::third));
   }
 };
 
@@ -86,8 +87,8 @@ struct QVInstrumentProperty : QValueBase, TableType::Fields<QVInstrumentProperty
   int third = 0;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVInstrumentProperty::first),
-                           TableType::Field("second", &QVInstrumentProperty::second),
-                           TableType::Field("third", &QVInstrumentProperty::third));
+    return TableType::FieldList(TableType::Field("first", &QVInstrumentProperty::first),
+                                TableType::Field("second", &QVInstrumentProperty::second),
+                                TableType::Field("third", &QVInstrumentProperty::third));
   }
 };

@@ -10,7 +10,7 @@ struct QVRotorSpeeds : QValueBase, TableType::Fields<QVRotorSpeeds> {
   float speed = 0.0F;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("speed", &QVRotorSpeeds::speed));
+    return TableType::FieldList(TableType::Field("speed", &QVRotorSpeeds::speed));
   }
 };
 
@@ -19,7 +19,7 @@ struct QVBaseOrder : QValueBase, TableType::Fields<QVBaseOrder> {
   float base_order = 0.0F;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("base_order", &QVBaseOrder::base_order));
+    return TableType::FieldList(TableType::Field("base_order", &QVBaseOrder::base_order));
   }
 };
 
@@ -36,15 +36,15 @@ struct QVResampling : QValueBase, TableType::Fields<QVResampling> {
   int ninth = -1;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVResampling::first),
-                           TableType::Field("second", &QVResampling::second),
-                           TableType::Field("third", &QVResampling::third),
-                           TableType::Field("fourth", &QVResampling::fourth),
-                           TableType::Field("fifth", &QVResampling::fifth),
-                           TableType::Field("sixth", &QVResampling::sixth),
-                           TableType::Field("seventh", &QVResampling::seventh),
-                           TableType::Field("eighth", &QVResampling::eighth),
-                           TableType::Field("ninth", &QVResampling::ninth));
+    return TableType::FieldList(TableType::Field("first", &QVResampling::first),
+                                TableType::Field("second", &QVResampling::second),
+                                TableType::Field("third", &QVResampling::third),
+                                TableType::Field("fourth", &QVResampling::fourth),
+                                TableType::Field("fifth", &QVResampling::fifth),
+                                TableType::Field("sixth", &QVResampling::sixth),
+                                TableType::Field("seventh", &QVResampling::seventh),
+                                TableType::Field("eighth", &QVResampling::eighth),
+                                TableType::Field("ninth", &QVResampling::ninth));
   }
 };
 
@@ -54,8 +54,8 @@ struct QVSensorGroupList : QValueBase, TableType::Fields<QVSensorGroupList> {
   int second = -1;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVSensorGroupList::first),
-                           TableType::Field("second", &QVSensorGroupList::second));
+    return TableType::FieldList(TableType::Field("first", &QVSensorGroupList::first),
+                                TableType::Field("second", &QVSensorGroupList::second));
   }
 };
 
@@ -77,11 +77,11 @@ struct QVAppSignalProperty : QValueBase, TableType::Fields<QVAppSignalProperty> 
   int eleventh = 0;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("signal_type", &QVAppSignalProperty::signal_type),
-                           TableType::Field("unit_text", &QVAppSignalProperty::unit_text),
-                           TableType::Field("third", &QVAppSignalProperty::third),
-                           TableType::Field("unit_code", &QVAppSignalProperty::unit_code),
-                           TableType::Field("unit_prefix", &QVAppSignalProperty::unit_prefix));
+    return TableType::FieldList(TableType::Field("signal_type", &QVAppSignalProperty::signal_type),
+                                TableType::Field("unit_text", &QVAppSignalProperty::unit_text),
+                                TableType::Field("third", &QVAppSignalProperty::third),
+                                TableType::Field("unit_code", &QVAppSignalProperty::unit_code),
+                                TableType::Field("unit_prefix", &QVAppSignalProperty::unit_prefix));
   }
 };
 
@@ -89,7 +89,7 @@ struct QVSensorConfiguration : QValueBase, TableType::Fields<QVSensorConfigurati
   int first = -1;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVSensorConfiguration::first));
+    return TableType::FieldList(TableType::Field("first", &QVSensorConfiguration::first));
   }
 };
 
@@ -97,7 +97,7 @@ struct QVSignalDispatch : QValueBase, TableType::Fields<QVSignalDispatch> {
   int first = -1;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVSignalDispatch::first));
+    return TableType::FieldList(TableType::Field("first", &QVSignalDispatch::first));
   }
 };
 
@@ -106,8 +106,8 @@ struct QVTrigger : QValueBase, TableType::Fields<QVTrigger> {
   int second = 0;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("name", &QVTrigger::name),
-                           TableType::Field("second", &QVTrigger::second));
+    return TableType::FieldList(TableType::Field("name", &QVTrigger::name),
+                                TableType::Field("second", &QVTrigger::second));
   }
 };
 
@@ -125,16 +125,16 @@ struct QVTriggerParams : QValueBase, TableType::Fields<QVTriggerParams> {
   int tenth = 0;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVTriggerParams::first),
-                           TableType::Field("second", &QVTriggerParams::second),
-                           TableType::Field("start", &QVTriggerParams::start),
-                           TableType::Field("stop", &QVTriggerParams::stop),
-                           TableType::Field("step", &QVTriggerParams::step),
-                           TableType::Field("sixth", &QVTriggerParams::sixth),
-                           TableType::Field("direction", &QVTriggerParams::direction),
-                           TableType::Field("eighth", &QVTriggerParams::eighth),
-                           TableType::Field("ninth", &QVTriggerParams::ninth),
-                           TableType::Field("tenth", &QVTriggerParams::tenth));
+    return TableType::FieldList(TableType::Field("first", &QVTriggerParams::first),
+                                TableType::Field("second", &QVTriggerParams::second),
+                                TableType::Field("start", &QVTriggerParams::start),
+                                TableType::Field("stop", &QVTriggerParams::stop),
+                                TableType::Field("step", &QVTriggerParams::step),
+                                TableType::Field("sixth", &QVTriggerParams::sixth),
+                                TableType::Field("direction", &QVTriggerParams::direction),
+                                TableType::Field("eighth", &QVTriggerParams::eighth),
+                                TableType::Field("ninth", &QVTriggerParams::ninth),
+                                TableType::Field("tenth", &QVTriggerParams::tenth));
   }
 };
 
@@ -148,12 +148,12 @@ struct QVAutoModeParams : QValueBase, TableType::Fields<QVAutoModeParams> {
   float sixth = 5.0F;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("start", &QVAutoModeParams::start),
-                           TableType::Field("second", &QVAutoModeParams::second),
-                           TableType::Field("step", &QVAutoModeParams::step),
-                           TableType::Field("directional", &QVAutoModeParams::directional),
-                           TableType::Field("fifth", &QVAutoModeParams::fifth),
-                           TableType::Field("sixth", &QVAutoModeParams::sixth));
+    return TableType::FieldList(TableType::Field("start", &QVAutoModeParams::start),
+                                TableType::Field("second", &QVAutoModeParams::second),
+                                TableType::Field("step", &QVAutoModeParams::step),
+                                TableType::Field("directional", &QVAutoModeParams::directional),
+                                TableType::Field("fifth", &QVAutoModeParams::fifth),
+                                TableType::Field("sixth", &QVAutoModeParams::sixth));
   }
 };
 
@@ -161,7 +161,7 @@ struct QVAutoMode : QValueBase, TableType::Fields<QVAutoMode> {
   int first = -1;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("first", &QVAutoMode::first));
+    return TableType::FieldList(TableType::Field("first", &QVAutoMode::first));
   }
 };
 
@@ -172,9 +172,9 @@ struct QVAutoModeSelector : QValueBase, TableType::Fields<QVAutoModeSelector> {
   int fourth = -1;
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("clavis", &QVAutoModeSelector::clavis),
-                           TableType::Field("second", &QVAutoModeSelector::second),
-                           TableType::Field("third", &QVAutoModeSelector::third),
-                           TableType::Field("fourth", &QVAutoModeSelector::fourth));
+    return TableType::FieldList(TableType::Field("clavis", &QVAutoModeSelector::clavis),
+                                TableType::Field("second", &QVAutoModeSelector::second),
+                                TableType::Field("third", &QVAutoModeSelector::third),
+                                TableType::Field("fourth", &QVAutoModeSelector::fourth));
   }
 };

@@ -15,7 +15,7 @@
 #include <map>
 #include <utility>
 
-#include "frame/TableList.h"
+#include "frame/QtParamDistillery.h"
 #include "interfaces/Export.h"
 #include "interfaces/text/Text.h"
 #include "lake/Refusal.h"
@@ -24,7 +24,6 @@
 
 class CComboBox;
 class CMeasuringUnit;
-class CQtParamDistillery;
 struct QVIpSvOfSpec;
 
 class KESTRIN_API CQtParamInstance {
@@ -66,66 +65,67 @@ class KESTRIN_API CQtParamInstance {
   CString LearnFileName() const;
 
   // --- Tables -------------------------------------------------------------------------------
-  // Containers of rows in the order of their keys, to search and to walk. A reference shows every
-  // later load; rows and positions are good until the next one.
+  // Containers of rows in the order of their keys, to search and to walk: the classes stand in
+  // frame/TableList.h, by section. A reference shows every later load; rows and positions are good
+  // until the next one.
 
   template <kestrin::tables::Word Section>
   using Table = kestrin::tables::TableOf<Section>;
 
-  const Table<L"<TAliasType>">& TypeNames() const;
-  const Table<L"<TAliasBench>">& BenchNames() const;
-  const Table<L"<TMode>">& Mode() const;
-  const Table<L"<TChannel>">& Channel() const;
-  const Table<L"<TLocation>">& Location() const;
-  const Table<L"<TInstrument>">& Instrument() const;
-  const Table<L"<TInstrumentParam>">& InstrumentParam() const;
-  const Table<L"<TPhysMode>">& PhysMode() const;
-  const Table<L"<TResamplingGroup>">& ResamplingJob() const;
-  const Table<L"<TProcessingUnit>">& ResamplingSet() const;
-  const Table<L"<TSensorGroup>">& SensorGroup() const;
-  const Table<L"<TTrigger>">& Trigger() const;
-  const Table<L"<TApplicationSignal>">& ApplicationSignal() const;
-  const Table<L"<TSignalUnit>">& SignalUnit() const;
-  const Table<L"<TModeProperty>">& ModeProperty() const;
-  const Table<L"<TModeTranslate>">& ModeTranslate() const;
-  const Table<L"<TChannelProperty>">& ChannelProperty() const;
-  const Table<L"<TLocationProperty>">& LocationProperty() const;
-  const Table<L"<TSensorGroupList>">& SensorGroupList() const;
-  const Table<L"<TResamplingM>">& ResamplingParams() const;
-  const Table<L"<TAppSignalProperty>">& AppSignalProperty() const;
-  Table<L"<TAppSignalProperty>">& AppSignalProperty();
-  const Table<L"<TTpSensorConfig>">& SensorConfigName() const;
-  const Table<L"<TTpSensorConfigProperty>">& SensorConfiguration() const;
-  const Table<L"<TSignalDispatch>">& SignalDispatch() const;
-  Table<L"<TSignalDispatch>">& SignalDispatch();
-  const Table<L"<TTriggerParam>">& TriggerParam() const;
-  Table<L"<TTriggerParam>">& TriggerParam();
-  const Table<L"<TAutoModeParam>">& AutoModeParams() const;
-  Table<L"<TAutoModeParam>">& AutoModeParams();
-  const Table<L"<TAutoMode>">& AutoMode() const;
-  const Table<L"<TAutoModeSelector>">& AutoModeSelector() const;
-  const Table<L"<TIpParamAndStore>">& IpParamAndStore() const;
-  const Table<L"<TInstrumentProperty>">& InstrumentProperty() const;
-  const Table<L"<TIpCalcParameter>">& IpCalcParameter() const;
-  const Table<L"<TIpLearnParams>">& IpLearnParameter() const;
-  const Table<L"<TGrex11>">& IpRunTest() const;
-  const Table<L"<TLimSValue>">& LimSValue() const;
-  const Table<L"<TLimCValue>">& LimCValue() const;
-  const Table<L"<TIpPolygon>">& IpPolygon() const;
-  const Table<L"<TIpPolygonProperty>">& IpPolygonProperty() const;
-  const Table<L"<TLimArea>">& LimArea() const;
+  const auto& TypeNames() const { return In<L"<TAliasType>">(); }
+  const auto& BenchNames() const { return In<L"<TAliasBench>">(); }
+  const auto& Mode() const { return In<L"<TMode>">(); }
+  const auto& Channel() const { return In<L"<TChannel>">(); }
+  const auto& Location() const { return In<L"<TLocation>">(); }
+  const auto& Instrument() const { return In<L"<TInstrument>">(); }
+  const auto& InstrumentParam() const { return In<L"<TInstrumentParam>">(); }
+  const auto& PhysMode() const { return In<L"<TPhysMode>">(); }
+  const auto& ResamplingJob() const { return In<L"<TResamplingGroup>">(); }
+  const auto& ResamplingSet() const { return In<L"<TProcessingUnit>">(); }
+  const auto& SensorGroup() const { return In<L"<TSensorGroup>">(); }
+  const auto& Trigger() const { return In<L"<TTrigger>">(); }
+  const auto& ApplicationSignal() const { return In<L"<TApplicationSignal>">(); }
+  const auto& SignalUnit() const { return In<L"<TSignalUnit>">(); }
+  const auto& ModeProperty() const { return In<L"<TModeProperty>">(); }
+  const auto& ModeTranslate() const { return In<L"<TModeTranslate>">(); }
+  const auto& ChannelProperty() const { return In<L"<TChannelProperty>">(); }
+  const auto& LocationProperty() const { return In<L"<TLocationProperty>">(); }
+  const auto& SensorGroupList() const { return In<L"<TSensorGroupList>">(); }
+  const auto& ResamplingParams() const { return In<L"<TResamplingM>">(); }
+  const auto& AppSignalProperty() const { return In<L"<TAppSignalProperty>">(); }
+  auto& AppSignalProperty() { return In<L"<TAppSignalProperty>">(); }
+  const auto& SensorConfigName() const { return In<L"<TTpSensorConfig>">(); }
+  const auto& SensorConfiguration() const { return In<L"<TTpSensorConfigProperty>">(); }
+  const auto& SignalDispatch() const { return In<L"<TSignalDispatch>">(); }
+  auto& SignalDispatch() { return In<L"<TSignalDispatch>">(); }
+  const auto& TriggerParam() const { return In<L"<TTriggerParam>">(); }
+  auto& TriggerParam() { return In<L"<TTriggerParam>">(); }
+  const auto& AutoModeParams() const { return In<L"<TAutoModeParam>">(); }
+  auto& AutoModeParams() { return In<L"<TAutoModeParam>">(); }
+  const auto& AutoMode() const { return In<L"<TAutoMode>">(); }
+  const auto& AutoModeSelector() const { return In<L"<TAutoModeSelector>">(); }
+  const auto& IpParamAndStore() const { return In<L"<TIpParamAndStore>">(); }
+  const auto& InstrumentProperty() const { return In<L"<TInstrumentProperty>">(); }
+  const auto& IpCalcParameter() const { return In<L"<TIpCalcParameter>">(); }
+  const auto& IpLearnParameter() const { return In<L"<TIpLearnParams>">(); }
+  const auto& IpRunTest() const { return In<L"<TGrex11>">(); }
+  const auto& LimSValue() const { return In<L"<TLimSValue>">(); }
+  const auto& LimCValue() const { return In<L"<TLimCValue>">(); }
+  const auto& IpPolygon() const { return In<L"<TIpPolygon>">(); }
+  const auto& IpPolygonProperty() const { return In<L"<TIpPolygonProperty>">(); }
+  const auto& LimArea() const { return In<L"<TLimArea>">(); }
   // Sorted by the keys as the file has them, into which the load then writes the instruments: with
   // more than one instrument the order may be broken. Walk it; find() can miss rows.
-  const Table<L"<TGrex15>">& RelativeLimit() const;
-  const Table<L"<TErrorCode>">& ErrorCode() const;
-  Table<L"<TErrorCode>">& ErrorCode();
-  const Table<L"<TExternalError>">& ExternalError() const;
-  const Table<L"<TErrorGroup>">& SeverityProperty() const;
-  Table<L"<TErrorGroup>">& SeverityProperty();
-  const Table<L"<TShadowGroupProperty>">& ShadowGroupProperty() const;
-  const Table<L"<TRetype>">& RetypeDefinition() const;
-  const Table<L"<TClavisUserNames>">& ClavisUserNames() const;
-  const Table<L"<TLearnProcedures>">& LearnProcedures() const;
+  const auto& RelativeLimit() const { return In<L"<TGrex15>">(); }
+  const auto& ErrorCode() const { return In<L"<TErrorCode>">(); }
+  auto& ErrorCode() { return In<L"<TErrorCode>">(); }
+  const auto& ExternalError() const { return In<L"<TExternalError>">(); }
+  const auto& SeverityProperty() const { return In<L"<TErrorGroup>">(); }
+  auto& SeverityProperty() { return In<L"<TErrorGroup>">(); }
+  const auto& ShadowGroupProperty() const { return In<L"<TShadowGroupProperty>">(); }
+  const auto& RetypeDefinition() const { return In<L"<TRetype>">(); }
+  const auto& ClavisUserNames() const { return In<L"<TClavisUserNames>">(); }
+  const auto& LearnProcedures() const { return In<L"<TLearnProcedures>">(); }
 
   // The store itself, for those who describe or count all tables (TableCatalogue.h).
   const CQtParamDistillery& Store() const { return *store_; }
@@ -436,5 +436,10 @@ class KESTRIN_API CQtParamInstance {
   const std::map<std::pair<int, int>, CVPoint>& IpPolygonValues() const;
 
  private:
+  template <kestrin::tables::Word Section>
+  Table<Section>& In() const {
+    return store_->Table<Section>();
+  }
+
   CQtParamDistillery* store_;
 };

@@ -27,10 +27,10 @@ CString ReadName(CLake& lake, const wchar_t* key) { return CutName(std::wstring(
 
 namespace kestrin::tables {
 
-template <class Entry>
-Slot<Entry>::Slot(CResourceSea* application_sea)
+template <Word Section, class Entry>
+Slot<Section, Entry>::Slot(CResourceSea* application_sea)
     : table([&] {
-        if constexpr (Entry::section == sea_table) {
+        if constexpr (Section == sea_table) {
           return typename Entry::Table(Entry::section.text, application_sea);
         } else {
           return typename Entry::Table(Entry::section.text);
@@ -50,7 +50,7 @@ void CQtParamStore::RegisterTables() {
   std::array<CQParamSeaTable*, tables::All::size> in_order{};
   tables::All::ForEach([&](auto entry) {
     using Entry = decltype(entry);
-    in_order[Entry::registered - 1] = &static_cast<tables::Slot<Entry>&>(tables_).table;
+    in_order[Entry::reading_place - 1] = &tables::TableIn<Entry::section>(tables_);
   });
   for (CQParamSeaTable* table : in_order) manager_->RegisterTable(*table);
 }

@@ -38,12 +38,11 @@ class KESTRIN_API CQtParamStore {
   // The table of that section: Table<L"<TMode>">().
   template <kestrin::tables::Word Section>
   kestrin::tables::TableOf<Section>& Table() {
-    return static_cast<kestrin::tables::Slot<kestrin::tables::EntryOf<Section>>&>(tables_).table;
+    return kestrin::tables::TableIn<Section>(tables_);
   }
   template <kestrin::tables::Word Section>
   const kestrin::tables::TableOf<Section>& Table() const {
-    return static_cast<const kestrin::tables::Slot<kestrin::tables::EntryOf<Section>>&>(tables_)
-        .table;
+    return kestrin::tables::TableIn<Section>(tables_);
   }
 
   const CQTableManager& Manager() const { return *manager_; }

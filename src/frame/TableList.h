@@ -8,12 +8,13 @@
 //   the operation of CQtParamInstance that hands the table out; empty where there is none
 //   the names of the key's fields, which depend on the table (a row's fields name themselves)
 //
-// The store's members, their registration, the handle's accessors and the catalogue for people
-// (TableCatalogue.h) all follow from it.
+// The store's members, their registration and the catalogue for people (TableCatalogue.h) follow
+// from it. An accessor of the handle is one line there, which finds its table here by the section.
 #pragma once
 
 #include <algorithm>
 #include <cstddef>
+#include <type_traits>
 #include <utility>
 
 #include "catalogue/ErrorRows.h"
@@ -38,17 +39,17 @@ constexpr bool operator==(const Word<n>& a, const Word<m>& b) {
   return std::equal(a.text, a.text + n, b.text, b.text + m);
 }
 
-template <int Registered, Word Section, class TableClass, Word Accessor, Word KeyFields>
+template <int ReadingPlace, Word Section, class TableClass, Word Accessor, Word KeyFields>
 struct TableEntry {
   using Table = TableClass;
-  static constexpr int registered = Registered;
+  static constexpr int reading_place = ReadingPlace;
   static constexpr auto section = Section;
   static constexpr auto accessor = Accessor;
   static constexpr auto key_fields = KeyFields;  // names with a blank between each two
 };
 
 template <class... Entry>
-struct List {
+struct TypeList {
   static constexpr std::size_t size = sizeof...(Entry);
 
   // Calls f with each entry, in the order of the list.
@@ -69,7 +70,7 @@ using Names = CDynNameIdTable;
 inline constexpr Word clavis = L"mode instrument channel location parameter sensor";
 
 // clang-format off
-using All = List<
+using All = TypeList<
     TableEntry<13, L"<TAliasType>", Names, L"TypeNames", L"type">,
     TableEntry<14, L"<TAliasBench>", Names, L"BenchNames", L"bench">,
     TableEntry<1, L"<TMode>", Names, L"Mode", L"mode">,
@@ -132,7 +133,7 @@ using All = List<
 inline constexpr Word sea_table = L"<TAutoModeParam>";
 
 // A table as a member of the store.
-template <class Entry>
+template <Word Section, class Entry>
 struct Slot {
   typename Entry::Table table;
 
@@ -144,43 +145,23 @@ struct Members;
 
 // The tables by value: bases are made in the order of the list and go in reverse.
 template <class... Entry>
-struct Members<List<Entry...>> : Slot<Entry>... {
-  explicit Members(CResourceSea* application_sea) : Slot<Entry>(application_sea)... {}
+struct Members<TypeList<Entry...>> : Slot<Entry::section, Entry>... {
+  explicit Members(CResourceSea* application_sea)
+      : Slot<Entry::section, Entry>(application_sea)... {}
 };
 
-namespace detail {
-
-template <std::size_t I, class Entry>
-struct Indexed {};
-
-template <class Indexes, class Entries>
-struct IndexedList;
-template <std::size_t... I, class... Entry>
-struct IndexedList<std::index_sequence<I...>, List<Entry...>> : Indexed<I, Entry>... {};
-
-template <std::size_t I, class Entry>
-Entry Pick(const Indexed<I, Entry>&);
-
-template <Word Section>
-consteval std::size_t IndexOf() {
-  std::size_t index = All::size;
-  std::size_t place = 0;
-  All::ForEach([&](auto entry) {
-    if (entry.section == Section) index = place;
-    ++place;
-  });
-  return index;
+// The table of a section among the members, of which one base alone has that section. A name that
+// is not in the list doesn't compile.
+template <Word Section, class Entry>
+typename Entry::Table& TableIn(Slot<Section, Entry>& slot) {
+  return slot.table;
+}
+template <Word Section, class Entry>
+const typename Entry::Table& TableIn(const Slot<Section, Entry>& slot) {
+  return slot.table;
 }
 
-using AllIndexed = IndexedList<std::make_index_sequence<All::size>, All>;
-
-}  // namespace detail
-
-// The entry with that section's name; a name that is not in the list doesn't compile.
 template <Word Section>
-using EntryOf = decltype(detail::Pick<detail::IndexOf<Section>()>(detail::AllIndexed()));
-
-template <Word Section>
-using TableOf = typename EntryOf<Section>::Table;
+using TableOf = std::remove_reference_t<decltype(TableIn<Section>(std::declval<Members<All>&>()))>;
 
 }  // namespace kestrin::tables

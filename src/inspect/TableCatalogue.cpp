@@ -34,7 +34,7 @@ template <class Record>
 std::vector<FieldInfo> Describe(const std::vector<std::string>& names) {
   const Record record;
   std::vector<FieldInfo> fields;
-  for (const TableType::FieldView& field : TableType::Refs(record.tuple())) {
+  for (const TableType::FieldView& field : TableType::Refs(record)) {
     fields.push_back({names[fields.size()], field.kind, DefaultText(field)});
   }
   return fields;
@@ -46,8 +46,6 @@ std::vector<FieldInfo> DescribeRow() {
     return Describe<Record>({"name"});
   else if constexpr (std::is_same_v<Record, QIdx1>)
     return Describe<Record>({"id"});
-  else if constexpr (std::is_same_v<Record, QVIpCalcParameter>)
-    return Describe<Record>({"text"});
   else {
     std::vector<std::string> names;
     std::vector<const char*> notes;
@@ -86,8 +84,8 @@ template <class Key, class Row>
 class TypedRow : public RowBuffer {
  public:
   TypedRow() {
-    const auto key_fields = TableType::Refs(key_.tuple());
-    const auto row_fields = TableType::Refs(row_.tuple());
+    const auto key_fields = TableType::Refs(key_);
+    const auto row_fields = TableType::Refs(row_);
     key.assign(key_fields.begin(), key_fields.end());
     row.assign(row_fields.begin(), row_fields.end());
   }
@@ -98,12 +96,12 @@ class TypedRow : public RowBuffer {
 };
 
 template <class Entry>
-TableInfo Describe(int made) {
+TableInfo Describe(int making_place) {
   using Table = typename Entry::Table;
   const ContainerInfo container = Container(static_cast<const Table*>(nullptr));
   return {
-      made,
-      Entry::registered,
+      making_place,
+      Entry::reading_place,
       Entry::section.text,
       Utf8(Entry::accessor),
       container.name,
@@ -124,8 +122,9 @@ std::vector<TableInfo> DescribeAll() {
   tables::All::ForEach([&](auto entry) {
     tables.push_back(Describe<decltype(entry)>(static_cast<int>(tables.size()) + 1));
   });
-  std::sort(tables.begin(), tables.end(),
-            [](const TableInfo& a, const TableInfo& b) { return a.registered < b.registered; });
+  std::sort(tables.begin(), tables.end(), [](const TableInfo& a, const TableInfo& b) {
+    return a.reading_place < b.reading_place;
+  });
   return tables;
 }
 

@@ -31,8 +31,8 @@ class RowBuffer {
 };
 
 struct TableInfo {
-  int made;        // place in the order of construction, from 1
-  int registered;  // place in the order of reading, writing and dumping, from 1
+  int making_place;   // in the order of construction, from 1
+  int reading_place;  // in the order of reading, writing and dumping, from 1
   std::wstring section;
   std::string accessor;   // operation of CQtParamInstance; empty if there is none
   std::string container;  // "sorted vector", "tree" or "multi map"
@@ -45,7 +45,7 @@ struct TableInfo {
   std::unique_ptr<RowBuffer> (*new_row)();
 };
 
-// All tables in the order of registration. Any thread.
+// All tables in the order of reading. Any thread.
 KESTRIN_API const std::vector<TableInfo>& Tables();
 
 // The table of that section, with or without its angle brackets; null if there is none.

@@ -59,7 +59,8 @@ unsigned ListTexts(StringId::Range ids, std::list<CString>& texts) {
 
 }  // namespace
 
-QVIpCalcParameter::QVIpCalcParameter(const QVIpCalcParameter& other) : QValueBase(other) {
+QVIpCalcParameter::QVIpCalcParameter(const QVIpCalcParameter& other)
+    : QValueBase(other), Fields(other) {
   TableType::strcopy(text, TableType::TextIn(other.text), TableType::text_width);
 }
 

@@ -27,8 +27,8 @@ struct QVRefFlag : QValueBase, TableType::Fields<QVRefFlag> {
   QVRefFlag(int id, int bits) : ref(id), flags(bits) {}
 
   static constexpr auto fields() {
-    return TableType::List(TableType::Field("ref", &QVRefFlag::ref),
-                           TableType::Field("flags", &QVRefFlag::flags));
+    return TableType::FieldList(TableType::Field("ref", &QVRefFlag::ref),
+                                TableType::Field("flags", &QVRefFlag::flags));
   }
 };
 

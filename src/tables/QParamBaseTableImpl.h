@@ -84,8 +84,8 @@ template <class Map>
 bool CQParamSeaTypedTable<Map>::ReadLines(kestrin::tables::LineSource& lines) {
   typename Map::key_type key;
   typename Map::mapped_type value;
-  const auto key_fields = TableType::Refs(key.tuple());
-  const auto value_fields = TableType::Refs(value.tuple());
+  const auto key_fields = TableType::Refs(key);
+  const auto value_fields = TableType::Refs(value);
   RowCollector collector(kestrin::tables::Container(*this));
   bool all_well = true;
   for (std::wstring_view line; lines.Next(line);) {

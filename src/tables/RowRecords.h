@@ -1,26 +1,26 @@
 // How a record tells its fields, and what is derived from that.
 //
 // A row record lists its fields once, each with its name and its member, in the order of the row's
-// text:
+// text. The kind of a field follows from the member's type, but for the kind long: its members are
+// plain ints, since it has 32 bits on every platform, and the list says so.
 //
 //   struct QVTrigger : QValueBase, TableType::Fields<QVTrigger> {
 //     wchar_t name[TableType::text_width] = {};
 //     int second = 0;
 //     static constexpr auto fields() {
-//       return TableType::List(TableType::Field("name", &QVTrigger::name),
-//                              TableType::Field("second", &QVTrigger::second));
+//       return TableType::FieldList(TableType::Field("name", &QVTrigger::name),
+//                                   TableType::Field("second", &QVTrigger::second));
 //     }
 //   };
 //
 // The mixin makes tuple() from it: a std::tuple of references to the fields, a text as a pointer to
-// its buffer. Key records give a tuple() of their own. Reading, writing, dumping and describing a
-// record (RowText.h, TableCatalogue.h) go through its tuple() alone; they see a field as a kind and
-// a place, so that one piece of code serves every record.
+// its buffer. Key records give a tuple() of their own and no list. Reading, writing, dumping and
+// describing a record (RowText.h, TableCatalogue.h) see its fields as kinds and places alone, so
+// that one piece of code serves every record.
 #pragma once
 
 #include <array>
 #include <cstddef>
-#include <cstdint>
 #include <cwchar>
 #include <string_view>
 #include <tuple>
@@ -39,15 +39,6 @@ std::wstring_view TextIn(const wchar_t (&buffer)[n]) {
   return {buffer, wcsnlen(buffer, n)};
 }
 
-// The integer of field kind long: 32 bits on every platform.
-struct Long {
-  std::int32_t value = 0;
-
-  constexpr Long() = default;
-  constexpr Long(std::int32_t number) : value(number) {}
-  constexpr operator std::int32_t() const { return value; }
-};
-
 enum class FieldKind { integer, unsigned_int, long_int, long_long, real, text, key };
 
 // One field of a record at hand: its kind and where it stands.
@@ -64,30 +55,12 @@ constexpr FieldKind KindOf() {
   using Plain = std::remove_cv_t<T>;
   if constexpr (std::is_same_v<Plain, int>) return FieldKind::integer;
   if constexpr (std::is_same_v<Plain, unsigned>) return FieldKind::unsigned_int;
-  if constexpr (std::is_same_v<Plain, Long>) return FieldKind::long_int;
   if constexpr (std::is_same_v<Plain, long long>) return FieldKind::long_long;
   if constexpr (std::is_same_v<Plain, float>) return FieldKind::real;
   if constexpr (std::is_same_v<Plain, QClavis>) return FieldKind::key;
-  if constexpr (std::is_same_v<Plain, wchar_t*> || std::is_same_v<Plain, const wchar_t*>) {
+  if constexpr (std::is_same_v<std::remove_cv_t<std::remove_pointer_t<std::decay_t<T>>>, wchar_t>) {
     return FieldKind::text;
   }
-}
-
-// The fields of a tuple() in order.
-template <class... T>
-auto Refs(const std::tuple<T...>& tuple) {
-  constexpr bool writable =
-      !(std::is_const_v<std::remove_pointer_t<std::remove_reference_t<T>>> || ...);
-  using Ref = std::conditional_t<writable, FieldRef, FieldView>;
-  const auto ref = []<class U>(U& field) {
-    if constexpr (std::is_pointer_v<U>) {
-      return Ref{KindOf<U>(), field};
-    } else {
-      return Ref{KindOf<U>(), &field};
-    }
-  };
-  return std::apply([&](auto&... field) { return std::array<Ref, sizeof...(T)>{ref(field)...}; },
-                    tuple);
 }
 
 // A field as a record declares it. The note, if there is one, tells people of a default that isn't
@@ -96,15 +69,43 @@ template <class Record, class T>
 struct Field {
   const char* name;
   T Record::*member;
-  const char* default_note;
+  FieldKind kind = KindOf<T>();
+  const char* default_note = nullptr;
 
-  constexpr Field(const char* field_name, T Record::*field_member, const char* note = nullptr)
+  constexpr Field(const char* field_name, T Record::*field_member)
+      : name(field_name), member(field_member) {}
+  constexpr Field(const char* field_name, T Record::*field_member, FieldKind field_kind)
+      : name(field_name), member(field_member), kind(field_kind) {}
+  constexpr Field(const char* field_name, T Record::*field_member, const char* note)
       : name(field_name), member(field_member), default_note(note) {}
 };
 
 template <class... F>
-constexpr std::tuple<F...> List(F... field) {
+constexpr std::tuple<F...> FieldList(F... field) {
   return {field...};
+}
+
+// The fields of a record in order, by its list or else by its tuple().
+template <class Record>
+auto Refs(Record& record) {
+  using Ref = std::conditional_t<std::is_const_v<Record>, FieldView, FieldRef>;
+  if constexpr (requires { Record::fields(); }) {
+    return std::apply(
+        [&record](const auto&... field) {
+          return std::array{Ref{field.kind, &(record.*field.member)}...};
+        },
+        Record::fields());
+  } else {
+    const auto ref = []<class T>(T& field) {
+      if constexpr (std::is_pointer_v<T>) {
+        return Ref{KindOf<T>(), field};
+      } else {
+        return Ref{KindOf<T>(), &field};
+      }
+    };
+    const auto tuple = record.tuple();
+    return std::apply([&](auto&... field) { return std::array{ref(field)...}; }, tuple);
+  }
 }
 
 // Gives a record its tuple() from its fields().

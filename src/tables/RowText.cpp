@@ -112,8 +112,7 @@ const char* ReadNumber(const FieldRef& field, std::wstring_view& line) {
       return Take(*static_cast<unsigned*>(field.place), Number::ScanUnsigned(line), stoul_texts,
                   line);
     case FieldKind::long_int:
-      return Take(*static_cast<TableType::Long*>(field.place), Number::ScanInt(line), stol_texts,
-                  line);
+      return Take(*static_cast<int*>(field.place), Number::ScanInt(line), stol_texts, line);
     case FieldKind::long_long:
       return Take(*static_cast<long long*>(field.place), Number::ScanLongLong(line), stoll_texts,
                   line);
@@ -148,13 +147,11 @@ bool ReadText(wchar_t* text, std::wstring_view& line) {
 void AppendField(std::wstring& text, const FieldView& field) {
   switch (field.kind) {
     case FieldKind::integer:
+    case FieldKind::long_int:
       return Number::Append(text, static_cast<long long>(*static_cast<const int*>(field.place)));
     case FieldKind::unsigned_int:
       return Number::Append(text,
                             static_cast<long long>(*static_cast<const unsigned*>(field.place)));
-    case FieldKind::long_int:
-      return Number::Append(
-          text, static_cast<long long>(static_cast<const TableType::Long*>(field.place)->value));
     case FieldKind::long_long:
       return Number::Append(text, *static_cast<const long long*>(field.place));
     case FieldKind::real:

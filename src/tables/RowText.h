@@ -62,12 +62,12 @@ void Append(std::wstring& text, std::span<const TableType::FieldView> fields);
 
 template <class Record>
 bool ReadRecord(Record& record, std::wstring_view& line) {
-  return Read(TableType::Refs(record.tuple()), line);
+  return Read(TableType::Refs(record), line);
 }
 
 template <class Record>
 void AppendRecord(std::wstring& text, const Record& record) {
-  Append(text, TableType::Refs(record.tuple()));
+  Append(text, TableType::Refs(record));
 }
 
 }  // namespace kestrin::RowText

@@ -21,16 +21,16 @@ Json ToJson(const std::vector<TableCatalogue::FieldInfo>& fields) {
 }
 
 Json ToJson(const TableCatalogue::TableInfo& table) {
-  return {{"section", Utf8(table.section)}, {"accessor", table.accessor},
-          {"container", table.container},   {"unique_keys", table.unique_keys},
-          {"registered", table.registered}, {"made", table.made},
-          {"key", ToJson(table.key)},       {"row", ToJson(table.row)}};
+  return {{"section", Utf8(table.section)},    {"accessor", table.accessor},
+          {"container", table.container},      {"unique_keys", table.unique_keys},
+          {"registered", table.reading_place}, {"made", table.making_place},
+          {"key", ToJson(table.key)},          {"row", ToJson(table.row)}};
 }
 
 // As Markdown, which is also what docs/tables.md holds.
 void PrintTableInfo(const TableCatalogue::TableInfo& table) {
   std::cout << "## `" << Utf8(table.section) << "`\n\n"
-            << "Table " << table.registered << ", " << table.container
+            << "Table " << table.reading_place << ", " << table.container
             << (table.unique_keys ? "" : " (a key may stand on several lines)") << "; "
             << (table.accessor.empty() ? "no accessor" : "accessor `" + table.accessor + "`")
             << ".\n\n"
