@@ -230,11 +230,20 @@ TEST(SignalUnit, ComesFromTheCodeOrElseFromTheText) {
     EXPECT_STREQ(in_table, text);
     EXPECT_EQ(data.params.ApplicationSignalUnit(5), Unit());
 
-    // Names of virtual modes print the same text, and the row of such a signal holds it.
-    const TestStore named(rows + Section("TAutoModeParam", "4 0 1 10"));
-    EXPECT_EQ(named.params.VirtModeNameFragment(named.params.AutoModeParams().begin(), true, 5, 0),
-              L"5" + std::wstring(text));
-    EXPECT_STREQ(named.params.AppSignalProperty().find(4)->second.unit_text, text);
+    // Names of virtual modes print the same text and put it into the row, after a change too.
+    TestStore named(rows + Section("TAutoModeParam", "4 0 1 10"));
+    QVAppSignalProperty& signal = named.params.AppSignalProperty().find(4)->second;
+    EXPECT_EQ(signal.unit_text, before);
+    const P& constant = named.params;
+    const auto fragment = [&] {
+      return constant.VirtModeNameFragment(constant.AutoModeParams().begin(), true, 5, 0);
+    };
+    EXPECT_EQ(fragment(), L"5" + std::wstring(text));
+    EXPECT_STREQ(signal.unit_text, text);
+    signal.unit_code = Unit::speed_rpm;
+    signal.unit_prefix = 1;
+    EXPECT_EQ(fragment(), L"5rpm");
+    EXPECT_STREQ(signal.unit_text, L"rpm");
   }
 }
 

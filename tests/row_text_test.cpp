@@ -165,7 +165,7 @@ TEST(RowText, TextsWithoutTheirZeroEndWithTheirBuffer) {
   const auto signal = std::make_unique<QVAppSignalProperty>();
   full.copy(signal->unit_text, full.size());
   signal->unit_code = -1;
-  EXPECT_EQ(Units::TextOf(*signal), full);
+  EXPECT_EQ(Units::RefreshText(*signal), full);
 }
 
 }  // namespace

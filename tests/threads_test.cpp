@@ -84,9 +84,10 @@ std::wstring AskAll(const P& params) {
 }
 
 TEST(QueryThreads, AnswerAsOneThreadDoes) {
+  TestStore alone;
   TestStore data;
-  ASSERT_TRUE(data.LoadSample());
-  const std::wstring expected = AskAll(data.params);
+  ASSERT_TRUE(alone.LoadSample() && data.LoadSample());
+  const std::wstring expected = AskAll(alone.params);
   std::atomic<int> wrong = 0;
   {
     std::vector<std::jthread> threads;

@@ -3,7 +3,6 @@
 #include <map>
 
 #include "frame/QtParamStore.h"
-#include "queries/Units.h"
 #include "tables/RowCollector.h"
 
 CQtParamDerived::CQtParamDerived(CQtParamStore& param_store)
@@ -24,7 +23,6 @@ void CQtParamDerived::Build() {
   grex_info.Init();
   trigger_ids.begin();
   if (store->Table<L"<TResamplingM>">().empty()) ExpandResampling();
-  Units::RefreshTextsOfAutoModes(*store);
 }
 
 // One row per resampling row of a physical mode and per test step of that physical mode.

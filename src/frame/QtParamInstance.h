@@ -7,7 +7,7 @@
 //
 // Threads: after a load, constant queries may run on any number of threads. Loading, purging,
 // clearing, AddVModeName, ShowIdsInDialogs(bool) and changes through the non-constant tables must
-// not run beside them.
+// not run beside them. One text is written by queries: see ApplicationSignalUnit.
 #pragma once
 
 #include <bitset>
@@ -200,10 +200,11 @@ class KESTRIN_API CQtParamInstance {
   int FillTypeNameCombo(CComboBox& combo, const wchar_t* selection) const;
 
   // The unit of a signal; the dimensionless one for an unknown signal and for a text that is no
-  // unit. Not constant: where the signal's row names a common unit by code, the unit's text goes
-  // into the row if another one stands there. Calls may run beside each other and beside constant
-  // queries, but not beside a reader of that row's unit_text. Constant queries never write: for
-  // the signals of <TAutoModeParam>, whose units stand in names, the load has put the texts in.
+  // unit. Where the signal's row names a common unit by code, the unit's text goes into the row's
+  // unit_text; a load leaves there what the file has. What makes names of virtual modes does the
+  // same for the signals that they show. All these calls may run beside each other and beside
+  // constant queries, but not beside a host that reads unit_text in the table itself, dumps it or
+  // copies its rows.
   CMeasuringUnit ApplicationSignalUnit(int signal);
 
   // --- Test steps and virtual test steps ----------------------------------------------------

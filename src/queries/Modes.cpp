@@ -134,12 +134,12 @@ int CQtModeInfo::PhysModeId(int id) const {
 
 std::wstring CQtModeInfo::VirtModeNameFragment(AutoModeParams::const_iterator row, bool positive,
                                                float position, unsigned precision) const {
-  const auto& signals = store->Table<L"<TAppSignalProperty>">();
+  auto& signals = store->Table<L"<TAppSignalProperty>">();
   const auto signal = signals.find(row->first);
   std::wstring text;
   if (signal == signals.end()) return text;
   AppendNumber(text, position, precision);
-  text += Units::TextOf(signal->second);
+  text += Units::RefreshText(signal->second);
   if (row->second.directional != 0) text += positive ? L"--Z" : L"--S";
   return text;
 }

@@ -7,7 +7,8 @@
 //   |          centre of the band, unit of the signal
 //   physical mode
 //
-// Nothing is kept here: a name is made from the tables each time it is asked for.
+// Nothing is kept here: a name is made from the tables each time it is asked for. The unit's text
+// goes into its row on the way (Units.h).
 #pragma once
 
 #include <string>
@@ -21,7 +22,7 @@ class CQtModeInfo {
   using AutoModeParams = kestrin::tables::TableOf<L"<TAutoModeParam>">;
 
   // The store must outlive this.
-  explicit CQtModeInfo(const CQtParamStore& param_store) : store(&param_store) {}
+  explicit CQtModeInfo(CQtParamStore& param_store) : store(&param_store) {}
 
   // The operations of CQtParamInstance of the same names.
   int PhysModeId(int id) const;
@@ -33,5 +34,5 @@ class CQtModeInfo {
   const wchar_t* MadeName(int id) const;
 
  private:
-  const CQtParamStore* store;
+  CQtParamStore* store;
 };

@@ -35,27 +35,15 @@ CMeasuringUnit Of(const QVAppSignalProperty& row) {
   return unit;
 }
 
-std::wstring TextOf(const QVAppSignalProperty& row) {
-  if (!StandsInText(row.unit_code)) return Of(row).prefixunit(false);
-  return std::wstring(TableType::TextIn(row.unit_text));
-}
-
-void RefreshText(QVAppSignalProperty& row) {
-  if (StandsInText(row.unit_code)) return;
-  const std::wstring text = TextOf(row);
+std::wstring RefreshText(QVAppSignalProperty& row) {
+  if (StandsInText(row.unit_code)) return std::wstring(TableType::TextIn(row.unit_text));
+  std::wstring text = Of(row).prefixunit(false);
   static std::mutex writing;
   const std::lock_guard lock(writing);
   if (text != TableType::TextIn(row.unit_text)) {
     TableType::strcopy(row.unit_text, text.c_str(), TableType::text_width);
   }
-}
-
-void RefreshTextsOfAutoModes(CQtParamStore& store) {
-  auto& signals = store.Table<L"<TAppSignalProperty>">();
-  for (const auto& [signal, params] : store.Table<L"<TAutoModeParam>">()) {
-    const auto row = signals.find(signal);
-    if (row != signals.end()) RefreshText(row->second);
-  }
+  return text;
 }
 
 }  // namespace Units
