@@ -46,7 +46,7 @@ struct QVModeProps : QValueBase, TableType::Fields<QVModeProps> {
 
 // The properties of a channel.
 struct QVChannelProperty : QValueBase, TableType::Fields<QVChannelProperty> {
-  unsigned resampling_type = 0;  // bits: 1 sync, 2 mix, 4 fix
+  unsigned resampling_type = 0;  // a set of CQtParamInstance::channelFlag
   int second = -1;
 
   static constexpr auto fields() {

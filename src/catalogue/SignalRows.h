@@ -113,13 +113,15 @@ struct QVTrigger : QValueBase, TableType::Fields<QVTrigger> {
 
 // One axis of a trigger in a test step: the running values on which results are taken.
 struct QVTriggerParams : QValueBase, TableType::Fields<QVTriggerParams> {
+  enum axisDirection : int { no_direction = 1, raising_direction = 2, falling_direction = 3 };
+
   int first = -1;
   unsigned second = 0;
   float start = 0.0F;  // one end of the axis
   float stop = 0.0F;   // the other; above start on a raising axis
   float step = 0.0F;   // width of one cell
   unsigned sixth = 0;
-  int direction = 0;  // 1 none, 2 raising, 3 falling
+  int direction = 0;  // an axisDirection
   int eighth = 0;
   int ninth = -1;
   int tenth = 0;

@@ -391,41 +391,14 @@ void CheckRelativeLimits(const CLake& lake, const LineNumbers& numbers,
 }  // namespace
 
 const char* Name(Kind kind) {
-  switch (kind) {
-    case Kind::refused_version:
-      return "refused_version";
-    case Kind::bad_line:
-      return "bad_line";
-    case Kind::duplicate_key:
-      return "duplicate_key";
-    case Kind::blank_line:
-      return "blank_line";
-    case Kind::short_line:
-      return "short_line";
-    case Kind::extra_fields:
-      return "extra_fields";
-    case Kind::text_near_limit:
-      return "text_near_limit";
-    case Kind::keyed_line:
-      return "keyed_line";
-    case Kind::no_section:
-      return "no_section";
-    case Kind::unknown_section:
-      return "unknown_section";
-    case Kind::duplicate_section:
-      return "duplicate_section";
-    case Kind::duplicate_line:
-      return "duplicate_line";
-    case Kind::outside_section:
-      return "outside_section";
-    case Kind::unclosed_section:
-      return "unclosed_section";
-    case Kind::unreachable_lines:
-      return "unreachable_lines";
-    case Kind::unknown_parameter:
-      return "unknown_parameter";
-  }
-  return "";
+  // In the order of the enumeration.
+  static constexpr const char* names[] = {
+      "refused_version", "bad_line",         "duplicate_key",     "blank_line",
+      "short_line",      "extra_fields",     "text_near_limit",   "keyed_line",
+      "no_section",      "unknown_section",  "duplicate_section", "duplicate_line",
+      "outside_section", "unclosed_section", "unreachable_lines", "unknown_parameter"};
+  const auto index = static_cast<std::size_t>(kind);
+  return index < std::size(names) ? names[index] : "";
 }
 
 std::vector<Finding> Check(const CLake& lake) {

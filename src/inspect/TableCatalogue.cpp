@@ -145,23 +145,11 @@ const TableInfo* Find(std::wstring_view section) {
 }
 
 const char* KindName(TableType::FieldKind kind) {
-  switch (kind) {
-    case TableType::FieldKind::integer:
-      return "integer";
-    case TableType::FieldKind::unsigned_int:
-      return "unsigned";
-    case TableType::FieldKind::long_int:
-      return "long";
-    case TableType::FieldKind::long_long:
-      return "long long";
-    case TableType::FieldKind::real:
-      return "float";
-    case TableType::FieldKind::text:
-      return "text";
-    case TableType::FieldKind::key:
-      return "key (6 integers)";
-  }
-  return "";
+  // In the order of the enumeration.
+  static constexpr const char* names[] = {
+      "integer", "unsigned", "long", "long long", "float", "text", "key (6 integers)"};
+  const auto index = static_cast<std::size_t>(kind);
+  return index < std::size(names) ? names[index] : "";
 }
 
 }  // namespace kestrin::TableCatalogue

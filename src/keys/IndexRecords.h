@@ -19,7 +19,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <concepts>
 #include <cstdint>
 #include <cwchar>
 #include <iosfwd>
@@ -45,6 +44,11 @@ class KESTRIN_API QValueBase {
 inline QValueBase::~QValueBase() = default;
 
 namespace kestrin::keys {
+
+template <class T>
+concept FitsInt = requires(T value) {
+  int{value};
+};
 
 // Two ids as one number whose order is theirs: the first id, then the second, as signed numbers.
 constexpr std::uint64_t IdPair(int first, int second) {
@@ -96,8 +100,9 @@ class KESTRIN_API QIdxInts : public QValueBase {
   // -1 in all.
   QIdxInts() { std::fill_n(id, N, -1); }
 
-  // One value for each id; a single int is a QIdx1 wherever one is asked for.
-  template <std::convertible_to<int>... Ints>
+  // One value for each id; a single int is a QIdx1 wherever one is asked for. What an int can't
+  // hold in full, such as an unsigned, must be converted first.
+  template <keys::FitsInt... Ints>
   requires(sizeof...(Ints) == N) QIdxInts(Ints... ids) : id{ids...} {}
 
   int operator[](int i) const { return id[i]; }

@@ -15,7 +15,10 @@
 #include "frame/QtParamInstance.h"
 #include "interfaces/sea/PrWin.h"
 #include "queries/QtChannelInfo.h"
+#include "tables/FieldOr.h"
 #include "tables/QParamBaseTableImpl.h"
+
+using namespace kestrin;
 
 template class CQParamTypedTable<CBaseChannels>;
 
@@ -117,26 +120,22 @@ void CQtChannelInfo::Build() {
 
 int CQtChannelInfo::ParentChannel(int mode, int channel) const {
   const auto& parents = store->Table<L"<TChannelInheritance>">();
-  auto row = parents.find({channel, mode});
-  if (row == parents.end()) row = parents.find({channel, every_mode});
-  return row == parents.end() ? no_channel : row->second.ref;
+  const QVRefIdx* const row = RowOf(parents, {channel, mode});
+  if (row != nullptr) return row->ref;
+  return FieldOr(parents, {channel, every_mode}, &QVRefIdx::ref, no_channel);
 }
 
 unsigned CQtChannelInfo::ResamplingType(int channel) const {
-  const auto& properties = store->Table<L"<TChannelProperty>">();
-  const auto row = properties.find(channel);
-  return row == properties.end() ? 0U : row->second.resampling_type;
+  return FieldOr(store->Table<L"<TChannelProperty>">(), channel,
+                 &QVChannelProperty::resampling_type, 0U);
 }
 
-QVRefFlag CQtChannelInfo::Derived(int mode, int channel) const {
-  const auto row = base_channels.find({mode, channel});
-  return row == base_channels.end() ? QVRefFlag(0, 0) : row->second;
+int CQtChannelInfo::BaseChannel(int mode, int channel) const {
+  return FieldOr(base_channels, {mode, channel}, &QVRefFlag::ref, 0);
 }
-
-int CQtChannelInfo::BaseChannel(int mode, int channel) const { return Derived(mode, channel).ref; }
 
 int CQtChannelInfo::ChannelFlags(int mode, int channel) const {
-  return Derived(mode, channel).flags;
+  return FieldOr(base_channels, {mode, channel}, &QVRefFlag::flags, 0);
 }
 
 int CQtParamInstance::ParentChannel(int mode, int channel) const {

@@ -3,48 +3,46 @@
 // it. Files only give the instruments their names.
 
 #include <algorithm>
-#include <span>
+#include <iterator>
 
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
+#include "tables/FieldOr.h"
 
 namespace {
 
-// The result types that a query asks for.
 enum ResultKind : int {
+  no_result = -1,
   unknown = 0,
   single_value = 1,
   track = 2,
   spectrum = 3,
+  type_4 = 4,  // no query asks for it
   other_track = 5,
   two_dimensional = 6,
 };
 
-constexpr int without_result[] = {8000, 8999};
-constexpr int single_values[] = {1001,  1002,  1003,  1004,  1005,  1006, 1007, 1050,  1051,
-                                 1060,  1061,  1070,  1100,  1110,  1150, 1151, 1152,  1700,
-                                 3000,  5002,  9000,  9500,  9600,  9650, 9651, 10000, 10001,
-                                 10100, 10101, 10201, 16000, 16001, 20000};
-constexpr int tracks[] = {2001, 2002, 2003, 2004,  2005,  2006, 2007,
-                          2012, 2070, 5000, 11000, 11201, 21000};
-constexpr int spectra[] = {2100, 2500, 2700, 2800, 2900};
-constexpr int type_4[] = {2600, 5001};
-constexpr int other_tracks[] = {3500};
-constexpr int two_dimensional_data[] = {3600, 3700};
-
-struct ResultGroup {
-  int result_type;
-  std::span<const int> instruments;  // ascending
+struct Instrument {
+  int id;
+  ResultKind result;
 };
-constexpr ResultGroup groups[] = {
-    {single_value, single_values}, {track, tracks},
-    {spectrum, spectra},           {two_dimensional, two_dimensional_data},
-    {other_track, other_tracks},   {4, type_4},
-    {-1, without_result},
-};
-static_assert(std::all_of(std::begin(groups), std::end(groups), [](const ResultGroup& group) {
-  return std::is_sorted(group.instruments.begin(), group.instruments.end());
-}));
+constexpr Instrument instruments[] = {
+    {1001, single_value},    {1002, single_value},  {1003, single_value},  {1004, single_value},
+    {1005, single_value},    {1006, single_value},  {1007, single_value},  {1050, single_value},
+    {1051, single_value},    {1060, single_value},  {1061, single_value},  {1070, single_value},
+    {1100, single_value},    {1110, single_value},  {1150, single_value},  {1151, single_value},
+    {1152, single_value},    {1700, single_value},  {2001, track},         {2002, track},
+    {2003, track},           {2004, track},         {2005, track},         {2006, track},
+    {2007, track},           {2012, track},         {2070, track},         {2100, spectrum},
+    {2500, spectrum},        {2600, type_4},        {2700, spectrum},      {2800, spectrum},
+    {2900, spectrum},        {3000, single_value},  {3500, other_track},   {3600, two_dimensional},
+    {3700, two_dimensional}, {5000, track},         {5001, type_4},        {5002, single_value},
+    {8000, no_result},       {8999, no_result},     {9000, single_value},  {9500, single_value},
+    {9600, single_value},    {9650, single_value},  {9651, single_value},  {10000, single_value},
+    {10001, single_value},   {10100, single_value}, {10101, single_value}, {10201, single_value},
+    {11000, track},          {11201, track},        {16000, single_value}, {16001, single_value},
+    {20000, single_value},   {21000, track}};
+static_assert(std::ranges::is_sorted(instruments, {}, &Instrument::id));
 
 // An instrument, and the one that gives the same value over time. Of several with one track the
 // first is the one that the track leads back to.
@@ -66,12 +64,8 @@ int OtherSide(int instrument, int Pair::*side, int Pair::*other) {
 }  // namespace
 
 int CQtParamInstance::ResultType(int instrument) {
-  const auto* const group =
-      std::find_if(std::begin(groups), std::end(groups), [&](const ResultGroup& candidate) {
-        return std::binary_search(candidate.instruments.begin(), candidate.instruments.end(),
-                                  instrument);
-      });
-  return group == std::end(groups) ? unknown : group->result_type;
+  const auto* const found = std::ranges::lower_bound(instruments, instrument, {}, &Instrument::id);
+  return found != std::end(instruments) && found->id == instrument ? found->result : unknown;
 }
 
 bool CQtParamInstance::IsSingleValueInstrument(int instrument) {
@@ -100,6 +94,5 @@ int CQtParamInstance::TrackInstrumentToScalarInstrument(int instrument) {
 }
 
 int CQtParamInstance::InstrumentParameterToInstrument(int parameter) const {
-  const auto row = InstrumentParam().find(parameter);
-  return row == InstrumentParam().end() ? -1 : row->second.instrument;
+  return kestrin::FieldOr(InstrumentParam(), parameter, &QVInstrumentParam::instrument, -1);
 }

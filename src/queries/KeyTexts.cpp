@@ -1,68 +1,47 @@
 // Keys as people read them: all elements in a row, or four fields in which the tables have been
 // asked what can be left out.
-//
-// Lists show thousands of keys, and a text is made for each: the names are collected as views into
-// the tables first, so that the text is allocated once, in the size that it needs.
 
 #include <algorithm>
-#include <array>
 #include <cassert>
-#include <initializer_list>
 #include <string_view>
-#include <utility>
 
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
 #include "interfaces/signal/Clavis.h"
 #include "interfaces/text/Number.h"
+#include "tables/FieldOr.h"
 
 using namespace kestrin;
 
 namespace {
 
-using std::wstring_view;
 using ShowId = CQtParamInstance::show_id_t;
 
-constexpr wstring_view no_value = L"(Nil)";
-constexpr wstring_view element_separator = L" / ";
 constexpr std::size_t nice_limit = 499;
 
-wstring_view ElementText(const CQtParamInstance& params, int element, int id) {
-  return id == -1 ? no_value : params.ClavisElementName(element, id);
+std::wstring_view ElementText(const CQtParamInstance& params, int element, int id) {
+  return id == -1 ? L"(Nil)" : params.ClavisElementName(element, id);
 }
 
-bool ShowsId(ShowId show, wstring_view name) {
+bool ShowsId(ShowId show, std::wstring_view name) {
   assert(show >= CQtParamInstance::show_id_never && show <= CQtParamInstance::show_id_if_no_name);
   return show == CQtParamInstance::show_id_always ||
          (show == CQtParamInstance::show_id_if_no_name && name.empty());
 }
 
-void AppendId(std::wstring& text, int id) {
-  text += L'[';
-  Number::Append(text, static_cast<long long>(id));
-  text += L']';
-}
-
 std::wstring ClavisText(const CQtParamInstance& params, const int* ids, ShowId show,
                         CQtParamInstance::ElementMask mask) {
-  constexpr std::size_t longest_id = wstring_view(L" [-2147483648]").size();
-  std::array<wstring_view, Clavis::element_count> names;
-  std::size_t length = 0;
-  for (int i = 0; i < Clavis::element_count; ++i) {
-    const auto element = static_cast<std::size_t>(i);
-    if (!mask[element]) continue;
-    names[element] = ElementText(params, i, ids[i]);
-    length += names[element].size() + longest_id + element_separator.size();
-  }
   std::wstring text;
-  text.reserve(length);
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    if (!mask[i]) continue;
-    if (!text.empty()) text += element_separator;
-    text += names[i];
-    if (!ShowsId(show, names[i])) continue;
-    if (!names[i].empty()) text += L' ';
-    AppendId(text, ids[i]);
+  text.reserve(128);  // few keys need more
+  for (int i = 0; i < Clavis::element_count; ++i) {
+    if (!mask[static_cast<std::size_t>(i)]) continue;
+    if (!text.empty()) text += L" / ";
+    const std::wstring_view name = ElementText(params, i, ids[i]);
+    text += name;
+    if (!ShowsId(show, name)) continue;
+    text += name.empty() ? L"[" : L" [";
+    Number::Append(text, static_cast<long long>(ids[i]));
+    text += L']';
   }
   return text;
 }
@@ -72,33 +51,18 @@ ShowId ShowIdAsInDialogs() {
                                               : CQtParamInstance::show_id_if_no_name;
 }
 
-// A text that takes what fits and drops the rest.
-class BoundedText {
- public:
-  BoundedText() { text_.reserve(nice_limit); }
-  BoundedText& operator<<(wstring_view part) {
-    text_ += part.substr(0, nice_limit - text_.size());
-    return *this;
-  }
-  std::wstring Take() { return std::move(text_); }
-
- private:
-  std::wstring text_;
-};
-
 std::wstring NiceText(const CQtParamInstance& params, const int* ids, const wchar_t* separator) {
-  const wstring_view between = separator != nullptr ? separator : L"";
+  const std::wstring between = std::wstring(L" ") + (separator ? separator : L"") + L" ";
   CString field;
-  BoundedText text;
-  const auto separate = [&] { text << L" " << between << L" "; };
-  text << ElementText(params, Clavis::Mode, ids[Clavis::Mode]);
-  separate();
-  text << params.FormatInstrParamText(field, ids[Clavis::Instrument], ids[Clavis::Parameter]);
-  separate();
-  text << params.FormatLocaChanText(field, ids[Clavis::Location], ids[Clavis::Channel]);
-  separate();
-  text << ElementText(params, Clavis::Sensor, ids[Clavis::Sensor]);
-  return text.Take();
+  std::wstring text(ElementText(params, Clavis::Mode, ids[Clavis::Mode]));
+  text += between;
+  text += params.FormatInstrParamText(field, ids[Clavis::Instrument], ids[Clavis::Parameter]);
+  text += between;
+  text += params.FormatLocaChanText(field, ids[Clavis::Location], ids[Clavis::Channel]);
+  text += between;
+  text += ElementText(params, Clavis::Sensor, ids[Clavis::Sensor]);
+  if (text.size() > nice_limit) text.resize(nice_limit);
+  return text;
 }
 
 // Whether at least two rows fit.
@@ -109,17 +73,12 @@ bool HasTwo(const Table& table, Fits fits) {
   return first != table.end() && std::find_if(first + 1, table.end(), row_fits) != table.end();
 }
 
-const wchar_t* Assign(CString& text, std::initializer_list<wstring_view> parts) {
-  text.clear();
-  for (const wstring_view part : parts) text += part;
-  return text.c_str();
-}
-
 // Whether the object is shown for a channel that is the only one of its kind, and not the channel.
 bool ObjectStandsForChannel(const CQtParamInstance& params, int location) {
   constexpr int stands_for_channel = 4;
-  const auto row = params.LocationProperty().find(location);
-  return row == params.LocationProperty().end() || (row->second.flags & stands_for_channel) != 0;
+  return (FieldOr(params.LocationProperty(), location, &QVLocationProperty::flags,
+                  stands_for_channel) &
+          stands_for_channel) != 0;
 }
 
 }  // namespace
@@ -156,9 +115,9 @@ const wchar_t* CQtParamInstance::FormatInstrParamText(CString& text, int instrum
   const bool parameter_matters = HasTwo(InstrumentParam(), [&](const QVInstrumentParam& row) {
     return row.instrument == instrument;
   });
-  const wchar_t* instrument_name = InstrumentName(instrument);
-  if (!parameter_matters) return Assign(text, {instrument_name});
-  return Assign(text, {instrument_name, L" ", InstrumentParamName(parameter)});
+  text = InstrumentName(instrument);
+  if (parameter_matters) text.append(L" ").append(InstrumentParamName(parameter));
+  return text.c_str();
 }
 
 const wchar_t* CQtParamInstance::FormatInstrParamText(CString& text, const QClavis& key) const {
@@ -167,22 +126,21 @@ const wchar_t* CQtParamInstance::FormatInstrParamText(CString& text, const QClav
 
 const wchar_t* CQtParamInstance::FormatLocaChanText(CString& text, int location,
                                                     int channel) const {
-  constexpr unsigned mix = 2;
-  constexpr unsigned fix = 4;
   const unsigned type = ChannelResamplingType(channel);
   const bool has_rivals = HasTwo(
       ChannelProperty(), [&](const QVChannelProperty& row) { return row.resampling_type == type; });
-  const wchar_t* location_name = LocationName(location);
-  const wchar_t* channel_name = ChannelName(channel);
-  if (type == 0 || (type & fix) != 0) {
-    if (has_rivals) return Assign(text, {location_name, L" (", channel_name, L")"});
-    return Assign(text, {ObjectStandsForChannel(*this, location) ? location_name : channel_name});
+  const wchar_t* const location_name = LocationName(location);
+  const wchar_t* const channel_name = ChannelName(channel);
+  if (type == 0 || (type & channel_fix) != 0) {
+    text = has_rivals || ObjectStandsForChannel(*this, location) ? location_name : channel_name;
+    if (has_rivals) text.append(L" (").append(channel_name).append(L")");
+  } else if ((type & channel_mix) != 0) {
+    text = channel_name;
+    if (has_rivals) text.append(L" (").append(location_name).append(L")");
+  } else {
+    text.assign(location_name).append(L" ").append(channel_name);
   }
-  if ((type & mix) != 0) {
-    if (has_rivals) return Assign(text, {channel_name, L" (", location_name, L")"});
-    return Assign(text, {channel_name});
-  }
-  return Assign(text, {location_name, L" ", channel_name});
+  return text.c_str();
 }
 
 const wchar_t* CQtParamInstance::FormatLocaChanText(CString& text, const QClavis& key) const {

@@ -12,7 +12,9 @@
 #include "frame/QtParamInstance.h"
 #include "interfaces/text/Number.h"
 #include "queries/QtModeInfo.h"
+#include "queries/QtSpeedInfo.h"
 #include "queries/Units.h"
+#include "tables/FieldOr.h"
 #include "tables/RowText.h"
 
 using namespace kestrin;
@@ -107,12 +109,11 @@ bool CQtParamInstance::AddVModeName(int id, const wchar_t* name) {
 }
 
 int CQtParamInstance::PhysModeId(int id) const {
-  return store_->Derived().ModeInfo().PhysModeId(id);
+  return store_->Derived().SpeedInfo().PhysModeOf(VirtMode2BaseMode(id));
 }
 
 bool CQtParamInstance::ModeIsHidden(int id) const {
-  const auto row = ModeProperty().find(id);
-  return row != ModeProperty().end() && ModeIsOfType(row->second, QVModeProps::mode_hidden);
+  return (FieldOr(ModeProperty(), id, &QVModeProps::flags, 0U) & QVModeProps::mode_hidden) != 0;
 }
 
 bool CQtParamInstance::ModeIsOfType(const QVModeProps& props, QVModeProps::modeFlag flag) {
@@ -120,17 +121,10 @@ bool CQtParamInstance::ModeIsOfType(const QVModeProps& props, QVModeProps::modeF
 }
 
 bool CQtParamInstance::ModeIsOfType(int id, QVModeProps::modeFlag flag) const {
-  const auto row = ModeProperty().find(VirtMode2BaseMode(id));
-  return row != ModeProperty().end() && ModeIsOfType(row->second, flag);
+  return (FieldOr(ModeProperty(), VirtMode2BaseMode(id), &QVModeProps::flags, 0U) & flag) != 0;
 }
 
 // ---- names --------------------------------------------------------------------------------
-
-int CQtModeInfo::PhysModeId(int id) const {
-  const auto& props = store->Table<L"<TModeProperty>">();
-  const auto row = props.find(CQtParamInstance::VirtMode2BaseMode(id));
-  return id == -1 || row == props.end() ? -1 : row->second.phys_mode;
-}
 
 std::wstring CQtModeInfo::VirtModeNameFragment(AutoModeParams::const_iterator row, bool positive,
                                                float position, unsigned precision) const {
@@ -146,7 +140,7 @@ std::wstring CQtModeInfo::VirtModeNameFragment(AutoModeParams::const_iterator ro
 
 std::wstring CQtModeInfo::VirtModeName(int id) const {
   std::wstring name;
-  const int phys_mode = PhysModeId(id);
+  const int phys_mode = CQtSpeedInfo(*store).PhysModeOf(CQtParamInstance::VirtMode2BaseMode(id));
   if (!CQtParamInstance::IsVirtualMode(id) || phys_mode == -1) return name;
   const AutoModeParams& rows = store->Table<L"<TAutoModeParam>">();
   if (rows.empty()) {

@@ -12,17 +12,13 @@
 #include "interfaces/sea/ResourceSea.h"
 #include "interfaces/signal/Clavis.h"
 #include "interfaces/windows/ComboBoxX.h"
+#include "tables/FieldOr.h"
+
+using namespace kestrin;
 
 namespace {
 
 constexpr const wchar_t* show_ids_setting = L"ShowIdsInDialogs";
-
-// The name of a row in a typed table with a name column, or an empty text.
-template <class Table>
-const wchar_t* NameIn(const Table& table, int id) {
-  const auto row = table.find(id);
-  return row == table.end() ? L"" : row->second.name;
-}
 
 // The id of the first row that fits, or -1.
 template <class Table, class Fits>
@@ -91,7 +87,7 @@ const wchar_t* CQtParamInstance::BenchAliasName(int id) const { return BenchName
 int CQtParamInstance::BenchAliasId(const wchar_t* name) const { return BenchNames().Idx(name); }
 
 const wchar_t* CQtParamInstance::InstrumentParamName(int id) const {
-  return NameIn(InstrumentParam(), id);
+  return FieldOr(InstrumentParam(), id, &QVInstrumentParam::name, L"");
 }
 
 int CQtParamInstance::InstrumentParamId(const wchar_t* name, int instrument) const {
@@ -100,7 +96,9 @@ int CQtParamInstance::InstrumentParamId(const wchar_t* name, int instrument) con
   });
 }
 
-const wchar_t* CQtParamInstance::TriggerName(int id) const { return NameIn(Trigger(), id); }
+const wchar_t* CQtParamInstance::TriggerName(int id) const {
+  return FieldOr(Trigger(), id, &QVTrigger::name, L"");
+}
 
 int CQtParamInstance::TriggerId(const wchar_t* name) const {
   return FirstId(Trigger(),
@@ -138,8 +136,8 @@ const CDynNameIdTable& CQtParamInstance::IdNameMap(int element) const {
 }
 
 unsigned CQtParamInstance::LocationPropertyFlag(int location) const {
-  const auto row = LocationProperty().find(location);
-  return row == LocationProperty().end() ? 0U : static_cast<unsigned>(row->second.flags);
+  return static_cast<unsigned>(
+      FieldOr(LocationProperty(), location, &QVLocationProperty::flags, 0));
 }
 
 int CQtParamInstance::TimeSignalId() { return CQtParamDistillery::TimeSignalId(); }

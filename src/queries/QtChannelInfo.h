@@ -56,8 +56,6 @@ class CQtChannelInfo {
   int ChannelFlags(int mode, int channel) const;
 
  private:
-  QVRefFlag Derived(int mode, int channel) const;
-
   const CQtParamStore* store;
   [[maybe_unused]] const CQtSpeedInfo* speed_info;  // at hand for channels that follow a rotor
   CQParamTypedTable<CBaseChannels> base_channels;

@@ -25,7 +25,6 @@ class CQtModeInfo {
   explicit CQtModeInfo(CQtParamStore& param_store) : store(&param_store) {}
 
   // The operations of CQtParamInstance of the same names.
-  int PhysModeId(int id) const;
   std::wstring VirtModeNameFragment(AutoModeParams::const_iterator row, bool positive,
                                     float position, unsigned precision) const;
   std::wstring VirtModeName(int id) const;

@@ -1,49 +1,44 @@
-#include "frame/QtParamStore.h"
 #include "queries/QtSpeedInfo.h"
+
+#include "frame/QtParamStore.h"
+#include "tables/FieldOr.h"
+
+using namespace kestrin;
 
 namespace {
 
 constexpr int none = -1;
 
-// The id that a row refers to, or `otherwise` if there is no such row.
-template <class Table>
-int RefIn(const Table& table, const typename Table::key_type& key, int otherwise) {
-  const auto row = table.find(key);
-  return row == table.end() ? otherwise : row->second.ref;
-}
-
 }  // namespace
 
 int CQtSpeedInfo::PhysModeOf(int mode) const {
   if (mode == none) return none;
-  const auto& properties = store->Table<L"<TModeProperty>">();
-  const auto row = properties.find(mode);
-  return row == properties.end() ? none : row->second.phys_mode;
+  return FieldOr(store->Table<L"<TModeProperty>">(), mode, &QVModeProps::phys_mode, none);
 }
 
 int CQtSpeedInfo::PhysicalGearOf(int phys_mode, int gear) const {
   if (phys_mode == none || gear == none) return none;
-  return RefIn(store->Table<L"<TVirtual2PhysGear>">(), {phys_mode, gear}, gear);
+  return FieldOr(store->Table<L"<TVirtual2PhysGear>">(), {phys_mode, gear}, &QVRefIdx::ref, gear);
 }
 
 int CQtSpeedInfo::RotorOf(int phys_mode, int source) const {
   if (phys_mode == none || source == none) return none;
-  return RefIn(store->Table<L"<TOrderSource2Rotor>">(), {source, phys_mode}, source);
+  return FieldOr(store->Table<L"<TOrderSource2Rotor>">(), {source, phys_mode}, &QVRefIdx::ref,
+                 source);
 }
 
 int CQtSpeedInfo::SpeedSourceOf(int phys_mode, int rotor) const {
-  return RefIn(store->Table<L"<TRotorSpeedSource>">(), {phys_mode, rotor}, none);
+  return FieldOr(store->Table<L"<TRotorSpeedSource>">(), {phys_mode, rotor}, &QVRefIdx::ref, none);
 }
 
 int CQtSpeedInfo::AppIdOf(int speed_source) const {
   if (speed_source == none) return none;
-  return RefIn(store->Table<L"<TSpeedSource>">(), speed_source, none);
+  return FieldOr(store->Table<L"<TSpeedSource>">(), speed_source, &QVRefIdx::ref, none);
 }
 
 const float* CQtSpeedInfo::BaseOrderOf(int physical_gear) const {
-  const auto& orders = store->Table<L"<TBaseOrder>">();
-  const auto row = orders.find(physical_gear);
-  return row == orders.end() ? nullptr : &row->second.base_order;
+  const QVBaseOrder* const row = RowOf(store->Table<L"<TBaseOrder>">(), physical_gear);
+  return row != nullptr ? &row->base_order : nullptr;
 }
 
 int CQtSpeedInfo::SpeedSourceOfOrderSource(int mode, int source) const {
@@ -57,9 +52,9 @@ float CQtSpeedInfo::RotorFrequency(int mode, int source) const {
   const auto& speeds = store->Table<L"<TRotorSpeed>">();
   const int phys_mode = PhysModeOf(mode);
   const int gear = PhysicalGearOf(phys_mode, source);
-  auto row = speeds.find({phys_mode, RotorOf(phys_mode, gear)});
-  if (row == speeds.end()) row = speeds.find({phys_mode, RotorOf(phys_mode, source)});
-  return row == speeds.end() ? 0.0F : row->second.speed;
+  const auto* const row = RowOf(speeds, {phys_mode, RotorOf(phys_mode, gear)});
+  if (row != nullptr) return row->speed;
+  return FieldOr(speeds, {phys_mode, RotorOf(phys_mode, source)}, &QVRotorSpeeds::speed, 0.0F);
 }
 
 float CQtSpeedInfo::FrequencyRatio(int mode, int generating, int other) const {

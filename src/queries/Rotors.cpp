@@ -64,14 +64,12 @@ CQtRotorInfo::Range CQtRotorInfo::OrderSourceRange(int mode, int channel, int ro
 }
 
 int CQtParamInstance::PhysicalGear(int mode, int gear) const {
-  const CQtSpeedInfo& speeds = store_->Derived().SpeedInfo();
-  return speeds.PhysicalGearOf(speeds.PhysModeOf(VirtMode2BaseMode(mode)), gear);
+  return store_->Derived().SpeedInfo().PhysicalGearOf(PhysModeId(mode), gear);
 }
 
 int CQtParamInstance::OrderSource2Rotor(int mode, int source) const {
   if (mode == -1 || source == -1) return 0;
-  const CQtSpeedInfo& speeds = store_->Derived().SpeedInfo();
-  return speeds.RotorOf(speeds.PhysModeOf(VirtMode2BaseMode(mode)), source);
+  return store_->Derived().SpeedInfo().RotorOf(PhysModeId(mode), source);
 }
 
 int CQtParamInstance::RotorSpeedSource(int mode, int source) const {
@@ -85,8 +83,7 @@ int CQtParamInstance::RotorSpeedSourceAppId(int mode, int source) const {
 
 int CQtParamInstance::SpeedInfoOfRotor(int mode, int rotor) const {
   const CQtSpeedInfo& speeds = store_->Derived().SpeedInfo();
-  const int phys_mode = speeds.PhysModeOf(VirtMode2BaseMode(mode));
-  return speeds.AppIdOf(speeds.SpeedSourceOf(phys_mode, rotor));
+  return speeds.AppIdOf(speeds.SpeedSourceOf(PhysModeId(mode), rotor));
 }
 
 float CQtParamInstance::BaseOrder(int mode, int gear) const {

@@ -9,6 +9,7 @@
 #include "catalogue/IpCalcParameter.h"
 #include "frame/QtParamStore.h"
 #include "interfaces/sea/PrWin.h"
+#include "tables/FieldOr.h"
 #include "tables/QParamBaseTableImpl.h"
 
 using namespace kestrin;
@@ -48,30 +49,16 @@ void CQtSpecIntervalStore::Load(unsigned nr_orders) {
                   static_cast<int>(nr_orders), static_cast<int>(max_orders));
     return;
   }
-  // The three ascend by id, so one walk side by side finds the ids that stand in all of them.
-  auto interpretation = interpretations.begin();
-  auto definition = definitions.begin();
-  auto reference = references.begin();
-  while (interpretation != interpretations.end() && definition != definitions.end() &&
-         reference != references.end()) {
-    const int id = interpretation->first;
-    if (definition->first < id) {
-      ++definition;
-    } else if (definition->first > id) {
-      ++interpretation;
-    } else if (reference->first < id) {
-      ++reference;
-    } else if (reference->first > id) {
-      ++interpretation;
-      ++definition;
-    } else {
-      ip_sv_of_spec.insert_or_assign(
-          id, QVIpSvOfSpec{interpretation->second, definition->second, reference->second});
-      ProcessTables(id, definition->second, nr_orders);
-      ++interpretation;
-      ++definition;
-      ++reference;
-    }
+  // A view that fills itself in a read may give false there for what it holds; begin fills it too.
+  interpretations.begin();
+  references.begin();
+  for (auto definition = definitions.begin(); definition != definitions.end(); ++definition) {
+    const auto [id, text] = *definition;
+    QVIpSvOfSpec record{.definition = text};
+    if (!interpretations.Read(record.interpretation, id)) continue;
+    if (!references.Read(record.reference, id)) continue;
+    ip_sv_of_spec.insert_or_assign(id, record);
+    ProcessTables(id, text, nr_orders);
   }
 }
 
@@ -94,8 +81,7 @@ void CQtSpecIntervalStore::ProcessTables(int id, const wchar_t* definition, unsi
 }
 
 const wchar_t* CQtSpecIntervalStore::SpecIntervalDefinition(int id) const {
-  const auto record = ip_sv_of_spec.find(id);
-  return record == ip_sv_of_spec.end() ? nullptr : record->second.definition;
+  return FieldOr(ip_sv_of_spec, id, &QVIpSvOfSpec::definition, nullptr);
 }
 
 CQtSpecIntervalStore::IntervalRange CQtSpecIntervalStore::SpecIntervalRange(int id) const {

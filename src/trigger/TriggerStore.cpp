@@ -8,12 +8,11 @@
 #include <optional>
 
 #include "frame/QtParamInstance.h"
+#include "tables/FieldOr.h"
 
 namespace {
 
 constexpr unsigned index_bits = 16;
-
-enum Direction : int { no_direction = 1, raising_direction = 2, falling_direction = 3 };
 
 unsigned Dimension(const QIdx3& key) { return static_cast<unsigned>(key[2]) - 1; }
 
@@ -107,17 +106,15 @@ std::pair<CTriggerStore::Row, CTriggerStore::Row> CTriggerStore::param_range(int
 
 const QVTriggerParams* CTriggerStore::param(int mode, int trigger, unsigned dim) const {
   if (dim >= dimensions_d) return nullptr;
-  const Rows& rows = params_.TriggerParam();
-  const auto row =
-      rows.find({CQtParamInstance::VirtMode2BaseMode(mode), trigger, static_cast<int>(dim) + 1});
-  return row == rows.end() ? nullptr : &row->second;
+  return kestrin::RowOf(params_.TriggerParam(), {CQtParamInstance::VirtMode2BaseMode(mode), trigger,
+                                                 static_cast<int>(dim) + 1});
 }
 
 int CTriggerStore::dimension(int mode, int trigger) const {
   int running = -1;
   const auto [first, last] = param_range(mode, trigger);
   for (Row row = first; row != last; ++row) {
-    if (row->second.direction == no_direction) continue;
+    if (row->second.direction == QVTriggerParams::no_direction) continue;
     if (running != -1) return -1;
     running = static_cast<int>(Dimension(row->first));
   }
@@ -173,8 +170,9 @@ bool CTriggerStore::position(int mode, int trigger, std::int64_t cell, unsigned 
                              float& value) const {
   const QVTriggerParams* const row = param(mode, trigger, dim);
   if (row == nullptr) return false;
-  if (row->direction != raising_direction && row->direction != falling_direction) return false;
-  value = EdgeOf(cell, dim, row->start, row->stop, row->step, row->direction == raising_direction);
+  const bool raising = row->direction == QVTriggerParams::raising_direction;
+  if (!raising && row->direction != QVTriggerParams::falling_direction) return false;
+  value = EdgeOf(cell, dim, row->start, row->stop, row->step, raising);
   return true;
 }
 

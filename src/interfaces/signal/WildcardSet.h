@@ -93,7 +93,6 @@ void Intersect(std::set<T>& members, const std::set<T>& other) {
   }
   for (const T& member : other) {
     if (Covers(members, member)) common.insert(member);
-    if (!IsOpen(member)) continue;
     for (const T& mine : open) {
       if (const auto both = Crossing(mine, member)) common.insert(*both);
     }
