@@ -1,10 +1,11 @@
 #include "frame/strings/TextCatalogue.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "frame/strings/EmbeddedTexts.h"
 #include "frame/strings/ModuleStrings.h"
-#include "frame/strings/TextLines.h"
+#include "interfaces/text/Number.h"
 #include "interfaces/text/Text.h"
 
 using namespace kestrin;
@@ -13,6 +14,13 @@ namespace {
 
 constexpr int system_default = 2048;
 constexpr std::string_view no_file;
+
+// No number if anything else stands there.
+std::optional<int> ReadNumber(std::wstring_view field) {
+  const auto number = Number::ScanInt(field);
+  if (number.state != Number::State::ok || number.used != field.size()) return std::nullopt;
+  return number.value;
+}
 
 std::optional<int> ReadGroup(std::wstring_view line) {
   constexpr std::wstring_view head = L"[dialog ";
@@ -25,7 +33,10 @@ std::optional<int> ReadGroup(std::wstring_view line) {
 TextCatalogue::TextCatalogue(std::string_view file) {
   const std::wstring whole = Text::FromUtf8(file);
   int group = string_table;
-  for (const std::wstring_view line : Split(whole, L'\n')) {
+  for (std::wstring_view rest = whole; !rest.empty();) {
+    const std::size_t end = std::min(rest.find(L'\n'), rest.size() - 1);
+    const std::wstring_view line = Text::Trim(rest.substr(0, end + 1));
+    rest.remove_prefix(end + 1);
     const std::size_t tab = line.find(L'\t');
     if (const auto next = ReadGroup(line)) {
       group = *next;
