@@ -379,7 +379,6 @@ TEST_F(KeyControls, RowsShowFlagsExtraRowsAndIds) {
   CKestrinCtrl editor;
   editor.set_none_is_any(true);
   editor.set_ttnil_text(L"");
-  editor.on_entry_chosen = [](int, int) { FAIL() << "fill puts its own in"; };
   editor.add_extra_row(L"Second", L"b", 5, 40);
   editor.add_extra_row(L"First", L"a", 1);
   editor.add_extra_row(L"", L"no name", 2, 20);

@@ -38,9 +38,7 @@ class Grid : public CRangeSelectCtrl<N> {
   void fill() override { Base::fill(lists); }
 
   typename Base::EntryLists lists;
-
- protected:
-  CString col_head_names(int entry) const override { return L"E" + std::to_wstring(entry); }
+  CString col_head_names(int entry) override { return L"E" + std::to_wstring(entry); }
 };
 
 template <class Control>
@@ -157,7 +155,8 @@ TEST(RangeGrid, ClicksThatHitNoEntryChangeNothing) {
     EXPECT_FALSE(grid.ClickCell(0, 6, flags));  // no such column
     EXPECT_FALSE(grid.ClickHeading(6));
     grid.SetEnabled(2, false);
-    EXPECT_TRUE(grid.ClickCell(2, 0, flags));
+    EXPECT_FALSE(grid.ClickCell(2, 0, flags));
+    grid.Click({cell.left, cell.top}, flags);
   }
   EXPECT_EQ(Flags(grid), ".#....|....|");
   Work(grid, "S3");  // the anchor is still row 1, and a range takes disabled rows in
@@ -242,7 +241,8 @@ TEST(KeyRangeControl, SetsAndGivesBackTheActiveIds) {
   EXPECT_EQ(grid.GetItemCount(), 4);
 
   Work(grid, "1");
-  grid.send_active_list({Ids{{0, true}, {2, true}, {3, false}, {77, true}},  // 77 has no cell
+  grid.send_active_list(
+      std::array<Ids, 6>{Ids{{0, true}, {2, true}, {3, false}, {77, true}},  // 77 has no cell
                          Ids{{11, true}, {-1, true}}, Ids{{-7, true}, {5, true}, {6, true}}});
   const auto active = Active(grid);
   EXPECT_EQ(active, (std::array<Ids, 6>{Ids{{0, true}, {1, false}, {2, true}, {3, false}},
@@ -254,7 +254,7 @@ TEST(KeyRangeControl, SetsAndGivesBackTheActiveIds) {
   grid.send_active_list(active);
   EXPECT_EQ(Flags(grid), "#.#.|.#|");
   Work(grid, "> 0");
-  grid.send_active_list({});
+  grid.send_active_list(std::array<Ids, 6>());
   EXPECT_EQ(Flags(grid), "....|..|");
   Work(grid, "> S1");
   EXPECT_EQ(Flags(grid), "....|.#|");
@@ -262,7 +262,7 @@ TEST(KeyRangeControl, SetsAndGivesBackTheActiveIds) {
   // With an element hidden, flags go by columns and lists by elements.
   grid.set_mask(0b111110);
   grid.fill();
-  grid.send_active_list({Ids{{11, true}}});
+  grid.send_active_list(std::array<Ids, 6>{Ids{{11, true}}});
   EXPECT_EQ(Active(grid)[0], (Ids{{-1, false}, {10, false}, {11, true}}));
 }
 

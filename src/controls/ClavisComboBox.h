@@ -19,7 +19,12 @@ struct Entry;
 class KESTRIN_API CClavisComboBox : public CComboBoxX {
  public:
   // Offers the ids of an element and selects one; -1 selects none of them, a lower number nothing
-  // at all. See OfferedIds::Choice for `filter`. Parameter has FillIp; here it offers no ids.
+  // at all. Parameter has FillIp; here it offers no ids.
+  //
+  // With a filter that isn't 0 an instrument, an object or a sensor is offered if the filter has a
+  // bit in common with its ResultType, its LocationPropertyFlag or its signal_type in
+  // <TAppSignalProperty>. Result types are numbers and not bits, so no filter names one alone: 1
+  // offers single values, and with them spectra (3), tracks of type 5 and what has no result (-1).
   void Fill(Clavis::qOrder element, int selected, unsigned int filter = 0);
 
   // Offers the parameters of an instrument; with instrument -1 none, and `selected` is forgotten.

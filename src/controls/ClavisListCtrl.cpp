@@ -15,8 +15,7 @@ constexpr int column_width = 100;
 void CClavisListCtrl::Init(Clavis::qOrder element) {
   element_ = element;
   DeleteAllColumns();
-  InsertColumn(0, LoadModuleString(StringId::all_of_element + element), ColumnFormat::left,
-               column_width);
+  InsertColumn(0, LoadModuleString(StringId::all_of_element + element), format_left, column_width);
   SetExtendedStyle(style_full_row_select | style_one_click_activate);
   AutosizeColumnWidth(0);
   SetHeaderAutoCheckbox(true);
@@ -29,7 +28,7 @@ void CClavisListCtrl::Fill(const std::set<int>& selection, unsigned int filter) 
                                                    OfferedIds::Reading::name_and_id);
   const bool all = selection.contains(-1);
   DeleteAllItems();
-  SetBatchInsertMode(true);
+  const BatchInsertMode batch(*this);
   SetHeaderCheckedState(0, mixed);
   for (const OfferedIds::Entry& entry : entries) {
     const int row = InsertItem(GetItemCount(), entry.text);
@@ -37,7 +36,6 @@ void CClavisListCtrl::Fill(const std::set<int>& selection, unsigned int filter) 
     SetCheckbox(row, 0, all || selection.contains(entry.id) ? checked : unchecked);
   }
   AutosizeColumnWidth(0);
-  SetBatchInsertMode(false);
   changes_ = false;
 }
 

@@ -17,7 +17,7 @@ class KESTRIN_API CClavisListCtrl : public CXListCtrl {
   void Init(Clavis::qOrder element);
 
   // Offers the ids of the element and checks those of the selection. Others that it holds are
-  // forgotten. See OfferedIds::Choice for `filter`.
+  // forgotten. See CClavisComboBox for `filter`.
   void Fill(const std::set<int>& selection, unsigned int filter = 0);
 
   // The ids that are checked, {-1} if all rows are, also all of none. Returns the number of checked
@@ -30,7 +30,6 @@ class KESTRIN_API CClavisListCtrl : public CXListCtrl {
   // True at first; for the next Fill.
   void HideVirtualModes(bool hide) { hide_virtual_modes_ = hide; }
 
- protected:
   void OnItemStateChange(int row, int sub_item, int state) override;
 
  private:

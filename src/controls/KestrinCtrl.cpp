@@ -34,9 +34,9 @@ DropDown& DropDownOf(Clavis::qOrder element) {
 
 void CKestrinCtrl::PreSubclassWindow() {
   show_ids_ = CQtParamInstance::ShowIdsInDialogs();
-  InsertColumn(0, LoadModuleString(StringId::section), ColumnFormat::left, text_width);
-  InsertColumn(value_column, LoadModuleString(StringId::value), ColumnFormat::left, text_width);
-  if (show_ids_) InsertColumn(id_column, L"Id", ColumnFormat::right, id_width);
+  InsertColumn(0, LoadModuleString(StringId::section), format_left, text_width);
+  InsertColumn(value_column, LoadModuleString(StringId::value), format_left, text_width);
+  if (show_ids_) InsertColumn(id_column, L"Id", format_right, id_width);
   SetExtendedStyle(GetExtendedStyle() | style_full_row_select);
   CXListCtrl::PreSubclassWindow();
 }

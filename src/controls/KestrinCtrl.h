@@ -41,7 +41,8 @@ class KESTRIN_API CKestrinCtrl : public CXListCtrl {
   ~CKestrinCtrl() override = default;
 
   // Builds all rows anew for a key. Masks, flags and extra rows are looked at here, and only here;
-  // columns are fitted here and after each choice.
+  // columns are fitted here and after each choice. The list's callback is the editor's own from
+  // here on: what the user chooses comes as a message.
   void fill(const CClavis& key);
 
   // The key as it stands in the rows. An element without a row is -1: a hidden one, and all before
@@ -80,6 +81,9 @@ class KESTRIN_API CKestrinCtrl : public CXListCtrl {
   void PreSubclassWindow() override;
 
  private:
+  // A callback of a host's would be replaced by the next fill, so there is no way to set one.
+  using CXListCtrl::on_entry_chosen;
+
   struct ExtraRow {
     CString name;
     CString text;

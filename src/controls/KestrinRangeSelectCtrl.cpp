@@ -5,11 +5,11 @@
 
 void CKestrinRangeSelectCtrl::fill() { CRangeSelectCtrl<6>::fill(lists_); }
 
-CString CKestrinRangeSelectCtrl::col_head_names(int entry) const {
+CString CKestrinRangeSelectCtrl::col_head_names(int entry) {
   return Clavis::ElementName(static_cast<Clavis::qOrder>(entry), 2);
 }
 
-void CKestrinRangeSelectCtrl::send_active_list(const std::array<ActiveIds, 6>& active) {
+void CKestrinRangeSelectCtrl::send_active_list(std::span<const ActiveIds, 6> active) {
   for (int column = 0; column < static_cast<int>(m_size); ++column) {
     deselect_all(column);
     clear_anchor(column);

@@ -6,21 +6,24 @@
 // window's thread only.
 #pragma once
 
+#include <algorithm>
+
 #include "controls/RangeSelectCtrl.h"
 
 class KESTRIN_API CKestrinRangeSelectCtrl : public CRangeSelectCtrl<6> {
  public:
   // What can be selected, by Clavis::qOrder. Shows with the next fill.
-  void send_kestrin_list(const EntryLists& lists) { lists_ = lists; }
+  void send_kestrin_list(std::span<const EntryList, 6> lists) {
+    std::copy(lists.begin(), lists.end(), lists_.begin());
+  }
 
   void fill() override;
 
   // What is selected, by column. Ids that a map lacks are not; the selection before and the anchors
   // are forgotten.
-  void send_active_list(const std::array<ActiveIds, 6>& active);
+  void send_active_list(std::span<const ActiveIds, 6> active);
 
- protected:
-  CString col_head_names(int entry) const override;
+  CString col_head_names(int entry) override;
 
  private:
   EntryLists lists_;

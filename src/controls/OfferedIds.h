@@ -20,9 +20,7 @@ struct Entry {
 };
 
 struct Choice {
-  // Of an instrument the bits of ResultType, of an object those of LocationPropertyFlag, of a
-  // sensor those of its signal_type in <TAppSignalProperty>: an id is offered if it has one of
-  // them. All other elements are offered in any case, and with 0 everything is.
+  // See CClavisComboBox::Fill.
   unsigned int filter = 0;
   // Hidden test steps are never offered.
   bool hide_virtual_modes = true;

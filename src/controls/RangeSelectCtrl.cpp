@@ -1,7 +1,4 @@
-// The grid's cells and its selection.
-//
-// A click that hits an entry comes down to one of four events, and one table says what each does to
-// the selection of its column and to the anchor. Columns know nothing of each other.
+// The grid's cells and its selection. Columns know nothing of each other.
 #include "controls/RangeSelectCtrl.h"
 
 #include <algorithm>
@@ -12,22 +9,9 @@ namespace {
 
 constexpr int column_width = 90;
 
-enum class SelectionStep { toggle, only_cell, range, add_column };
-enum class AnchorStep { keep, set, clear };
-
-struct Rule {
-  SelectionStep selection;
-  AnchorStep anchor;
-};
-
-constexpr Rule rules[] = {
-    /* plain click    */ {SelectionStep::only_cell, AnchorStep::set},
-    /* toggling click */ {SelectionStep::toggle, AnchorStep::set},
-    /* range click    */ {SelectionStep::range, AnchorStep::keep},
-    /* heading click  */ {SelectionStep::add_column, AnchorStep::clear},
-};
-
 }  // namespace
+
+CRangeSelectCtrlBasics::~CRangeSelectCtrlBasics() = default;
 
 // --- Rows and columns ---
 
@@ -35,14 +19,14 @@ template <std::size_t N>
 void CRangeSelectCtrl<N>::fill_header() {
   for (std::size_t entry = 0; entry < N; ++entry) {
     if (!mask_[entry]) continue;
-    InsertColumn(GetColumnCount(), col_head_names(static_cast<int>(entry)), ColumnFormat::left,
+    InsertColumn(GetColumnCount(), col_head_names(static_cast<int>(entry)), format_left,
                  column_width);
   }
 }
 
 template <std::size_t N>
-void CRangeSelectCtrl<N>::fill(const EntryLists& lists) {
-  SetBatchInsertMode(true);
+void CRangeSelectCtrl<N>::fill(std::span<const EntryList, N> lists) {
+  const BatchInsertMode batch(*this);
   if (static_cast<int>(mask_.count()) != GetColumnCount()) {
     DeleteAllColumns();
     fill_header();
@@ -70,7 +54,6 @@ void CRangeSelectCtrl<N>::fill(const EntryLists& lists) {
     }
     ++column;
   }
-  SetBatchInsertMode(false);
 }
 
 template <std::size_t N>
@@ -92,7 +75,7 @@ int CRangeSelectCtrl<N>::column_count() const {
 }
 
 template <std::size_t N>
-void CRangeSelectCtrl<N>::retrieve(std::array<ActiveIds, N>& active) const {
+void CRangeSelectCtrl<N>::retrieve(std::span<ActiveIds, N> active) const {
   for (ActiveIds& column : active) column.clear();
   if (!IsWindow()) return;
   for (int row = 0; row < GetItemCount(); ++row) {
@@ -189,43 +172,23 @@ void CRangeSelectCtrl<N>::invert_selection() {
 // --- Events ---
 
 template <std::size_t N>
-auto CRangeSelectCtrl<N>::click_event(unsigned int flags, Cell cell) const -> std::optional<Event> {
-  const int column = cell.second;
-  if (column >= column_count() || !has_text(cell)) return std::nullopt;
-  if (flags & mouse_control) return Event::toggling_click;
-  const bool anchored = anchor_[static_cast<std::size_t>(column)] != -1;
-  return flags & mouse_shift && anchored ? Event::range_click : Event::plain_click;
-}
-
-template <std::size_t N>
-void CRangeSelectCtrl<N>::apply(Event event, Cell cell) {
-  const Rule rule = rules[static_cast<std::size_t>(event)];
-  const int column = cell.second;
-  int& anchor = anchor_[static_cast<std::size_t>(column)];
-  switch (rule.selection) {
-    case SelectionStep::toggle:
-      toggle_cell(cell);
-      break;
-    case SelectionStep::only_cell:
-      deselect_all(column);
-      select_cell(cell);
-      break;
-    case SelectionStep::range:
-      deselect_all(column);
-      select_range(anchor, cell);
-      break;
-    case SelectionStep::add_column:
-      select_col(column);
-      break;
-  }
-  if (rule.anchor == AnchorStep::set) anchor = cell.first;
-  if (rule.anchor == AnchorStep::clear) anchor = -1;
-}
-
-template <std::size_t N>
 void CRangeSelectCtrl<N>::l_button_down(unsigned int flags, CPoint point) {
   const Cell cell = get_cell(point);
-  if (const auto event = click_event(flags, cell)) apply(*event, cell);
+  const int column = cell.second;
+  if (column >= column_count() || !has_text(cell)) return;
+  int& anchor = anchor_[static_cast<std::size_t>(column)];
+  if (flags & mouse_control) {
+    toggle_cell(cell);
+    anchor = cell.first;
+    return;
+  }
+  deselect_all(column);
+  if (flags & mouse_shift && anchor != -1) {
+    select_range(anchor, cell);
+  } else {
+    select_cell(cell);
+    anchor = cell.first;
+  }
 }
 
 template <std::size_t N>
@@ -236,9 +199,7 @@ void CRangeSelectCtrl<N>::OnLButtonDown(unsigned int flags, CPoint point) {
 
 template <std::size_t N>
 void CRangeSelectCtrl<N>::OnColumnClick(const HeadingClick& notification, LRESULT& result) {
-  if (notification.column < column_count()) {
-    apply(Event::heading_click, {-1, notification.column});
-  }
+  if (notification.column < column_count()) select_col(notification.column);
   CXListCtrl::OnColumnClick(notification, result);
 }
 

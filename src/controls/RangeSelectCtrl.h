@@ -16,8 +16,8 @@
 #include <bitset>
 #include <cstddef>
 #include <map>
-#include <optional>
 #include <set>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -25,7 +25,7 @@
 
 class KESTRIN_API CRangeSelectCtrlBasics {
  public:
-  virtual ~CRangeSelectCtrlBasics() = default;
+  virtual ~CRangeSelectCtrlBasics() = 0;
 
   // The colours of a selected cell.
   kestrin::COLORREF selection_background = GetSysColor(kestrin::color_highlight);
@@ -54,6 +54,12 @@ class KESTRIN_API CRangeSelectCtrl : public CXListCtrl, public CRangeSelectCtrlB
   // Builds all rows anew, without a selection. Runs by itself when the window comes to be.
   virtual void fill() = 0;
 
+  // The left button went down, with `MouseFlags`: changes the selection.
+  virtual void l_button_down(unsigned int flags, CPoint point);
+
+  // The heading of an entry.
+  virtual CString col_head_names(int entry) = 0;
+
   // Makes a column for each entry in the mask.
   void fill_header();
 
@@ -62,24 +68,25 @@ class KESTRIN_API CRangeSelectCtrl : public CXListCtrl, public CRangeSelectCtrlB
   void set_mask(std::bitset<N> mask) { mask_ = mask; }
   std::bitset<N> mask() const { return mask_; }
 
-  // By column: each id with its selected flag. The empty cells of a column shorter than the grid
-  // give one id -1. All maps are empty when the window is gone.
-  void retrieve(std::array<ActiveIds, N>& active) const;
+  // By column, into an array of N maps: each id with its selected flag. The empty cells of a column
+  // shorter than the grid give one id -1. All maps are empty when the window is gone.
+  void retrieve(std::span<ActiveIds, N> active) const;
 
   // Selects whatever has a text.
   void full_selection();
   // Turns the flag of whatever has a text. The anchors stay.
   void invert_selection();
 
+  // What the window hears. The first calls l_button_down.
+  void OnLButtonDown(unsigned int flags, CPoint point) override;
+  void OnColumnClick(const kestrin::HeadingClick& notification, LRESULT& result) override;
+  void OnSetFocus(CWnd* window) override;
+  void OnKillFocus(CWnd* window) override;
+  void PreSubclassWindow() override;
+
  protected:
-  // Fills from lists, one per entry.
-  void fill(const EntryLists& lists);
-
-  // The left button went down, with `MouseFlags`: changes the selection.
-  virtual void l_button_down(unsigned int flags, CPoint point);
-
-  // The heading of an entry.
-  virtual CString col_head_names(int entry) const = 0;
+  // Fills from an array of N lists, one per entry.
+  void fill(std::span<const EntryList, N> lists);
 
   // A point on a disabled row gives the row and no column.
   Cell get_cell(CPoint point) const;
@@ -97,18 +104,7 @@ class KESTRIN_API CRangeSelectCtrl : public CXListCtrl, public CRangeSelectCtrlB
   int cell_id(Cell cell) const;
   bool has_text(Cell cell) const;
 
-  void OnLButtonDown(unsigned int flags, CPoint point) override;
-  void OnColumnClick(const kestrin::HeadingClick& notification, LRESULT& result) override;
-  void OnSetFocus(CWnd* window) override;
-  void OnKillFocus(CWnd* window) override;
-  void PreSubclassWindow() override;
-
  private:
-  enum class Event { plain_click, toggling_click, range_click, heading_click };
-
-  // Empty for a click that hits no entry.
-  std::optional<Event> click_event(unsigned int flags, Cell cell) const;
-  void apply(Event event, Cell cell);
   void select_range(int from, Cell to);
   // Of the columns, those that the grid itself has made.
   int column_count() const;

@@ -14,15 +14,11 @@ const DialogItem* FindItem(const DialogTemplate& layout, int id) {
   return found == layout.items.end() ? nullptr : &*found;
 }
 
-bool IsButton(const DialogItem& item) {
-  return item.kind == DialogItem::Kind::button || item.kind == DialogItem::Kind::default_button;
-}
-
 }  // namespace
 
 void kestrin::DDX_Control(CDataExchange& exchange, int item, CWnd& control) {
   const DialogItem* const place = FindItem(exchange.dialog.Template(), item);
-  if (place && !IsButton(*place)) control.Create(&exchange.dialog, item, place->area);
+  if (place && !place->IsButton()) control.Create(&exchange.dialog, item, place->area);
 }
 
 CDialog3d::CDialog3d(unsigned int template_id, CWnd* owner, const ResourceModule& resources)
@@ -52,7 +48,7 @@ void CDialog3d::OnCommand(int item, std::function<void()> handler, CommandCode c
 
 bool CDialog3d::PressButton(int item) {
   const DialogItem* const button = FindItem(layout_, item);
-  if (!IsWindow() || !button || !IsButton(*button)) return false;
+  if (!IsWindow() || !button || !button->IsButton()) return false;
   ::SendMessage(Handle(), WM_COMMAND, CommandParam(item, command_clicked), 0);
   return true;
 }

@@ -25,6 +25,8 @@ struct DialogItem {
   Kind kind = Kind::button;
   CRect area;  // dialog units, from the upper left corner of the dialog's inside
   CString text;
+
+  bool IsButton() const { return kind == Kind::button || kind == Kind::default_button; }
 };
 
 struct DialogTemplate {

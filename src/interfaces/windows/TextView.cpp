@@ -39,7 +39,7 @@ CString Repeat(std::wstring_view part, int count) {
 }
 
 // The text in exactly `columns` columns.
-CString Fit(std::wstring_view text, int columns, ColumnFormat format = ColumnFormat::left) {
+CString Fit(std::wstring_view text, int columns, int format = format_left) {
   columns = std::max(columns, 0);
   CString out;
   if (TextColumns(text) <= columns) {
@@ -48,7 +48,7 @@ CString Fit(std::wstring_view text, int columns, ColumnFormat format = ColumnFor
     out = Cut(text, columns - 1) + L"…";
   }
   const CString blanks(static_cast<std::size_t>(columns - TextColumns(out)), L' ');
-  return format == ColumnFormat::left ? out + blanks : blanks + out;
+  return format == format_right ? blanks + out : out + blanks;
 }
 
 // No wish for a picture is larger than that, in columns and lines.
@@ -222,10 +222,6 @@ CString DrawButton(const DialogItem& item) {
   return (is_default ? L'«' : L'[') + label + (is_default ? L'»' : L']');
 }
 
-bool IsButton(const DialogItem& item) {
-  return item.kind == DialogItem::Kind::button || item.kind == DialogItem::Kind::default_button;
-}
-
 // The template at the size of the frame.
 DialogTemplate Stretched(DialogTemplate layout, Frame frame) {
   constexpr int border = 2;
@@ -251,11 +247,11 @@ CRect PlaceOf(const DialogItem& item) {
   const int left = ColumnsOf(area.left);
   const int top = LinesOf(area.top);
   return {left, top, left + ColumnsOf(area.Width()),
-          IsButton(item) ? top + 1 : LinesOf(area.bottom)};
+          item.IsButton() ? top + 1 : LinesOf(area.bottom)};
 }
 
 Lines DrawItem(const CDialog3d& dialog, const DialogItem& item, int first_row) {
-  if (IsButton(item)) return {DrawButton(item)};
+  if (item.IsButton()) return {DrawButton(item)};
   const CRect place = PlaceOf(item);
   // A frame without room would be as large as the content.
   const Frame frame{std::max(place.Width(), 1), std::max(place.Height(), 1), first_row};

@@ -22,7 +22,7 @@ const ListColumn* CXListCtrl::GetColumn(int column) const {
   return &columns_[static_cast<std::size_t>(column)];
 }
 
-int CXListCtrl::InsertColumn(int column, std::wstring_view heading, ColumnFormat format, int width,
+int CXListCtrl::InsertColumn(int column, std::wstring_view heading, int format, int width,
                              int /*sub_item*/) {
   const int place = Place(column, GetColumnCount());
   columns_.insert(columns_.begin() + place,
@@ -312,7 +312,7 @@ void CXListCtrl::Click(CPoint point, unsigned int flags) {
 bool CXListCtrl::ClickCell(int row, int column, unsigned int flags) {
   CRect area;
   if (!IsWindow() || !GetSubItemRect(row, column, CellArea::label, area)) return false;
-  if (area.Width() == 0) return false;
+  if (!GetEnabled(row) || area.Width() == 0) return false;
   Click({area.left + area.Width() / 2, area.top + area.Height() / 2}, flags);
   return true;
 }

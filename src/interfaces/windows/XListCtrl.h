@@ -25,7 +25,7 @@
 
 namespace kestrin {
 
-enum class ColumnFormat { left = 0, right = 1 };
+enum ColumnFormat : int { format_left = 0, format_right = 1 };
 
 // What a hit test found, as bits.
 enum HitFlags : unsigned int {
@@ -53,7 +53,7 @@ enum CheckState : int { unchecked = 0, checked = 1, mixed = 3 };
 
 struct ListColumn {
   CString heading;
-  ColumnFormat format = ColumnFormat::left;
+  int format = format_left;
   int width = 0;  // pixels
 };
 
@@ -92,10 +92,9 @@ class KESTRIN_API CXListCtrl : public kestrin::CWnd {
   const kestrin::ListColumn* GetColumn(int column) const;  // null on a miss
 
   // The number of the new column. A number beyond the last appends. Cells of rows that are there
-  // are moved along. Widths run from 0 to `largest_width`. `sub_item` -1, the only value in use: a
-  // column shows its own cells.
-  int InsertColumn(int column, std::wstring_view heading, kestrin::ColumnFormat format, int width,
-                   int sub_item = -1);
+  // are moved along. `format` is a ColumnFormat, 0 left or 1 right; widths run from 0 to
+  // `largest_width`. `sub_item` -1, the only value in use: a column shows its own cells.
+  int InsertColumn(int column, std::wstring_view heading, int format, int width, int sub_item = -1);
 
   // With the columns go the rows, which would have nothing to show.
   void DeleteAllColumns();
@@ -125,7 +124,8 @@ class KESTRIN_API CXListCtrl : public kestrin::CWnd {
   bool SetEnabled(int row, bool enabled);
   bool GetEnabled(int row) const;
 
-  // Brackets a run of insertions: views hear nothing of it before the end. Brackets nest.
+  // Brackets a run of insertions: views hear nothing of it before the end. Brackets nest. Where
+  // others' code runs in between, take a BatchInsertMode (below).
   void SetBatchInsertMode(bool on);
 
   // --- Cells ---
@@ -178,8 +178,8 @@ class KESTRIN_API CXListCtrl : public kestrin::CWnd {
 
   // Presses the left button at a point, with `MouseFlags`. On a heading the same as ClickHeading.
   void Click(CPoint point, unsigned int flags = kestrin::mouse_left);
-  // As Click, in the middle of a cell's text. False, and nothing done, if there is no such cell or
-  // its text has no room.
+  // As Click, in the middle of a cell's text. False, and nothing done, if there is no such cell,
+  // its row is disabled or its text has no room.
   bool ClickCell(int row, int column, unsigned int flags = kestrin::mouse_left);
   bool ClickHeading(int column);
   // Both refuse a disabled row and a cell without that control, and the first an id that is not in
@@ -222,3 +222,25 @@ class KESTRIN_API CXListCtrl : public kestrin::CWnd {
   int header_state_ = kestrin::unchecked;
   bool header_state_set_ = false;  // by SetHeaderCheckedState, and not overtaken by the rows yet
 };
+
+namespace kestrin {
+
+// Batch insert mode to the end of a scope, also where that is left by an exception. What a view
+// throws at the end is dropped.
+class BatchInsertMode {
+ public:
+  explicit BatchInsertMode(CXListCtrl& list) : list_(list) { list_.SetBatchInsertMode(true); }
+  BatchInsertMode(const BatchInsertMode&) = delete;
+  BatchInsertMode& operator=(const BatchInsertMode&) = delete;
+  ~BatchInsertMode() {
+    try {
+      list_.SetBatchInsertMode(false);
+    } catch (...) {  // NOLINT(bugprone-empty-catch): the mode has ended before the view is told
+    }
+  }
+
+ private:
+  CXListCtrl& list_;
+};
+
+}  // namespace kestrin
