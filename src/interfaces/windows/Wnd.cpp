@@ -38,9 +38,11 @@ class HandleTable {
   WindowHandle last = WindowHandle::none;
 };
 
+// Never destroyed, like the numbers of messages below: a static object of the host may hold a
+// window that was made after it, and ends after everything else.
 HandleTable& Handles() {
-  static HandleTable table;
-  return table;
+  static auto* const table = new HandleTable;
+  return *table;
 }
 
 thread_local WindowHandle focus = WindowHandle::none;
@@ -95,13 +97,10 @@ int kestrin::TextColumns(std::wstring_view text) {
 unsigned int RegisterWindowMessage(std::wstring_view name) {
   constexpr unsigned int first_number = 0xC000;
   static std::mutex lock;
-  static std::map<std::wstring, unsigned int, std::less<>> numbers;
+  static auto* const numbers = new std::map<std::wstring, unsigned int>;
   const std::lock_guard guard(lock);
-  const auto found = numbers.find(name);
-  if (found != numbers.end()) return found->second;
-  const auto number = first_number + static_cast<unsigned int>(numbers.size());
-  numbers.emplace(name, number);
-  return number;
+  const auto next = first_number + static_cast<unsigned int>(numbers->size());
+  return numbers->try_emplace(std::wstring(name), next).first->second;
 }
 
 bool IsWindow(WindowHandle window) {
@@ -122,48 +121,56 @@ LRESULT SendMessage(WindowHandle window, unsigned int message, WPARAM w, LPARAM 
 CWnd::CWnd() : handle_(Handles().Add(this)) {}
 
 CWnd::~CWnd() {
-  CloseWindow(nullptr);
+  CloseWindow();
   Handles().Remove(handle_);
 }
 
 bool CWnd::Create(CWnd* parent, int id, CRect area) {
   if (exists_ || (parent && !parent->exists_)) return false;
-  parent_ = parent ? parent->handle_ : WindowHandle::none;
-  if (parent) parent->children_.push_back(handle_);
+  const WindowHandle self = handle_;
+  const WindowHandle above = parent ? parent->handle_ : WindowHandle::none;
+  EndWindow();  // of the window before, if its end has led here; that may end the parent too
+  if (!Handles().Find(self) || exists_ || (parent && !::IsWindow(above))) return false;
+  parent_ = above;
+  if (parent) parent->children_.push_back(self);
   id_ = id;
   area_ = area;
   exists_ = true;
   if (WindowView* const viewer = FindView()) viewer->Shown(*this);
-  const WindowHandle self = handle_;
   PreSubclassWindow();
   return ::IsWindow(self);
 }
 
-bool CWnd::DestroyWindow() { return EndWindow(nullptr); }
-
-bool CWnd::EndWindow(WindowView* view_above) {
-  const WindowHandle self = handle_;
-  if (!CloseWindow(view_above)) return false;
-  // A child's end may have deleted this object, or given it a window again.
-  if (Handles().Find(self) && !exists_) OnDestroy();
-  return true;
+bool CWnd::DestroyWindow() {
+  const bool existed = exists_;
+  EndWindow();
+  return existed;
 }
 
-// Everything but the virtual call, for the destructor's sake. The window counts as gone from the
-// first line on, so that whatever a child's end sets off finds no half of it; children don't find
-// the view above it then, so it is handed down to them.
-bool CWnd::CloseWindow(WindowView* view_above) {
-  if (!exists_) return false;
-  exists_ = false;
+void CWnd::EndWindow() {
+  if (CloseWindow()) OnDestroy();
+}
+
+// Everything but the virtual call, for the destructor's sake. True if this call has finished it.
+//
+// The window counts as gone from the first line on, so that whatever a child's end sets off finds
+// no half of it. It may set off anything: the end of this object, of its parent, or a new window
+// for it. Each of them comes back here and goes on where the call under way stands; that one then
+// finds nothing left to do.
+bool CWnd::CloseWindow() {
   const WindowHandle self = handle_;
-  WindowView* const own_view = FindView();
-  WindowView* const viewer = own_view ? own_view : view_above;
-  if (focus == handle_) focus = WindowHandle::none;
-  if (CWnd* const above = GetParent()) std::erase(above->children_, handle_);
-  parent_ = WindowHandle::none;
-  for (const WindowHandle child : std::exchange(children_, {})) {
-    if (CWnd* const window = Handles().Find(child)) window->EndWindow(viewer);
+  ending_ = ending_ || exists_;
+  exists_ = false;
+  if (focus == self) focus = WindowHandle::none;
+  while (ending_ && !children_.empty()) {
+    Handles().Find(children_.front())->EndWindow();
+    if (!Handles().Find(self)) return false;
   }
+  if (!ending_) return false;
+  ending_ = false;
+  WindowView* const viewer = FindView();
+  if (CWnd* const above = GetParent()) std::erase(above->children_, self);
+  parent_ = WindowHandle::none;
   if (viewer) viewer->Gone(self);
   return true;
 }
@@ -179,7 +186,7 @@ void CWnd::SetOwner(CWnd* window) { owner_ = window ? window->handle_ : WindowHa
 CWnd* CWnd::GetDlgItem(int item) const {
   for (const WindowHandle child : children_) {
     CWnd* const window = Handles().Find(child);
-    if (window && window->id_ == item) return window;
+    if (window && window->exists_ && window->id_ == item) return window;
   }
   return nullptr;
 }

@@ -150,7 +150,8 @@ class KESTRIN_API CWnd {
   // Gives the object its window and runs PreSubclassWindow. A parent must have a window itself; its
   // end destroys this window. `id` is a number from 0 to 65535 that tells it from its siblings,
   // `area` the place within the parent, in its units. False, and nothing done, if the object has a
-  // window already or the parent has none; false also if PreSubclassWindow gave it up again.
+  // window already or the parent has none; false also if PreSubclassWindow gave it up again. What
+  // is called while its window ends may call it: the end is then brought to its end first.
   bool Create(CWnd* parent, int id = 0, CRect area = {});
 
   // Destroys the window, its children first. The object stays and can be given a window again.
@@ -215,11 +216,12 @@ class KESTRIN_API CWnd {
   WindowView* FindView() const;
   void LoseFocus(CWnd* winner);
   static void TellChanged(WindowHandle window);
-  bool EndWindow(WindowView* view_above);
-  bool CloseWindow(WindowView* view_above);
+  void EndWindow();
+  bool CloseWindow();
 
   const WindowHandle handle_;
   bool exists_ = false;
+  bool ending_ = false;  // its children are, and the view has not heard of its own end yet
   WindowHandle parent_ = WindowHandle::none;
   WindowHandle owner_ = WindowHandle::none;
   int id_ = 0;
