@@ -100,20 +100,15 @@ std::wstring WithWideTexts(std::wstring_view format) {
   return out;
 }
 
-// What a host has set for its users must not show in the log: a decimal comma, say.
-locale_t LogLocale() {
-  static const locale_t with_utf8 = newlocale(LC_ALL_MASK, "C.UTF-8", nullptr);
-  static const locale_t locale = with_utf8 ? with_utf8 : newlocale(LC_ALL_MASK, "C", nullptr);
-  return locale;
-}
-
 // The format itself where the platform refuses it, or has no memory.
 std::wstring Format(const wchar_t* format, std::va_list arguments) {
   const std::wstring own = WithWideTexts(format);
   wchar_t* text = nullptr;
   std::size_t length = 0;
   bool ok = false;
-  const locale_t before = uselocale(LogLocale());
+  // What a host has set for its users must not show in the log: a decimal comma, say.
+  static const locale_t classic = newlocale(LC_ALL_MASK, "C", nullptr);
+  const locale_t before = uselocale(classic);
   if (std::FILE* const memory = open_wmemstream(&text, &length)) {
     const bool written = std::vfwprintf(memory, own.c_str(), arguments) >= 0;
     ok = std::fclose(memory) == 0 && written;

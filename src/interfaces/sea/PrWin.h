@@ -38,8 +38,8 @@ KESTRIN_API void Output(const wchar_t* text, Category category, Style style);
 
 // Format forms with the conventions of printf on wide text, independent of the locale: widths,
 // flags and every conversion of the platform. %s, as %ls, is a wide text (null gives "(null)") and
-// %c a wide character; %S, as %hs, is a text in UTF-8. A format that the platform refuses is put
-// out as it stands.
+// %c a wide character; %S, as %hs, is a text in ASCII. A format that the platform refuses, or that
+// gets another narrow text, is put out as it stands.
 KESTRIN_API void Output(Category category, const wchar_t* format, ...);
 KESTRIN_API void Output(Category category, Style style, const wchar_t* format, ...);
 
