@@ -1,18 +1,11 @@
-// What the command-line host tells a user who asked for what isn't there, or who waits.
-#include <fcntl.h>
+// What the command-line host tells a user who asks for what isn't there, or what a load costs.
 #include <gtest/gtest.h>
-#include <sys/ioctl.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
-#include <chrono>
 #include <cstdio>
-#include <filesystem>
 #include <string>
 
-#include "test_store.h"
 #include "tool_session.h"
 
 namespace {
@@ -69,62 +62,14 @@ TEST(ToolFailures, WhatTheDataBaseDoesNotHoldIsNoAnswer) {
   }
 }
 
-// A file whose reader waits until the test has written it.
-class SlowFile {
- public:
-  SlowFile() {
-    std::filesystem::remove(file_.path());
-    mkfifo(file_.path().c_str(), S_IRUSR | S_IWUSR);
-    end_ = open(file_.path().c_str(), O_RDWR | O_CLOEXEC);
-  }
-  SlowFile(const SlowFile&) = delete;
-  SlowFile& operator=(const SlowFile&) = delete;
-  ~SlowFile() { close(end_); }
-
-  const std::string& path() const { return file_.path(); }
-  void Finish(const std::string& bytes) {
-    EXPECT_EQ(write(end_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
-    // The bytes would go with the last end that is open.
-    for (int left = 1; left > 0 && ioctl(end_, FIONREAD, &left) == 0;) usleep(1000);
-    close(end_);
-    end_ = -1;
-  }
-
- private:
-  const ScratchFile file_;
-  int end_ = -1;
-};
-
-using ProgressAtTerminal = AtTerminal;
-
-TEST_F(ProgressAtTerminal, ABarStandsThereWhileTheFirstLoadTakesLong) {
-  SlowFile file;
-  const auto begin = std::chrono::steady_clock::now();
-  Session session({"bench", file.path()});
-  ASSERT_TRUE(session.WaitFor("[..............................] 0 %  first load"));
-  EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
-  file.Finish(std::string("\xEF\xBB\xBF") + testing_support::version + "<TMode>: {\nx\n}\n");
-  EXPECT_EQ(session.End(), 2);
-  // A line of the log takes the bar's place, and nothing of the bar is left at the end.
-  const std::string shown = session.Screen();
-  const std::string erased = "\r\x1B[K";
-  EXPECT_NE(shown.find("first load" + erased + "Error"), std::string::npos) << shown;
-  const std::string end = shown.substr(shown.rfind("first load"));
-  EXPECT_TRUE(end.starts_with("first load" + erased)) << shown;
-  EXPECT_NE(end.find("can't be read again and again"), std::string::npos) << shown;
-}
-
-TEST_F(ProgressAtTerminal, TheMeasurementsMoveTheBarThatAPipeDoesNotGet) {
-  Session session({"bench", sample, "--seconds", "0.1"});
-  ASSERT_TRUE(session.WaitFor("[###")) << session.Screen();
-  EXPECT_EQ(session.End(), 0);
-  EXPECT_TRUE(session.Screen().ends_with("\r\x1B[K")) << session.Screen();
-  EXPECT_NE(session.Answer().find("median"), std::string::npos);
-
-  const auto [status, text] =
-      RunInShell("bench '" + std::string(sample) + "' --seconds 0.1 2>&1 > /dev/null");
+TEST(ToolLoad, TheCostOfALoadIsMeasured) {
+  const auto [status, text] = RunInShell("load '" + std::string(sample) + "' --time --json");
   EXPECT_EQ(status, 0);
-  EXPECT_EQ(text, "");
+  for (const std::string field : {"reading_ms", "loading_ms", "peak_memory_kib"}) {
+    const std::size_t place = text.find('"' + field + "\": ");
+    ASSERT_NE(place, std::string::npos) << text;
+    EXPECT_GT(std::stod(text.substr(place + field.size() + 4)), 0) << field;
+  }
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <chrono>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
@@ -16,13 +17,13 @@ using namespace kestrin;
 namespace kestrindb {
 namespace {
 
-// Keeps what is logged while it lives, and passes it on.
+// Keeps what is logged while it lives, and prints it.
 class LogKeeper {
  public:
-  LogKeeper(std::vector<LogLine>& lines, const LogPrinter& print)
-      : before_(PrWin::SetSink([&lines, &print](std::wstring_view text, auto category, auto style) {
+  LogKeeper(std::vector<LogLine>& lines)
+      : before_(PrWin::SetSink([&lines](std::wstring_view text, auto category, auto style) {
           lines.push_back({category, style, Utf8(text)});
-          print(lines.back().text);
+          std::cerr << lines.back().text;
         })) {}
   LogKeeper(const LogKeeper&) = delete;
   LogKeeper& operator=(const LogKeeper&) = delete;
@@ -92,12 +93,18 @@ void ReadLake(const std::string& file_name) {
   }
 }
 
-void PrintLog(const std::string& text) { std::cerr << text; }
-
-DataBase::DataBase(const std::string& file_name, const LogPrinter& print) : file_name_(file_name) {
-  const LogKeeper keeper(log, print);
+DataBase::DataBase(const std::string& file_name) : file_name_(file_name) {
+  using Clock = std::chrono::steady_clock;
+  const auto seconds_since = [](Clock::time_point begin) {
+    return std::chrono::duration<double>(Clock::now() - begin).count();
+  };
+  const LogKeeper keeper(log);
+  const auto begin = Clock::now();
   ReadLake(file_name);
+  reading = seconds_since(begin);
+  const auto read = Clock::now();
   accepted = params.ReadTablesFromCandidateLake();
+  loading = seconds_since(read);
   if (!accepted) reason = WhyNotAccepted();
 }
 

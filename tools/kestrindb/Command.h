@@ -43,20 +43,18 @@ struct LogLine {
 // Reads a file into the candidate lake. Throws Failure if it can't be used.
 void ReadLake(const std::string& file_name);
 
-// Where a load puts out what it logs, a line of the log at a time: PrintLog to standard error.
-using LogPrinter = std::function<void(const std::string& text)>;
-void PrintLog(const std::string& text);
-
 // A loaded data base: the file read into the candidate lake, the lake loaded.
 class DataBase {
  public:
   // Throws Failure if the file can't be used. A data base that was refused is no failure here.
-  explicit DataBase(const std::string& file_name, const LogPrinter& print = PrintLog);
+  explicit DataBase(const std::string& file_name);
 
   CQtParamInstance params;
   bool accepted = false;
   std::string reason;        // why not, as the end of a sentence
   std::vector<LogLine> log;  // what the load logged; it was also printed
+  double reading = 0;        // seconds
+  double loading = 0;
 
   Status LoadStatus() const { return accepted && log.empty() ? fine : data_bad; }
 
@@ -115,6 +113,5 @@ void AddOrder(CommandLine& line);
 void AddIntervals(CommandLine& line);
 void AddPolygon(CommandLine& line);
 void AddTrigger(CommandLine& line);
-void AddBench(CommandLine& line);
 
 }  // namespace kestrindb

@@ -1,5 +1,8 @@
 // kestrindb load FILE: what a load of the file gives.
 
+#include <sys/resource.h>
+
+#include <cmath>
 #include <iostream>
 #include <memory>
 
@@ -35,6 +38,16 @@ Json ToJson(const DataBase& data) {
   return json;
 }
 
+// The memory is the most that the program has had so far.
+Json Cost(const DataBase& data) {
+  const auto milliseconds = [](double seconds) { return std::round(seconds * 1e6) / 1e3; };
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return {{"reading_ms", milliseconds(data.reading)},
+          {"loading_ms", milliseconds(data.loading)},
+          {"peak_memory_kib", usage.ru_maxrss}};
+}
+
 std::string OrNone(const Json& text) {
   return text.get<std::string>().empty() ? "(none)" : text.get<std::string>();
 }
@@ -57,21 +70,28 @@ void PrintLoad(const Json& json) {
             << (logged == 0 ? "Nothing was logged."
                             : std::to_string(logged) + " log entries; see standard error.")
             << '\n';
+  if (!json.contains("cost")) return;
+  std::cout << "\nreading      " << json["cost"]["reading_ms"] << " ms\nloading      "
+            << json["cost"]["loading_ms"] << " ms\npeak memory  " << json["cost"]["peak_memory_kib"]
+            << " KiB\n";
 }
 
 }  // namespace
 
 void AddLoad(CommandLine& line) {
   auto file = std::make_shared<std::string>();
-  line.Add("load", "Load a file: versions, document names, rows of each table, what was logged",
-           [file, &line] {
-             const DataBase data(*file);
-             const Json json = ToJson(data);
-             line.json ? Print(json) : PrintLoad(json);
-             return data.LoadStatus();
-           })
-      ->add_option("FILE", *file, "Parameter file")
-      ->required();
+  auto time = std::make_shared<bool>(false);
+  CLI::App* command =
+      line.Add("load", "Load a file: versions, document names, rows of each table, what was logged",
+               [file, time, &line] {
+                 const DataBase data(*file);
+                 Json json = ToJson(data);
+                 if (*time) json["cost"] = Cost(data);
+                 line.json ? Print(json) : PrintLoad(json);
+                 return data.LoadStatus();
+               });
+  command->add_option("FILE", *file, "Parameter file")->required();
+  command->add_flag("--time", *time, "Tell how long reading and loading took, and the peak memory");
 }
 
 }  // namespace kestrindb

@@ -29,7 +29,6 @@ int main(int argc, char** argv) {
     kestrindb::AddIntervals(line);
     kestrindb::AddPolygon(line);
     kestrindb::AddTrigger(line);
-    kestrindb::AddBench(line);
     CLI11_PARSE(line.app, argc, argv);
     if (!std::cout.flush()) {
       throw kestrindb::Failure(kestrindb::file_unusable, "The answer can't be written.");
