@@ -179,6 +179,39 @@ TEST(Server, LivesThroughItsStates) {
   CSeaBase::SetApplicationSea(before);
 }
 
+// A data base of a host's own beside that of the process, with the same ids.
+TEST(TwoDataBases, AnswerFromTheirOwnTables) {
+  const auto load = [](CQtParamInstance params, const std::string& n) {
+    FillCandidateLake(version + ("<QType><FBaseName>: " + n + "\n<TMode>: {\n1 step\n}\n") +
+                      "<TChannel>: {\n1 channel" + n + "\n" + n + "0 base\n}\n" +
+                      "<TChannelInheritance>: {\n1 -1 " + n + "0\n}\n" +
+                      "<TInstrumentParam>: {\n5 1 p\n}\n<TIpCalcParameter>: {\n5 1 " + n +
+                      "\n5 2 0\n5 3 H" + n + "\n5 4 0\n}\n" +
+                      "<TIpParamAndStore>: {\n1 1 1 1 5 1\n}\n" +
+                      "<TGrex10001>: {\n-1 -1 -1 -1 5 -1 0 0 0 " + n + "\n}\n");
+    return params.ReadTablesFromCandidateLake();
+  };
+  const auto answers = [](const CQtParamInstance& params) {
+    std::wostringstream out;
+    out << params.BaseType() << ' ' << params.ChannelName(1) << ' ' << params.BaseChannel(1, 1)
+        << ' ' << params.TriggerId(5) << ' ' << params.SpecIntervalDefinition(5) << ' '
+        << params.SpecIntervalRange(5).first->second.lower().harmonic() << ' '
+        << params.IpTrackPolygon().begin()->second.polygon_id;
+    return out.str();
+  };
+  CQtParamDistillery mine;
+  CQtParamInstance own(&mine);
+  CQtParamInstance served;
+  EXPECT_TRUE(load(served, "3") && load(own, "4"));
+  EXPECT_EQ(answers(served), L"3 channel3 30 3 H3 3 3");
+  EXPECT_EQ(answers(own), L"4 channel4 40 4 H4 4 4");
+  mine.Clear();
+  EXPECT_FALSE(own.Initialized());
+  EXPECT_TRUE(served.Initialized() && served.IsValidChannel(1));
+  CQtParamServer::Object().Clear();
+  CParameterLake::Lake().clear();
+}
+
 TEST(Load, ResamplingIsExpandedOverTheModesOfItsPhysicalMode) {
   const std::string sections =
       "<TModeProperty>: {\n10 1\n11 1\n12 3\n}\n"

@@ -91,6 +91,11 @@ TEST(QueryThreads, AnswerAsOneThreadDoes) {
   std::atomic<int> wrong = 0;
   {
     std::vector<std::jthread> threads;
+    CParameterLake::Lake().read(Text::FromUtf8(KESTRIN_SAMPLES "/gearbox.par"));
+    threads.emplace_back([] {  // loads another data base meanwhile
+      CQtParamDistillery own;
+      for (int load = 0; load < 3; ++load) own.ReadTablesFromCandidateLake();
+    });
     for (int i = 0; i < kThreads; ++i) {
       threads.emplace_back([&] {
         const P params = data.params;

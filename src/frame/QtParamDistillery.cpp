@@ -45,6 +45,11 @@ CQtParamDistillery::CQtParamDistillery() : derived(std::make_unique<CQtParamDeri
 
 CQtParamDistillery::~CQtParamDistillery() = default;
 
+void CQtParamDistillery::Clear() {
+  CQtParamStore::Clear();
+  initialized = false;
+}
+
 bool CQtParamDistillery::ReadTablesFromCandidateLake() {
   last_refusal = {};
   if (!CQtParamStore::ReadTablesFromCandidateLake()) {

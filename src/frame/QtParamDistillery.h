@@ -1,5 +1,16 @@
-// The store together with everything that is derived from its tables, and the flag that says
-// whether a data base has been loaded. The one of the process stands in the server.
+// A data base: the store together with everything that is derived from its tables, and the flag
+// that says whether one has been loaded. That of the process stands in the server. A host that
+// wants another one beside it makes it, and asks through handles on it:
+//
+//   CQtParamDistillery mine;
+//   CQtParamInstance params(&mine);
+//   params.ReadTablesFromCandidateLake();
+//
+// Each data base answers from its own tables, and may be loaded beside queries on another one; the
+// handles must not outlive it. What the process has once stays so: the candidate lake, the log, the
+// user's language, the seas and their setting ShowIdsInDialogs, and TimeSignalId, which every load
+// sets. <TAutoModeParam> of each data base falls back on the application sea and is written to it
+// by WriteTablesToLocalSeas. The controls over keys show the server's data base.
 #pragma once
 
 #include <memory>
@@ -12,6 +23,9 @@ class KESTRIN_API CQtParamDistillery : public CQtParamStore {
  public:
   CQtParamDistillery();
   ~CQtParamDistillery();
+
+  // CQtParamStore::Clear; no data base counts as loaded then.
+  void Clear();
 
   // The load. False if the candidate lake is empty or its version refused, with nothing changed; or
   // if a relative limit names an unknown parameter, with the tables and all derived information
@@ -28,7 +42,6 @@ class KESTRIN_API CQtParamDistillery : public CQtParamStore {
   static int TimeSignalId();
 
  private:
-  friend class CQtParamServer;
   friend class CQtParamInstance;
 
   std::unique_ptr<CQtParamDerived> derived;  // never null

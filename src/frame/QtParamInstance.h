@@ -28,13 +28,14 @@ struct QVIpSvOfSpec;
 
 class KESTRIN_API CQtParamInstance {
  public:
-  // Null stands for the server's store, which is made if this is its first use.
+  // Null stands for the server's data base, which is made if this is its first use. Another one is
+  // the host's own (QtParamDistillery.h) and must outlive the handle.
   explicit CQtParamInstance(CQtParamDistillery* store);
   CQtParamInstance() : CQtParamInstance(nullptr) {}
 
   // --- Load and life ------------------------------------------------------------------------
 
-  // True after a load that succeeded, until the server is cleared. A purge doesn't change it.
+  // True after a load that succeeded, until the data base is cleared. A purge doesn't change it.
   bool Initialized() const;
 
   // Loads the candidate lake, CParameterLake::Lake(), which the host has filled; the lake isn't

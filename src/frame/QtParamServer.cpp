@@ -9,7 +9,4 @@ CQtParamServer& CQtParamServer::Object() {
 
 void CQtParamServer::Create() {}
 
-void CQtParamServer::Clear() {
-  distillery.Clear();
-  distillery.initialized = false;
-}
+void CQtParamServer::Clear() { distillery.Clear(); }

@@ -4,8 +4,7 @@
 //   Clear         erases the rows, and unbinds the tables from their seas for good
 //   PurgeTables   erases the rows, the indexes of the name tables and the four names
 //
-// Made by the one server of the process (QtParamServer.h). Nothing here takes a lock: loads, purges
-// and clears must not run beside queries.
+// Nothing here takes a lock: loads, purges and clears must not run beside queries.
 #pragma once
 
 #include <memory>

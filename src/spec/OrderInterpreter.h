@@ -3,7 +3,7 @@
 //
 // A text becomes a row of positions. A position is a plain sum of terms, kept apart by kind, since
 // it turns into a number only when the speeds of a test step are known. Two positions bound one
-// spectrum interval. docs/order-definitions.md teaches the language to the people who write it.
+// spectrum interval.
 //
 //     definition  =  position { ";" position } [ ";" ]
 //     position    =  { term }

@@ -31,7 +31,7 @@
 namespace TableType {
 
 // Width of a text field in wide characters, the terminator included.
-inline constexpr int text_width = 200;
+inline constexpr int text_width = QIdxName::width;
 
 // The text in a record's buffer, which ends with the buffer if a host has left no zero in it.
 template <std::size_t n>
