@@ -88,13 +88,6 @@ TEST(LogSink, MayLogAndChangeTheSink) {
   EXPECT_EQ(log.lines, (Lines{{L"2", 8, 1}}));
 }
 
-TEST(LogSink, IfEmptyStandsForStandardError) {
-  const Log log;
-  EXPECT_TRUE(PrWin::SetSink({}));
-  EXPECT_EQ(ErrorsOf([] { PrWin::Output(k8, L"n = %d\n", 1234567); }), "n = 1234567\n");
-  EXPECT_FALSE(PrWin::SetSink({}));
-}
-
 TEST(LogSink, HasOneThreadAtATimeAndNoneAfterItsReplacement) {
   const Log log;
   std::atomic<int> inside = 0;
