@@ -35,12 +35,9 @@ void RegisterQueries(const Files& files);
 
 // Bytes of the process over a load.
 struct Memory {
-  std::size_t file;  // the size of the file
-  std::size_t before = 0;
-  std::size_t peak = 0;                 // of the load
-  std::size_t cleared = 0;              // with the tables, the lake given back
-  std::size_t trimmed = 0;              // the same, with malloc_trim
-  std::size_t peak_of_second_lake = 0;  // after the file was read once more
+  std::size_t file;        // the size of the file
+  std::size_t peak = 0;    // of the load
+  std::size_t tables = 0;  // what is left when the lake is given back, also by the heap
 };
 
 Memory MeasureMemory(const TemporaryFile& file);
@@ -59,9 +56,6 @@ class DataBase {
  private:
   CQtParamDistillery store_;
 };
-
-// How many blocks this program has taken from operator new.
-std::size_t AllocationCount();
 
 // CPU time of the process: what else runs on the machine counts little.
 inline double CpuSeconds() {
@@ -124,19 +118,15 @@ template <class Ask>
 void RegisterQuestion(const std::string& name, Ask ask) {
   for (const std::size_t count : {few, questions}) {
     const char* const how = count == few ? "/again" : "/any";
-    benchmark::RegisterBenchmark(
-        (name + how).c_str(),
-        [ask, count](benchmark::State& state) {
-          std::size_t i = 0;
-          const std::size_t allocations = AllocationCount();
-          for ([[maybe_unused]] auto _ : state) {
-            benchmark::DoNotOptimize(ask(i));
-            i = (i + 1) & (count - 1);  // a division takes as long as a short answer
-          }
-          state.counters["allocations"] =
-              benchmark::Counter(static_cast<double>(AllocationCount() - allocations),
-                                 benchmark::Counter::kAvgIterations);
-        })
+    benchmark::RegisterBenchmark((name + how).c_str(),
+                                 [ask, count](benchmark::State& state) {
+                                   std::size_t i = 0;
+                                   for ([[maybe_unused]] auto _ : state) {
+                                     benchmark::DoNotOptimize(ask(i));
+                                     i = (i + 1) &
+                                         (count - 1);  // a division takes as long as a short answer
+                                   }
+                                 })
         ->Repetitions(9)
         ->MinTime(0.05)
         ->DisplayAggregatesOnly();

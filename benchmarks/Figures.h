@@ -26,7 +26,7 @@ class Figures : public benchmark::ConsoleReporter {
   void WriteJson(std::ostream& out) const;
 
  private:
-  // Seconds by the name of a benchmark, bytes for memory, and numbers of allocations.
+  // Seconds by the name of a benchmark, bytes for memory.
   std::map<std::string, double> values_;
 };
 

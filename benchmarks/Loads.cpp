@@ -11,7 +11,7 @@ using namespace kestrin;
 namespace benchmarks {
 
 DataBase::DataBase(const std::string& file) {
-  CParameterLake::Lake().read(::Text::FromUtf8(file));
+  CParameterLake::Lake().read(Text::FromUtf8(file));
   if (!Params().ReadTablesFromCandidateLake()) throw std::runtime_error("no data base: " + file);
 }
 
@@ -48,7 +48,6 @@ void RegisterLoads(const Files& files) {
   RegisterLoad("250 thousand, shuffled", files.shuffled, 15);
   RegisterLoad("250 thousand, bad lines", files.bad, 15);
   RegisterLoad("2.5 million", files.large, 5);
-  RegisterLoad("2.5 million, first of a process", files.large, 5, Heap::given_back);
 }
 
 }  // namespace benchmarks

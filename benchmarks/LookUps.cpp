@@ -1,7 +1,6 @@
 // One row of a loaded data base: its name by its id, its id by its name, a row by a whole key. The
-// rivals hold the same rows: SQLite in its tables, asked by prepared statements, and two maps.
+// rivals hold the same rows: SQLite in its tables, asked by prepared statements, and std::map.
 
-#include <boost/container/flat_map.hpp>
 #include <map>
 #include <string>
 #include <vector>
@@ -14,25 +13,11 @@ using namespace kestrin;
 namespace benchmarks {
 namespace {
 
-template <class Key, class Row>
-struct Rivals {
-  boost::container::flat_map<Key, Row> flat;
-  std::map<Key, Row> tree;
-
-  void Add(const Key& key, const Row& row) {
-    flat.emplace_hint(flat.end(), key, row);
-    tree.emplace_hint(tree.end(), key, row);
-  }
-
-  // `key` tells the key of each question.
-  template <class KeyOf>
-  void Register(const std::string& what, KeyOf key) const {
-    RegisterQuestion(what + "/flat_map",
-                     [this, key](std::size_t i) { return &*flat.find(key(i)); });
-    RegisterQuestion(what + "/std::map",
-                     [this, key](std::size_t i) { return &*tree.find(key(i)); });
-  }
-};
+// `key` tells the key of each question.
+template <class Key, class Row, class KeyOf>
+void RegisterMap(const std::string& what, const std::map<Key, Row>& map, KeyOf key) {
+  RegisterQuestion(what + "/std::map", [&map, key](std::size_t i) { return &*map.find(key(i)); });
+}
 
 // A name in the forms in which it is asked for.
 struct Name {
@@ -49,12 +34,11 @@ struct Fixture {
     RequireSameRows();
     sqlite.Run("create index mode_names on \"<TMode>\" (c1)");
     for (const auto& [id, name] : params.Mode()) {
-      by_id.Add(id, name);
-      by_name.tree.emplace(name, id);
+      by_id.emplace(id, name);
+      by_name.emplace(name, id);
       names.try_emplace(id, name);
     }
-    by_name.flat.insert(by_name.tree.begin(), by_name.tree.end());
-    for (const auto& [key, row] : params.LimSValue()) by_key.Add(key, row);
+    by_key.insert(params.LimSValue().begin(), params.LimSValue().end());
     ids = AnyKeys(params.Mode());
     for (const QIdx1& id : ids) asked_names.push_back(&names.at(id));
     keys = AnyKeys(params.LimSValue());
@@ -75,9 +59,9 @@ struct Fixture {
   DataBase data_base;
   CQtParamInstance params;
   SqliteDataBase sqlite;
-  Rivals<QIdx1, QIdxName> by_id;
-  Rivals<QIdxName, QIdx1> by_name;
-  Rivals<QClavis, QVLimSValue> by_key;
+  std::map<QIdx1, QIdxName> by_id;
+  std::map<QIdxName, QIdx1> by_name;
+  std::map<QClavis, QVLimSValue> by_key;
 
   std::vector<QIdx1> ids;
   std::map<QIdx1, Name> names;
@@ -89,7 +73,7 @@ void RegisterNameById(const Fixture& fixture) {
   const std::string what = "look-up/name by id";
   RegisterQuestion(what + "/lKestrinDb",
                    [&](std::size_t i) { return fixture.params.ModeName(fixture.ids[i][0]); });
-  fixture.by_id.Register(what, [&](std::size_t i) -> const QIdx1& { return fixture.ids[i]; });
+  RegisterMap(what, fixture.by_id, [&](std::size_t i) -> const QIdx1& { return fixture.ids[i]; });
   const auto statement = std::make_shared<SqliteStatement>(
       fixture.sqlite.Prepare("select c1 from \"<TMode>\" where c0 = ?"));
   RegisterQuestion(what + "/SQLite", [&fixture, statement](std::size_t i) {
@@ -106,8 +90,8 @@ void RegisterIdByName(const Fixture& fixture) {
   RegisterQuestion(what + "/lKestrinDb", [&](std::size_t i) {
     return fixture.params.ModeId(fixture.asked_names[i]->wide.text);
   });
-  fixture.by_name.Register(
-      what, [&](std::size_t i) -> const QIdxName& { return fixture.asked_names[i]->wide; });
+  RegisterMap(what, fixture.by_name,
+              [&](std::size_t i) -> const QIdxName& { return fixture.asked_names[i]->wide; });
   const auto statement = std::make_shared<SqliteStatement>(
       fixture.sqlite.Prepare("select c0 from \"<TMode>\" where c1 = ?"));
   RegisterQuestion(what + "/SQLite", [&fixture, statement](std::size_t i) {
@@ -124,7 +108,8 @@ void RegisterRowByKey(const Fixture& fixture) {
   RegisterQuestion(what + "/lKestrinDb", [&, &rows = fixture.params.LimSValue()](std::size_t i) {
     return &*rows.find(fixture.keys[i]);
   });
-  fixture.by_key.Register(what, [&](std::size_t i) -> const QClavis& { return fixture.keys[i]; });
+  RegisterMap(what, fixture.by_key,
+              [&](std::size_t i) -> const QClavis& { return fixture.keys[i]; });
   const auto statement = std::make_shared<SqliteStatement>(
       fixture.sqlite.Prepare("select c6, c7, c8 from \"<TLimSValue>\" where c0 = ? and c1 = ? and "
                              "c2 = ? and c3 = ? and c4 = ? and c5 = ?"));

@@ -31,8 +31,7 @@ Memory MeasureMemory(const TemporaryFile& file) {
     throw std::runtime_error("no figures from " + command);
   }
   Memory memory{std::filesystem::file_size(file.Name())};
-  std::istringstream(line.data()) >> memory.before >> memory.peak >> memory.cleared >>
-      memory.trimmed >> memory.peak_of_second_lake;
+  std::istringstream(line.data()) >> memory.peak >> memory.tables;
   return memory;
 }
 

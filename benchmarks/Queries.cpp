@@ -56,20 +56,6 @@ struct Fixture {
   std::vector<float> values;
 };
 
-template <class ModeOf>
-void RegisterTrigger(const Fixture& fixture, const std::string& what, ModeOf mode) {
-  RegisterQuestion("query/cell in the tables, " + what, [&fixture, mode](std::size_t i) {
-    std::int64_t cell = 0;
-    fixture.triggers.cell(mode(i), trigger, axis, fixture.values[i], cell, false);
-    return cell;
-  });
-  RegisterQuestion("query/position in the tables, " + what, [&fixture, mode](std::size_t i) {
-    float value = 0;
-    fixture.triggers.position(mode(i), trigger, static_cast<std::int64_t>(i % 48), axis, value);
-    return value;
-  });
-}
-
 }  // namespace
 
 void RegisterQueries(const Files& files) {
@@ -79,20 +65,15 @@ void RegisterQueries(const Files& files) {
     fixture.interval.IndexRange(fixture.entries[i], lines, 1600, 0.125F, 1.0F);
     return lines;
   });
-  // A test runs through the running values of one test step, and then of another.
-  const auto one_mode = [](std::size_t) { return 150; };
-  const auto any_mode = [](std::size_t i) { return fixture.modes[i][0]; };
-  RegisterTrigger(fixture, "one test step", one_mode);
-  RegisterTrigger(fixture, "any test step", any_mode);
+  RegisterQuestion("query/cell in the tables", [](std::size_t i) {
+    std::int64_t cell = 0;
+    fixture.triggers.cell(fixture.modes[i][0], trigger, axis, fixture.values[i], cell, false);
+    return cell;
+  });
   RegisterQuestion("query/cell on a kept axis", [](std::size_t i) {
     std::int64_t cell = 0;
     CTriggerStore::cell(fixture.kept_axis, axis, fixture.values[i], cell, false);
     return cell;
-  });
-  RegisterQuestion("query/position on a kept axis", [](std::size_t i) {
-    float value = 0;
-    CTriggerStore::position(fixture.kept_axis, static_cast<std::int64_t>(i % 48), axis, value);
-    return value;
   });
   RegisterQuestion("query/FormatClavisText", [](std::size_t i) {
     return fixture.params.FormatClavisText(fixture.quantities[i],
