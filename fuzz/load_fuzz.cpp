@@ -16,7 +16,7 @@
 
 #include "Fuzz.h"
 #include "catalogue/IpCalcParameter.h"
-#include "catalogue/LimitRows.h"
+#include "catalogue/LearnRows.h"
 #include "frame/QtParamDerived.h"
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"

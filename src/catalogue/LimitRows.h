@@ -1,11 +1,7 @@
-// Rows of the tables that decide what happens with a measured quantity: how it is stored, learnt
-// and limited, and the polygons. (The calculation parameters have a header of their own,
-// IpCalcParameter.h.)
+// Rows of the tables that decide how a measured quantity is stored and limited. (What is calculated
+// of it stands in IpCalcParameter.h.)
 #pragma once
 
-#include <ctime>
-
-#include "interfaces/Export.h"
 #include "tables/RowRecords.h"
 
 struct QVIpParamAndStore : QValueBase, TableType::Fields<QVIpParamAndStore> {
@@ -30,23 +26,6 @@ struct QVIpRunTest : QValueBase, TableType::Fields<QVIpRunTest> {
 
   static constexpr auto fields() {
     return TableType::FieldList(TableType::Field("first", &QVIpRunTest::first));
-  }
-};
-
-// The learn parameters of a key. Both times are that at which the record was made, until a row's
-// text says otherwise.
-struct QVIpLearnParameter : QValueBase, TableType::Fields<QVIpLearnParameter> {
-  int first = -1;
-  long long time_1 = std::time(nullptr);  // seconds since 1970
-  unsigned third = 0;
-  long long time_2 = time_1;
-
-  static constexpr auto fields() {
-    return TableType::FieldList(
-        TableType::Field("first", &QVIpLearnParameter::first),
-        TableType::Field("time_1", &QVIpLearnParameter::time_1, "the time of the load"),
-        TableType::Field("third", &QVIpLearnParameter::third),
-        TableType::Field("time_2", &QVIpLearnParameter::time_2, "the time of the load"));
   }
 };
 
@@ -101,33 +80,13 @@ struct QVLimArea : QVLimitBase, TableType::Fields<QVLimArea> {
   }
 };
 
-// A polygon: a named curve of points.
-struct QVClassIdName : QValueBase, TableType::Fields<QVClassIdName> {
-  int class_id = -1;
-  wchar_t name[TableType::text_width] = {};
+// A relative limit of a key.
+struct QVRelativeLimit : QValueBase, TableType::Fields<QVRelativeLimit> {
+  float first = 0.0F;
+  float second = 0.0F;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("class_id", &QVClassIdName::class_id),
-                                TableType::Field("name", &QVClassIdName::name));
+    return TableType::FieldList(TableType::Field("first", &QVRelativeLimit::first),
+                                TableType::Field("second", &QVRelativeLimit::second));
   }
-};
-
-struct QVIpPolygonProperty : QValueBase, TableType::Fields<QVIpPolygonProperty> {
-  int first = -1;
-  int second = 1;
-
-  static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("first", &QVIpPolygonProperty::first),
-                                TableType::Field("second", &QVIpPolygonProperty::second));
-  }
-};
-
-// The y value of a point of a polygon; polygon and x are its key.
-struct QVIpY : QValueBase, TableType::Fields<QVIpY> {
-  float y = 0.0F;
-
-  QVIpY() = default;
-  explicit QVIpY(float value) : y(value) {}
-
-  static constexpr auto fields() { return TableType::FieldList(TableType::Field("y", &QVIpY::y)); }
 };

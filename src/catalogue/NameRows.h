@@ -1,11 +1,12 @@
 // Rows of the tables that name things and that describe the structure of a test: parameters of
-// instruments, properties of test steps, channels, objects and instruments. (Names themselves are
-// rows of CDynNameIdTable.)
+// instruments, properties of test steps, channels, objects and instruments, and the names that
+// users gave to measured quantities. (Names themselves are rows of CDynNameIdTable.)
 //
 // In all rows of the catalogue, fields that are named after their position (third, fourth, ...) are
 // carried for the programs that load the library; their meaning belongs to those programs.
 #pragma once
 
+#include "interfaces/Export.h"
 #include "tables/RowRecords.h"
 
 // A parameter: one result of an instrument. Its id is unique over all instruments.
@@ -90,5 +91,22 @@ struct QVInstrumentProperty : QValueBase, TableType::Fields<QVInstrumentProperty
     return TableType::FieldList(TableType::Field("first", &QVInstrumentProperty::first),
                                 TableType::Field("second", &QVInstrumentProperty::second),
                                 TableType::Field("third", &QVInstrumentProperty::third));
+  }
+};
+
+// The name that users gave to a measured quantity, for all test steps.
+struct KESTRIN_API QVClavisUserNames : QValueBase, TableType::Fields<QVClavisUserNames> {
+  wchar_t name[TableType::text_width] = {};
+  int second = 0;
+  int third = 1;
+
+  // Copies a user name's key (instrument, channel, sensor, location, parameter) into a whole key,
+  // whose test step stays as it was.
+  static void Clavis(const QIdx5& from, QClavis& to);
+
+  static constexpr auto fields() {
+    return TableType::FieldList(TableType::Field("name", &QVClavisUserNames::name),
+                                TableType::Field("second", &QVClavisUserNames::second),
+                                TableType::Field("third", &QVClavisUserNames::third));
   }
 };

@@ -19,9 +19,12 @@
 
 #include "catalogue/ErrorRows.h"
 #include "catalogue/IpCalcParameter.h"
+#include "catalogue/LearnRows.h"
 #include "catalogue/LimitRows.h"
 #include "catalogue/NameRows.h"
+#include "catalogue/PolygonRows.h"
 #include "catalogue/SignalRows.h"
+#include "catalogue/TriggerRows.h"
 #include "keys/IndexRecords.h"
 #include "tables/QParamBaseTable.h"
 

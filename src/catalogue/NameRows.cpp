@@ -1,4 +1,4 @@
-#include "catalogue/ErrorRows.h"
+#include "catalogue/NameRows.h"
 
 void QVClavisUserNames::Clavis(const QIdx5& from, QClavis& to) {
   constexpr int elements[] = {::Clavis::Instrument, ::Clavis::Channel, ::Clavis::Sensor,

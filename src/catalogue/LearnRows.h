@@ -1,0 +1,37 @@
+// Rows of the tables of learning: parameters of measured quantities, and procedures.
+#pragma once
+
+#include <ctime>
+
+#include "tables/RowRecords.h"
+
+// The learn parameters of a key. Both times are that at which the record was made, until a row's
+// text says otherwise.
+struct QVIpLearnParameter : QValueBase, TableType::Fields<QVIpLearnParameter> {
+  int first = -1;
+  long long time_1 = std::time(nullptr);  // seconds since 1970
+  unsigned third = 0;
+  long long time_2 = time_1;
+
+  static constexpr auto fields() {
+    return TableType::FieldList(
+        TableType::Field("first", &QVIpLearnParameter::first),
+        TableType::Field("time_1", &QVIpLearnParameter::time_1, "the time of the load"),
+        TableType::Field("third", &QVIpLearnParameter::third),
+        TableType::Field("time_2", &QVIpLearnParameter::time_2, "the time of the load"));
+  }
+};
+
+struct QVLearnProcedures : QValueBase, TableType::Fields<QVLearnProcedures> {
+  int first = 0;
+  unsigned second = 0;
+  float third = 1.0F;
+  wchar_t text[TableType::text_width] = {};
+
+  static constexpr auto fields() {
+    return TableType::FieldList(TableType::Field("first", &QVLearnProcedures::first),
+                                TableType::Field("second", &QVLearnProcedures::second),
+                                TableType::Field("third", &QVLearnProcedures::third),
+                                TableType::Field("text", &QVLearnProcedures::text));
+  }
+};

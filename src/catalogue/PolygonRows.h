@@ -1,0 +1,64 @@
+// Rows of the tables of polygons, and of the track polygons of keys.
+#pragma once
+
+#include "tables/RowRecords.h"
+
+// A polygon: a named curve of points.
+struct QVClassIdName : QValueBase, TableType::Fields<QVClassIdName> {
+  int class_id = -1;
+  wchar_t name[TableType::text_width] = {};
+
+  static constexpr auto fields() {
+    return TableType::FieldList(TableType::Field("class_id", &QVClassIdName::class_id),
+                                TableType::Field("name", &QVClassIdName::name));
+  }
+};
+
+struct QVIpPolygonProperty : QValueBase, TableType::Fields<QVIpPolygonProperty> {
+  int first = -1;
+  int second = 1;
+
+  static constexpr auto fields() {
+    return TableType::FieldList(TableType::Field("first", &QVIpPolygonProperty::first),
+                                TableType::Field("second", &QVIpPolygonProperty::second));
+  }
+};
+
+// The y value of a point of a polygon; polygon and x are its key.
+struct QVIpY : QValueBase, TableType::Fields<QVIpY> {
+  float y = 0.0F;
+
+  QVIpY() = default;
+  explicit QVIpY(float value) : y(value) {}
+
+  static constexpr auto fields() { return TableType::FieldList(TableType::Field("y", &QVIpY::y)); }
+};
+
+// The track polygon of a key.
+struct QVIpSvTrackPolygon : QValueBase, TableType::Fields<QVIpSvTrackPolygon> {
+  static constexpr unsigned s_version = 1;
+
+  int track_a = 0;
+  int track_b = -1;
+  int track_c = -1;
+  int polygon_id = -1;
+  float offset = 0.0F;   // added to both y values of a polygon made from this row
+  int polygon_mode = 0;  // 1: the polygon is made from the two points below
+  float x_start = 0.0F;
+  float x_end = 0.0F;
+  float y_start = 0.0F;
+  float y_end = 0.0F;
+
+  static constexpr auto fields() {
+    return TableType::FieldList(TableType::Field("track_a", &QVIpSvTrackPolygon::track_a),
+                                TableType::Field("track_b", &QVIpSvTrackPolygon::track_b),
+                                TableType::Field("track_c", &QVIpSvTrackPolygon::track_c),
+                                TableType::Field("polygon_id", &QVIpSvTrackPolygon::polygon_id),
+                                TableType::Field("offset", &QVIpSvTrackPolygon::offset),
+                                TableType::Field("polygon_mode", &QVIpSvTrackPolygon::polygon_mode),
+                                TableType::Field("x_start", &QVIpSvTrackPolygon::x_start),
+                                TableType::Field("x_end", &QVIpSvTrackPolygon::x_end),
+                                TableType::Field("y_start", &QVIpSvTrackPolygon::y_start),
+                                TableType::Field("y_end", &QVIpSvTrackPolygon::y_end));
+  }
+};
