@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tables/QParamBaseTableImpl.h"
+#include "tables/QParamBaseTable.h"
 #include "test_store.h"
 
 namespace {

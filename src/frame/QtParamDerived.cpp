@@ -32,7 +32,7 @@ void CQtParamDerived::ExpandResampling() {
     modes_by_phys_mode.emplace(props.phys_mode, mode[0]);
   }
   CDbUniqueMap<QIdx2, QVResampling>& expanded = store->Table<L"<TResamplingM>">();
-  RowCollector rows(expanded);
+  kestrin::RowCollector rows(expanded);
   for (const auto& [key, resampling] : store->Table<L"<TResampling>">()) {
     const auto [first, last] = modes_by_phys_mode.equal_range(key[1]);
     for (auto mode = first; mode != last; ++mode) {

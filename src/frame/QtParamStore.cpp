@@ -6,7 +6,6 @@
 
 #include "interfaces/sea/ResourceSea.h"
 #include "lake/Lake.h"
-#include "tables/QParamBaseTableImpl.h"
 
 using namespace kestrin;
 

@@ -14,7 +14,6 @@
 #include "lake/Lake.h"
 #include "tables/QTableManager.h"
 #include "tables/RowText.h"
-#include "tables/SecretHash.h"
 
 namespace kestrin::ParameterCheck {
 namespace {
@@ -244,7 +243,7 @@ class TableCheck {
   std::vector<Finding>& findings_;
   std::unique_ptr<RowBuffer> buffer_;
   std::vector<NamedField> fields_;
-  std::unordered_map<std::wstring, std::size_t, SecretHash> lines_by_key_;
+  std::map<std::wstring, std::size_t> lines_by_key_;
   bool first_line_ = true;
   bool told_index_ = false;
 };

@@ -109,9 +109,7 @@ TableInfo Describe(int making_place) {
       DescribeRow<typename Table::mapped_type>(),
       container.unique_keys,
       [](const CQtParamStore& store) { return store.Table<Entry::section>().size(); },
-      [](const CQtParamStore& store) -> const CQParamBaseTableInterface& {
-        return store.Table<Entry::section>();
-      },
+      [](const CQtParamStore& store, int limit) { DumpRows(store.Table<Entry::section>(), limit); },
       []() -> std::unique_ptr<RowBuffer> {
         return std::make_unique<TypedRow<typename Table::key_type, typename Table::mapped_type>>();
       }};

@@ -12,7 +12,6 @@
 #include "tables/RowRecords.h"
 
 class CQtParamStore;
-class CQParamBaseTableInterface;
 
 namespace kestrin::TableCatalogue {
 
@@ -41,7 +40,7 @@ struct TableInfo {
 
   bool unique_keys;
   std::size_t (*row_count)(const CQtParamStore& store);
-  const CQParamBaseTableInterface& (*table)(const CQtParamStore& store);
+  void (*dump)(const CQtParamStore& store, int limit);  // logs the rows; all with limit 0
   std::unique_ptr<RowBuffer> (*new_row)();
 };
 

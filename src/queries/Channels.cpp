@@ -16,11 +16,8 @@
 #include "interfaces/sea/PrWin.h"
 #include "queries/QtChannelInfo.h"
 #include "tables/FieldOr.h"
-#include "tables/QParamBaseTableImpl.h"
 
 using namespace kestrin;
-
-template class CQParamTypedTable<CBaseChannels>;
 
 namespace {
 

@@ -34,8 +34,6 @@ struct QVRefFlag : QValueBase, TableType::Fields<QVRefFlag> {
 
 using CBaseChannels = CUniqueTreeMap<QIdx2, QVRefFlag>;
 
-extern template class CQParamTypedTable<CBaseChannels>;
-
 // Modes are base modes here.
 class CQtChannelInfo {
  public:
@@ -45,7 +43,7 @@ class CQtChannelInfo {
   void Build();
 
   // Logs the derived table; all rows with limit 0.
-  void Dump(int limit) const { base_channels.Dump(limit); }
+  void Dump(int limit) const { kestrin::DumpRows(base_channels, limit); }
 
   // Read from the tables as they are: the direct parent or -1, and the channel's own type or 0.
   int ParentChannel(int mode, int channel) const;

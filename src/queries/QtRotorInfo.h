@@ -20,8 +20,6 @@ class CQtSpeedInfo;
 
 using CRotor2OrderSources = CUniqueTreeMap<QIdx4, QVRefIdx>;
 
-extern template class CQParamTypedTable<CRotor2OrderSources>;
-
 class CQtRotorInfo {
  public:
   using Range = std::pair<CRotor2OrderSources::const_iterator, CRotor2OrderSources::const_iterator>;

@@ -8,9 +8,6 @@
 #include "queries/QtChannelInfo.h"
 #include "queries/QtRotorInfo.h"
 #include "queries/QtSpeedInfo.h"
-#include "tables/QParamBaseTableImpl.h"
-
-template class CQParamTypedTable<CRotor2OrderSources>;
 
 namespace {
 

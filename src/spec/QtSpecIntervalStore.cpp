@@ -10,11 +10,8 @@
 #include "frame/QtParamStore.h"
 #include "interfaces/sea/PrWin.h"
 #include "tables/FieldOr.h"
-#include "tables/QParamBaseTableImpl.h"
 
 using namespace kestrin;
-
-template class CQParamTypedTable<CSpecIntervalMap>;
 
 namespace {
 

@@ -36,8 +36,6 @@ namespace kestrin {
 using CSpecIntervalMap = std::map<QIdx2, QVSpecIntervalEntry>;
 }  // namespace kestrin
 
-extern template class CQParamTypedTable<kestrin::CSpecIntervalMap>;
-
 class CQtSpecIntervalStore {
  public:
   using Records = std::map<QIdx1, QVIpSvOfSpec>;  // by instrument parameter
@@ -61,7 +59,7 @@ class CQtSpecIntervalStore {
   void ProcessTables(int id, const wchar_t* definition, unsigned nr_orders);
 
   // Logs the intervals; all of them with limit 0.
-  void Dump(int limit) const { table.Dump(limit); }
+  void Dump(int limit) const { kestrin::DumpRows(table, limit); }
 
   // Null without a record.
   const wchar_t* SpecIntervalDefinition(int id) const;

@@ -32,9 +32,12 @@ class tl_allocator {
     return static_cast<T*>(tl_malloc(n * sizeof(T)));
   }
   void deallocate(T* p, std::size_t /*n*/) noexcept { tl_free(p); }
-
-  friend constexpr bool operator==(const tl_allocator&, const tl_allocator&) { return true; }
 };
+
+template <class T, class U>
+constexpr bool operator==(const tl_allocator<T>&, const tl_allocator<U>&) {
+  return true;
+}
 
 namespace stdext::allocators {
 
@@ -82,15 +85,16 @@ class allocator_unbounded {
     }
   }
 
-  friend constexpr bool operator==(const allocator_unbounded&, const allocator_unbounded&) {
-    return true;
-  }
-
  private:
   static NodePool& Pool() {
     static NodePool& pool = NodePool::OfSize(sizeof(T));
     return pool;
   }
 };
+
+template <class T, class U>
+constexpr bool operator==(const allocator_unbounded<T>&, const allocator_unbounded<U>&) {
+  return true;
+}
 
 }  // namespace stdext::allocators

@@ -1,25 +1,19 @@
 #include <cwchar>
+#include <string_view>
 
-#include "tables/QParamBaseTableImpl.h"
-
-using namespace kestrin;
-
-template class CQParamTypedTable<CNameMap>;
-template class CQParamSeaTypedTable<CNameMap>;
+#include "tables/QParamBaseTable.h"
 
 CDynNameIdTable::CDynNameIdTable(const wchar_t* section_name)
     : CQParamSeaTypedTable(section_name) {}
 
 int CDynNameIdTable::Idx(const wchar_t* name_text) const {
   if (name_text == nullptr) name_text = L"";
-  const std::size_t length = wcsnlen(name_text, QIdxName::width);
-  if (length == QIdxName::width) {
-    QIdxName cut;
-    TableType::strcopy(cut.text, name_text, QIdxName::width);
-    return Idx(cut.text);
-  }
-  const auto place = ids_by_name_.find(std::wstring_view(name_text, length));
-  return place == ids_by_name_.end() ? -1 : place->second;
+  const auto row = ids_by_name_.find(name_text);
+  if (row != ids_by_name_.end()) return row->second[0];
+  if (wcsnlen(name_text, QIdxName::width) < QIdxName::width) return -1;
+  QIdxName cut;
+  TableType::strcopy(cut.text, name_text, QIdxName::width);
+  return Idx(cut.text);
 }
 
 const wchar_t* CDynNameIdTable::Name(int id) const {
@@ -30,8 +24,14 @@ const wchar_t* CDynNameIdTable::Name(int id) const {
 bool CDynNameIdTable::IsValidId(int id) const { return contains(id); }
 
 std::pair<CNameMap::iterator, bool> CDynNameIdTable::Insert(int id, const QIdxName& name_text) {
+  const std::wstring_view text = TableType::TextIn(name_text.text);
+  if (text.size() == QIdxName::width) {
+    QIdxName cut;
+    TableType::strcopy(cut.text, text, QIdxName::width);
+    return Insert(id, cut);
+  }
   const auto result = insert({id, name_text});
-  if (result.second) ids_by_name_.try_emplace(name_text.text, id);
+  if (result.second) ids_by_name_.try_emplace(name_text, id);
   return result;
 }
 
@@ -45,7 +45,7 @@ bool CDynNameIdTable::ReadTable(CLake& lake) {
 
 bool CDynNameIdTable::Index(bool was_read) {
   if (!was_read) return false;
-  for (const auto& [id, name_text] : *this) ids_by_name_.try_emplace(name_text.text, id[0]);
+  for (const auto& [id, name_text] : *this) ids_by_name_.try_emplace(name_text, id);
   return true;
 }
 

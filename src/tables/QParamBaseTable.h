@@ -13,27 +13,55 @@
 // the line before (RowText.h). A line with a bad field is logged and its row stored as far as it
 // was read. Of two rows with the same key the first stays, in tables with unique keys.
 //
-// The bodies of the templates stand in QParamBaseTableImpl.h and are instantiated once, where the
-// tables are made. Tables take no lock: reading, purging and clearing must not run beside queries.
+// Hosts may make tables of their own over rows of their own: a row record needs a default
+// constructor and a tuple() of references to its fields, for reading and constant (RowRecords.h).
+// Tables take no lock: reading, purging and clearing must not run beside queries.
 #pragma once
 
-#include <cstddef>
-#include <functional>
-#include <map>
+#include <cwchar>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 #include "interfaces/Export.h"
+#include "interfaces/sea/PrWin.h"
+#include "interfaces/sea/ResourceSea.h"
 #include "keys/IndexRecords.h"
+#include "lake/Lake.h"
 #include "tables/MapContainers.h"
 #include "tables/QTableManager.h"
-#include "tables/SecretHash.h"
+#include "tables/RowCollector.h"
+#include "tables/RowText.h"
 
-namespace kestrin::tables {
-class LineSource;
+namespace kestrin {
+
+// Logs the table's name, its rows and its name again. A limit other than 0 ends the rows after the
+// first whose number is above it, with a line that says so.
+template <class Table>
+void DumpRows(const Table& table, int limit) {
+  const auto log = [](const std::wstring& text) {
+    PrWin::Output(text.c_str(), PrWin::category_data_base, PrWin::style_info);
+  };
+  const std::wstring name_line = std::wstring(L"\t").append(table.name).append(L"\n");
+  log(L"<-" + name_line);
+  int number = 0;
+  for (const auto& [key, value] : table) {
+    constexpr std::size_t width = 4;
+    std::wstring line = std::to_wstring(++number);
+    line.insert(0, width - std::min(width, line.size()), L' ').append(L":\t");
+    RowText::AppendRecord(line, key);
+    line.append(L" | ");
+    RowText::AppendRecord(line, value);
+    log(line.append(L"\n"));
+    if (limit != 0 && number > limit) {
+      log(L"... more ...\n");
+      break;
+    }
+  }
+  log(L"->" + name_line);
 }
+
+}  // namespace kestrin
 
 class CQParamBaseTable {
  public:
@@ -56,21 +84,22 @@ class CQParamTypedTable : public CQParamBaseTable,
                           public Map,
                           public virtual CQParamBaseTableInterface {
  public:
-  explicit CQParamTypedTable(const wchar_t* section_name);
+  explicit CQParamTypedTable(const wchar_t* section_name) : CQParamBaseTable(section_name) {}
 
   // Both erase all rows.
-  void Clear() override;
-  void Purge() override;
+  void Clear() override { this->clear(); }
+  void Purge() override { this->clear(); }
 
-  // Logs the table's name, its rows and its name again. A limit other than 0 ends the rows after
-  // the first whose number is above it, with a line that says so.
-  void Dump(int limit) const override;
+  void Dump(int limit) override { kestrin::DumpRows(*this, limit); }
 };
 
 template <class Map>
 class CQParamSeaTypedTable : public CQParamTypedTable<Map>, public CQParamSeaTable {
  public:
-  explicit CQParamSeaTypedTable(const wchar_t* section_name, CResourceSea* local_sea = nullptr);
+  explicit CQParamSeaTypedTable(const wchar_t* section_name, CResourceSea* local_sea = nullptr)
+      : CQParamTypedTable<Map>(section_name) {
+    sea = local_sea;
+  }
 
   // From the list of the table's name in the sea given, or else in the local sea. False if a line
   // was bad, or if neither sea has the list: then the table is empty.
@@ -86,17 +115,93 @@ class CQParamSeaTypedTable : public CQParamTypedTable<Map>, public CQParamSeaTab
   bool WriteTable(CResourceSea* target) override;
 
   // Erases all rows and forgets the local sea, for good.
-  void Clear() override;
+  void Clear() override {
+    CQParamTypedTable<Map>::Clear();
+    sea = nullptr;
+  }
 
  private:
-  bool ReadLines(kestrin::tables::LineSource& lines);
+  enum class Logged { whole_line, rest_of_line };  // what the log shows of a bad line
+
+  // `next` gives one line after the other, and null behind the last.
+  template <class Next>
+  bool ReadLines(Logged logged, Next next);
 };
 
-namespace kestrin {
-using CNameMap = CUniqueTreeMap<QIdx1, QIdxName>;
-}  // namespace kestrin
+template <class Map>
+template <class Next>
+bool CQParamSeaTypedTable<Map>::ReadLines(Logged logged, Next next) {
+  typename Map::key_type key;
+  typename Map::mapped_type value;
+  const auto key_fields = TableType::Refs(key);
+  const auto value_fields = TableType::Refs(value);
+  kestrin::RowCollector<Map> rows(*this);
+  bool all_well = true;
+  while (const std::wstring* line = next()) {
+    std::wstring_view rest = *line;
+    if (!kestrin::RowText::Read(key_fields, rest) || !kestrin::RowText::Read(value_fields, rest)) {
+      DynTables::log_error(L"CQParamSeaTypedTable< T >::ReadTable()", this->name,
+                           logged == Logged::whole_line ? *line : std::wstring(rest));
+      all_well = false;
+    }
+    rows.Add(key, value);
+  }
+  rows.Finish();
+  return all_well;
+}
 
-class KESTRIN_API CDynNameIdTable : public CQParamSeaTypedTable<kestrin::CNameMap> {
+template <class Map>
+bool CQParamSeaTypedTable<Map>::ReadTable(const CResourceSea* source) {
+  this->clear();
+  const auto has_list = [this](const CResourceSea* candidate) {
+    return candidate != nullptr && candidate->IsListEntry(this->name);
+  };
+  if (!has_list(source)) source = sea;
+  if (!has_list(source)) return false;
+  CResourceList list(source, this->name);
+  list.GotoHead();
+  CString line;
+  return ReadLines(Logged::rest_of_line, [&]() -> const std::wstring* {
+    if (!list.IsValid()) return nullptr;
+    list.GetCurrentLine()->GetLine(line);
+    list.GotoNext();
+    return &line;
+  });
+}
+
+template <class Map>
+bool CQParamSeaTypedTable<Map>::ReadTable(CLake& lake) {
+  this->clear();
+  const auto found = lake[this->name];
+  if (!found.exists()) return this->ReadTable(static_cast<const CResourceSea*>(nullptr));
+  const CLake::CNode& section = *found;
+  if (!section.is_section()) return false;
+  if constexpr (requires(Map & map) { map.reserve(1); }) this->reserve(section.unnamed_size());
+  auto line = section.begin_unnamed();
+  return ReadLines(Logged::whole_line, [&]() -> const std::wstring* {
+    return line == section.end_unnamed() ? nullptr : &(*line++)->value();
+  });
+}
+
+template <class Map>
+bool CQParamSeaTypedTable<Map>::WriteTable(CResourceSea* target) {
+  if (target == nullptr) target = sea;
+  if (target == nullptr) return false;
+  CResourceList list(target, this->name);
+  list.RemoveAll();
+  for (const auto& [key, value] : *this) {
+    std::wstring line;
+    kestrin::RowText::AppendRecord(line, key);
+    line.push_back(L' ');
+    kestrin::RowText::AppendRecord(line, value);
+    list.AddLineTail()->SetSeaLine(line.c_str());
+  }
+  return true;
+}
+
+using CNameMap = CUniqueTreeMap<QIdx1, QIdxName>;
+
+class KESTRIN_API CDynNameIdTable : public CQParamSeaTypedTable<CNameMap> {
  public:
   explicit CDynNameIdTable(const wchar_t* section_name);
 
@@ -110,15 +215,26 @@ class KESTRIN_API CDynNameIdTable : public CQParamSeaTypedTable<kestrin::CNameMa
 
   bool IsValidId(int id) const;
 
-  // Adds a row, and its name to the index if the row was new.
-  std::pair<kestrin::CNameMap::iterator, bool> Insert(int id, const QIdxName& name_text);
+  // Adds a row, and its name to the index if the row was new. A name without its closing zero is
+  // cut, and the cut logged.
+  std::pair<CNameMap::iterator, bool> Insert(int id, const QIdxName& name_text);
 
   bool ReadTable(const CResourceSea* source) override;
   bool ReadTable(CLake& lake) override;
   void Purge() override;
 
  private:
+  // A name is looked up as the text that it is, without a copy.
+  struct NameLess {
+    using is_transparent = void;
+    static const wchar_t* Text(const wchar_t* text) { return text; }
+    static const wchar_t* Text(const QIdxName& name) { return name.text; }
+    bool operator()(const auto& a, const auto& b) const {
+      return std::wcscmp(Text(a), Text(b)) < 0;
+    }
+  };
+
   bool Index(bool was_read);
 
-  std::unordered_map<std::wstring, int, SecretHash, std::equal_to<>> ids_by_name_;
+  CUniqueTreeMap<QIdxName, QIdx1, NameLess> ids_by_name_;
 };

@@ -19,7 +19,7 @@ class CQParamBaseTableInterface {
   virtual ~CQParamBaseTableInterface() = default;
   virtual void Clear() = 0;
   virtual void Purge() = 0;
-  virtual void Dump(int limit) const = 0;
+  virtual void Dump(int limit) = 0;
 };
 
 class CQParamSeaTable : public virtual CQParamBaseTableInterface {

@@ -16,6 +16,8 @@
 
 #include "tables/MapContainers.h"
 
+namespace kestrin {
+
 template <class Map>
 class RowCollector {
  public:
@@ -48,7 +50,6 @@ class RowCollector<CUniqueVectorMap<K, V, Less, Alloc>> {
       if (!Less()(key, rows_.back().first)) return;  // the first row of a key stays
       sorted_ = false;
     }
-    if (rows_.size() >= rows_.max_size()) throw std::length_error("vector<T> too long");
     rows_.emplace_back(key, value);
   }
 
@@ -100,3 +101,5 @@ class RowCollector<CUniqueVectorMap<K, V, Less, Alloc>> {
   Map& rows_;
   bool sorted_ = true;
 };
+
+}  // namespace kestrin

@@ -55,15 +55,10 @@ inline constexpr std::size_t max_text_rest = TableType::text_width - 2;
 Result ReadFields(std::span<const TableType::FieldRef> fields, std::wstring_view& line);
 
 // The same with a log line for a number that failed.
-bool Read(std::span<const TableType::FieldRef> fields, std::wstring_view& line);
+KESTRIN_API bool Read(std::span<const TableType::FieldRef> fields, std::wstring_view& line);
 
 // Appends the fields with one blank between each two. Texts go out without quotes.
-void Append(std::wstring& text, std::span<const TableType::FieldView> fields);
-
-template <class Record>
-bool ReadRecord(Record& record, std::wstring_view& line) {
-  return Read(TableType::Refs(record), line);
-}
+KESTRIN_API void Append(std::wstring& text, std::span<const TableType::FieldView> fields);
 
 template <class Record>
 void AppendRecord(std::wstring& text, const Record& record) {

@@ -61,7 +61,7 @@ void AddDump(CommandLine& line) {
     {
       LogCapture capture;
       if (table != nullptr) {
-        table->table(data.params.Store()).Dump(*limit);
+        table->dump(data.params.Store(), *limit);
       } else {
         data.params.DumpTables(*limit);
       }
