@@ -79,6 +79,29 @@ TEST(LakeTree, LookupsHitAndMiss) {
   EXPECT_FALSE((*constant[L"n"])[L"k"].exists());
 }
 
+TEST(LakeTree, AProxyReadsAsNumberAndAsText) {
+  CLake lake = FromBytes("n: 214 x\nm: 7\n");
+  const CLake& constant = lake;
+  EXPECT_TRUE(lake[L"n"] == 214 && constant[L"n"] > 213 && 0 == lake[L"none"]);
+  EXPECT_EQ(constant[L"n"] + 1, 215);
+  EXPECT_EQ(lake[L"n"] * lake[L"m"], 1498);
+  const long wide = lake[L"n"];
+  const unsigned positive = constant[L"n"];
+  EXPECT_EQ(wide + positive, 428);
+  std::wstring text = lake[L"n"];
+  text += std::wstring(constant[L"m"]);
+  EXPECT_EQ(text, L"214 x7");
+  text = lake[L"m"];
+  EXPECT_EQ(text, L"7") << "not the character of that number";
+
+  auto proxy = lake[L"n"];
+  proxy = lake[L"m"];
+  EXPECT_EQ(proxy, 7);
+  EXPECT_EQ(lake[L"n"], 214) << "the variable changed the lake";
+  lake[L"copy"] = lake[L"n"];
+  EXPECT_EQ(std::wstring(lake[L"copy"]), L"214 x");
+}
+
 TEST(LakeTree, MergeReadsAsOneFileBehindTheOther) {
   const struct {
     std::string_view first, second;
@@ -137,6 +160,24 @@ TEST(LakeTree, WhatIsMadeInMemoryIsReadBackTheSame) {
   EXPECT_EQ(made->named_size() + made->unnamed_size(), 0U);
   EXPECT_EQ(made.push_back(L"c"), 0U);
   EXPECT_EQ((*lake[L"made"])[L"k"].exists(), false);
+}
+
+// "t" is the section that a later line opens, until that line belongs to another section or to
+// none.
+TEST(LakeTree, LinkedAnewALineIsASectionOnlyIfABracketOpensIt) {
+  for (const wchar_t* const bracket : {L"{", L"}"}) {
+    CLake lake = FromBytes("t: x\na\nt: {\n1\n}\n");
+    ASSERT_TRUE(lake[L"t"]->is_section());
+    CLake::CNode& row = **lake.root().begin_unnamed();
+    row.value(bracket);
+    EXPECT_TRUE(lake.read(L"/there/is/none"));  // which links the lines anew
+    EXPECT_FALSE(lake[L"t"]->is_section());
+    EXPECT_EQ(lake[L"t"]->unnamed_size(), 0U);
+    row.clear_section();
+    lake[L"t"]->clear_section();
+    EXPECT_EQ(lake[L"t"].push_back(L"2"), 0U);
+    EXPECT_EQ(Shape(FromBytes(ToBytes(lake)).root()), Shape(CLake(lake).root()));
+  }
 }
 
 TEST(LakeTree, FaultsOfTheCallerChangeNothing) {

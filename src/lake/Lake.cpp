@@ -72,7 +72,8 @@ void CLake::link_root(NodeList&& more) {
   try {
     root().clear();
     root().set_collection(*nodes_);
-    root().link(std::next(nodes_->begin()));
+    auto outside = root().link(std::next(nodes_->begin()));
+    for (; outside != nodes_->end(); ++outside) outside->unlink();
   } catch (...) {
     nodes_ = std::move(nothing);
     throw;
@@ -199,6 +200,7 @@ CLake::CNode::Linker::Linker(CNode& section) : open_{&section} { section.begin_s
 bool CLake::CNode::Linker::add(NodeList::iterator line) {
   CNode& section = *open_.back();
   Extra& children = *section.extra_;
+  line->unlink();
   line->collection_ = section.collection_;
   line->depth_ = section.depth_ + 1;
 
@@ -224,20 +226,29 @@ bool CLake::CNode::Linker::add(NodeList::iterator line) {
 }
 
 void CLake::CNode::clear() {
-  collection_ = nullptr;
+  const NodeList::iterator end = extra().end;
   value_.clear();
-  depth_ = -1;
-  is_section_ = false;
+  unlink();
   if (!extra_) return;
   extra_->key.clear();
-  extra_->named.clear();
-  extra_->unnamed.clear();
+  extra_->end = end;
 }
 
 bool CLake::CNode::opens_section() const { return value_.size() == 1 && value_.front() == L'{'; }
 
-// The line as it would come from a file: its texts, and whether it opens a section itself, but no
-// place in a tree. What other lines make of it, linking finds anew.
+// Forgets the place in a tree, and what other lines have made of this one: it is as it would come
+// from a file. Linking finds the rest anew.
+void CLake::CNode::unlink() {
+  collection_ = nullptr;
+  depth_ = -1;
+  is_section_ = opens_section();
+  if (!extra_) return;
+  extra_->named.clear();
+  extra_->unnamed.clear();
+  extra_->end = {};
+}
+
+// The texts alone, as `unlink` would leave them.
 CLake::CNode CLake::CNode::pure_line() const {
   CNode line;
   line.value_ = value_;
@@ -309,11 +320,11 @@ CLake::CNodeProxy::CNodeProxy(NodeList* collection, CNode* section, NodeList::it
 
 bool CLake::CNodeProxy::exists() const { return collection_ && target_ != collection_->end(); }
 
-CLake::CNodeProxy::operator std::wstring() const {
-  return exists() ? target_->value() : std::wstring();
+CLake::CNodeProxy::operator std::wstring_view() const {
+  return exists() ? target_->value() : std::wstring_view();
 }
 
-int CLake::CNodeProxy::number() const {
+CLake::CNodeProxy::operator int() const {
   return exists() ? Number::ScanInt(target_->value()).value : 0;
 }
 

@@ -20,6 +20,7 @@
 #pragma once
 
 #include <concepts>
+#include <cstddef>
 #include <iosfwd>
 #include <list>
 #include <map>
@@ -198,6 +199,7 @@ class KESTRIN_API CLake::CNode {
 
   CNodeProxy look_up(const std::wstring& key, CNode* owner) const;
   CNode pure_line() const;
+  void unlink();
   void begin_section();
   NodeList::iterator insert(const std::wstring& key);
   void make_section(NodeList::iterator self);
@@ -222,20 +224,28 @@ KESTRIN_API std::wostream& operator<<(std::wostream& out, const CLake::CNode& no
 class KESTRIN_API CLake::CNodeProxy {
  public:
   CNodeProxy(const CNodeProxy& other) = default;
-  CNodeProxy& operator=(const CNodeProxy& other) = delete;  // whether text or proxy is left unsaid
   ~CNodeProxy() = default;
 
   bool exists() const;
 
-  // The value; empty on a miss.
-  operator std::wstring() const;  // NOLINT(google-explicit-constructor): reads like a text
+  // NOLINTBEGIN(google-explicit-constructor): a proxy reads like a text and like a number
+  // The value; empty on a miss. The view, good as long as the value isn't changed, makes a
+  // std::wstring that is assigned a proxy take it as a text and not as the number of a character.
+  operator std::wstring() const { return std::wstring(std::wstring_view(*this)); }
+  operator std::wstring_view() const;
 
   // The decimal number at the start of the value, behind white space; 0 if there is none and on a
-  // miss, the nearest bound if it is out of range. Exactly int: a proxy is no bool and no wchar_t.
-  template <std::same_as<int> Integer>
-  operator Integer() const {  // NOLINT(google-explicit-constructor): reads like a number
-    return number();
-  }
+  // miss, the nearest bound if it is out of range.
+  operator int() const;
+  template <std::same_as<wchar_t> Character>
+  operator Character() const = delete;  // for std::wstring{lake[key]}; round brackets serve
+  // NOLINTEND(google-explicit-constructor)
+
+  // A literal is no pointer to count from: join texts by std::wstring(lake[key]).
+  template <std::size_t size>
+  friend void operator+(const wchar_t (&)[size], const CNodeProxy&) = delete;
+  template <std::size_t size>
+  friend void operator+(const CNodeProxy&, const wchar_t (&)[size]) = delete;
 
   // The node found; only if it exists.
   CNode& operator*();
@@ -243,11 +253,16 @@ class KESTRIN_API CLake::CNodeProxy {
   const CNode& operator*() const;
   const CNode* operator->() const { return &**this; }
 
+  // A variable becomes the other lookup; the lake stays as it is. What a lookup itself is assigned
+  // is text: lake[a] = lake[b] sets the value of a.
+  CNodeProxy& operator=(const CNodeProxy& other) & = default;
+
   // Sets the value of the line found, or on a miss adds a line of that key at the end of the
   // section. Faults of the caller, asserted in a debug build and without effect otherwise: a
   // section found, the text "{", an empty key, and a lookup that was made on a constant
   // node, and a miss in a line that is no section.
   CNodeProxy& operator=(const std::wstring& text);
+  CNodeProxy& operator=(std::nullptr_t) = delete;  // 0 is no text
 
   // Makes the line found a section as `CNode::push_back` does, having added it on a miss; no
   // effect on a section. `push_back` then adds an unnamed line to it and returns its index. The
@@ -259,7 +274,6 @@ class KESTRIN_API CLake::CNodeProxy {
   friend class CNode;
 
   CNodeProxy(NodeList* collection, CNode* section, NodeList::iterator target, std::wstring key);
-  int number() const;
   bool insert_missing();
 
   NodeList* collection_;       // null only if the node asked belongs to no list
