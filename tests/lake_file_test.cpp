@@ -48,6 +48,7 @@ TEST(LakeFile, LinesAreTakenApart) {
       {L"k:", L"k||"},
       {L"a\rb", L"|a\rb|"},
       {L"\u00A0x", L"|\u00A0x|"},
+      {L"\u3000k\u2003:\u1680 v\u2028", L"k|v|"},
       {L"<T>: { ; x", L"<T>|{ ; x|"},
       {L" { ", L"|{|"},
   };

@@ -142,19 +142,28 @@ TEST(WideText, Utf8IsReadStrictlyAndDamageCostsNoNeighbour) {
       {"\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF", L"\xD7FF\xE000\xFFFF"},
       {"\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", L"\xD800\xDC00\xDBFF\xDFFF"},
       {std::string("a\0b", 3), std::wstring(L"a\0b", 3)},
-      {"\xC0\xAF.", L"\xFFFD\xFFFD."},                      // overlong
-      {"\xED\xA0\x80.", L"\xFFFD\xFFFD\xFFFD."},            // a surrogate
-      {"\xF4\x90\x80\x80.", L"\xFFFD\xFFFD\xFFFD\xFFFD."},  // beyond U+10FFFF
-      {"\xE2\x82.\xF0\x9F\x98", L"\xFFFD.\xFFFD"},          // cut off
-      {"\xFF\x80z", L"\xFFFD\xFFFDz"}};
+      {"\xC0\xAF.", L"\xFFFD."},          // overlong
+      {"\xED\xA0\x80.", L"\xFFFD."},      // a surrogate
+      {"\xF4\x90\x80\x80.", L"\xFFFD."},  // beyond U+10FFFF
+      {"\x80\xBFz", L"\xFFFD\xFFFDz"},
+      {"\xE2\x82.\xF0\x9F\x98", L"\xFFFD.\xFFFD"}};  // cut off
   for (const auto& [bytes, text] : cases) {
     EXPECT_EQ(Text::FromUtf8(bytes), text);
     const bool damaged = text.find(L'\xFFFD') != std::wstring::npos;
     EXPECT_EQ(Text::ToUtf8(text) == bytes, !damaged) << bytes;
   }
   EXPECT_EQ(Text::ToUtf8(L"\xDC00\xD800."), "\xEF\xBF\xBD\xEF\xBF\xBD.");
-  EXPECT_EQ(Text::Trim(L" \v\ta b\r\n"), L"a b");
+  EXPECT_EQ(Text::Trim(L" \v\ta b\r\n\u3000"), L"a b");
   EXPECT_EQ(Text::Trim(L" \t "), L"");
+}
+
+TEST(WideText, WhiteSpaceIsThatOfAUtf8System) {
+  const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  if (!locale) GTEST_SKIP() << "there is no such locale";
+  for (wchar_t c = 0; c <= 0xFFFF; ++c) {
+    EXPECT_EQ(Text::IsSpace(c), iswspace_l(static_cast<wint_t>(c), locale) != 0) << int(c);
+  }
+  freelocale(locale);
 }
 
 TEST(WideText, CodePagesGiveTheirCharacters) {

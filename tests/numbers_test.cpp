@@ -37,6 +37,7 @@ using Cases = std::vector<std::pair<std::wstring, Result<T>>>;
 TEST(Numbers, IntegersStopWhereTheNumberEndsAndKeepTo32Or64Bits) {
   for (const auto& [text, wanted] : Cases<int>{
            {L" \t\n\v\f\r-7 8", {-7, 8, kOk}},
+           {L"\u3000\u20057", {7, 3, kOk}},
            {L"2147483647", {INT_MAX, 10, kOk}},
            {L"2147483648 5", {INT_MAX, 10, kRange}},
            {L"-2147483648", {INT_MIN, 11, kOk}},
@@ -182,8 +183,9 @@ TEST(Numbers, AreWrittenInTheDefaultFormOfAStream) {
   }
   std::wstring text;
   Number::Append(text, LLONG_MIN);
-  Number::Append(text, 0LL);
-  EXPECT_EQ(text, L"-92233720368547758080");
+  Number::Append(text, 0);
+  Number::Append(text, UINT_MAX);
+  EXPECT_EQ(text, L"-922337203685477580804294967295");
 }
 
 TEST(Numbers, ADoubleBecomesTheNearestFloatAtTheUpperEndToo) {

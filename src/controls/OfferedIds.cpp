@@ -16,7 +16,7 @@ using OfferedIds::Reading;
 
 CString WithId(CString text, int id) {
   text += L"  [";
-  Number::Append(text, static_cast<long long>(id));
+  Number::Append(text, id);
   text += L']';
   return text;
 }
@@ -99,7 +99,7 @@ CString OfferedIds::UnknownText(Clavis::qOrder element, int id) {
   CString text = L"(";
   text += Clavis::ElementName(element, 1);
   text += L' ';
-  Number::Append(text, static_cast<long long>(id));
+  Number::Append(text, id);
   text += L')';
   return text;
 }

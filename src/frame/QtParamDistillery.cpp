@@ -34,7 +34,7 @@ Refusal UnknownParameter(const CQtParamStore& store) {
   std::wstring text = L"The relative limit of the key ";
   RowText::AppendRecord(text, limit->first);
   text += L" has the parameter ";
-  Number::Append(text, static_cast<long long>(limit->first[Clavis::Parameter]));
+  Number::Append(text, limit->first[Clavis::Parameter]);
   text += L", which is not in <TInstrumentParam>.";
   return {Refusal::unknown_parameter, text};
 }

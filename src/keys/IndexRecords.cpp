@@ -11,7 +11,7 @@ std::wostream& operator<<(std::wostream& out, const QClavis& key) {
   std::wstring text;
   for (const int id : key.id) {
     if (!text.empty()) text += L' ';
-    Number::Append(text, static_cast<long long>(id));
+    Number::Append(text, id);
   }
   return out << text;
 }

@@ -8,6 +8,10 @@
 #include <cstdint>
 #include <cstring>
 
+#include "interfaces/text/Utf.h"
+
+using namespace kestrin;
+
 namespace lake_encoding {
 namespace {
 
@@ -25,11 +29,6 @@ Memory Recall(const std::mbstate_t& state) {
 }
 
 void Store(std::mbstate_t& state, Memory memory) { std::memcpy(&state, &memory, sizeof memory); }
-
-constexpr char32_t kHighest = 0x10FFFF;
-
-bool IsHigh(char32_t c) { return c >= 0xD800 && c <= 0xDBFF; }
-bool IsLow(char32_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
 
 constexpr std::ptrdiff_t kRun = 16;
 
@@ -57,42 +56,6 @@ void NarrowAscii(const wchar_t*& from, const wchar_t* from_end, char*& to, const
   }
 }
 
-enum class Sequence { whole, cut, invalid };
-
-// One UTF-8 sequence from an input that is not empty: its length and code point.
-Sequence Decode(const char* from, const char* from_end, std::ptrdiff_t& length, char32_t& code) {
-  const char32_t lead = static_cast<unsigned char>(*from);
-  if (lead < 0x80) {
-    length = 1;
-    code = lead;
-    return Sequence::whole;
-  }
-  if (lead < 0xC0) return Sequence::invalid;
-  length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF8 ? 4 : lead < 0xFC ? 5 : 6;
-  code = lead & (length == 6 ? 0x03U : (0x7FU >> length));
-  const std::ptrdiff_t here = std::min(length, from_end - from);
-  for (std::ptrdiff_t i = 1; i < here; ++i) {
-    const char32_t next = static_cast<unsigned char>(from[i]);
-    if ((next & 0xC0) != 0x80) return Sequence::invalid;
-    code = (code << 6) | (next & 0x3F);
-  }
-  if (here < length) return Sequence::cut;
-  return code > kHighest ? Sequence::invalid : Sequence::whole;
-}
-
-std::ptrdiff_t EncodedLength(char32_t code) {
-  return code < 0x80 ? 1 : code < 0x800 ? 2 : code < 0x10000 ? 3 : 4;
-}
-
-void Encode(char32_t code, char*& to) {
-  const std::ptrdiff_t length = EncodedLength(code);
-  const char32_t lead = length == 1 ? 0 : (0xF00U >> length) & 0xFF;
-  *to++ = static_cast<char>(lead | (code >> (6 * (length - 1))));
-  for (auto shift = 6 * (length - 2); shift >= 0; shift -= 6) {
-    *to++ = static_cast<char>(0x80 | ((code >> shift) & 0x3F));
-  }
-}
-
 }  // namespace
 
 // The last byte of a sequence that gives two units is taken only together with the second one: a
@@ -115,20 +78,18 @@ utf8toucs2::result utf8toucs2::do_in(state_type& state, const char* from, const 
       ++from;
       continue;
     }
-    std::ptrdiff_t length = 0;
-    char32_t code = 0;
-    const Sequence sequence = Decode(from, from_end, length, code);
-    if (sequence != Sequence::whole) {
-      outcome = sequence == Sequence::cut ? partial : error;
+    const Utf::Sequence next = Utf::Read(from, from_end);
+    if (next.state != Utf::Sequence::whole) {
+      outcome = next.state == Utf::Sequence::cut ? partial : error;
       break;
     }
-    if (code < 0x10000) {
-      *to++ = static_cast<wchar_t>(code);
-      from += length;
+    if (next.code < 0x10000) {
+      *to++ = static_cast<wchar_t>(next.code);
+      from += next.length;
     } else {
-      *to++ = static_cast<wchar_t>(0xD800 + ((code - 0x10000) >> 10));
-      memory.pending = static_cast<std::uint16_t>(0xDC00 + ((code - 0x10000) & 0x3FF));
-      from += length - 1;
+      *to++ = static_cast<wchar_t>(Utf::HighOf(next.code));
+      memory.pending = static_cast<std::uint16_t>(Utf::LowOf(next.code));
+      from += next.length - 1;
     }
   }
   Store(state, memory);
@@ -146,24 +107,22 @@ utf8toucs2::result utf8toucs2::do_out(state_type& state, const wchar_t* from,
     if (memory.begun != 0 && memory.pending == 0) NarrowAscii(from, from_end, to, to_end);
     if (from == from_end) break;
     auto code = static_cast<char32_t>(*from);
-    if (memory.pending != 0 ? !IsLow(code) : code > 0xFFFF) {
+    if (memory.pending != 0 ? !Utf::IsLow(code) : code > 0xFFFF) {
       outcome = error;
       break;
     }
-    if (IsHigh(code)) {
+    if (Utf::IsHigh(code)) {
       memory.pending = static_cast<std::uint16_t>(code);
       ++from;
       continue;
     }
-    if (memory.pending != 0) {
-      code = 0x10000 + ((memory.pending - 0xD800U) << 10) + (code - 0xDC00);
-    }
-    if (to_end - to < EncodedLength(code) + (memory.begun != 0 ? 0 : 3)) {
+    if (memory.pending != 0) code = Utf::Joined(memory.pending, code);
+    if (to_end - to < Utf::LengthOf(code) + (memory.begun != 0 ? 0 : 3)) {
       outcome = partial;
       break;
     }
-    if (memory.begun == 0) Encode(0xFEFF, to);
-    Encode(code, to);
+    if (memory.begun == 0) Utf::Write(0xFEFF, to);
+    Utf::Write(code, to);
     memory = {.pending = 0, .begun = 1};
     ++from;
   }

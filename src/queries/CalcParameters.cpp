@@ -51,7 +51,7 @@ unsigned ListTexts(StringId::Range ids, std::list<CString>& texts) {
       continue;
     }
     CString place(L"(");
-    Number::Append(place, static_cast<long long>(id - ids.first));
+    Number::Append(place, id - ids.first);
     texts.push_back(place + L")");
   }
   return static_cast<unsigned>(texts.size());
@@ -82,7 +82,7 @@ float QVIpCalcParameter::ValueFloat() const {
 CString QVIpCalcParameter::GetCalcParamEnumText(int number) {
   if (auto found = FindText(StringId::calc_params.first, number)) return *std::move(found);
   CString general = LoadModuleString(StringId::calc_param) + L" #";
-  Number::Append(general, static_cast<long long>(number));
+  Number::Append(general, number);
   return general;
 }
 

@@ -40,7 +40,7 @@ std::wstring ClavisText(const CQtParamInstance& params, const int* ids, ShowId s
     text += name;
     if (!ShowsId(show, name)) continue;
     text += name.empty() ? L"[" : L" [";
-    Number::Append(text, static_cast<long long>(ids[i]));
+    Number::Append(text, ids[i]);
     text += L']';
   }
   return text;

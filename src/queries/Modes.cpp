@@ -146,7 +146,7 @@ std::wstring CQtModeInfo::VirtModeName(int id) const {
   if (rows.empty()) {
     name = store->Table<L"<TMode>">().Name(CQtParamInstance::VirtMode2BaseMode(id));
     name += L'#';
-    Number::Append(name, static_cast<long long>(CQtParamInstance::VirtModeExtension(id)));
+    Number::Append(name, CQtParamInstance::VirtModeExtension(id));
     return name;
   }
   name = store->Table<L"<TPhysMode>">().Name(phys_mode);

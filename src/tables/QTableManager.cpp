@@ -15,14 +15,10 @@ constexpr std::size_t expected_tables = 100;
 constexpr int supported_major = CQTableManager::supported_major;
 constexpr int least_minor = CQTableManager::least_minor;
 
-void Append(std::wstring& text, int number) {
-  Number::Append(text, static_cast<long long>(number));
-}
-
 void AppendVersion(std::wstring& text, int major, int minor) {
-  Append(text, major);
+  Number::Append(text, major);
   text.push_back(L'.');
-  Append(text, minor);
+  Number::Append(text, minor);
 }
 
 void LogRefusal(int major, int minor) {
@@ -38,7 +34,7 @@ void LogRefusal(int major, int minor) {
         L"\tIf the load still fails, please contact Tavrel.\n");
   } else {
     text.append(L" is greater than highest supported major version ");
-    Append(text, supported_major);
+    Number::Append(text, supported_major);
     text.append(L"\tPlease contact Tavrel for a software update.\n");
   }
   PrWin::Output(text.c_str(), PrWin::category_data_base, PrWin::style_refusal);
@@ -59,9 +55,9 @@ kestrin::Refusal CQTableManager::WhyRefused(const CLake& lake) {
   std::wstring text = L"Version ";
   AppendVersion(text, major, minor);
   text.append(L" is refused: ").append(major_key).append(L" must be ");
-  Append(text, supported_major);
+  Number::Append(text, supported_major);
   text.append(L", and ").append(minor_key).append(L" at least ");
-  Append(text, least_minor);
+  Number::Append(text, least_minor);
   if (!major.exists() || !minor.exists()) {
     return {Refusal::no_version, text.append(L"; a line is missing.")};
   }

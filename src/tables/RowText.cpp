@@ -148,10 +148,9 @@ void AppendField(std::wstring& text, const FieldView& field) {
   switch (field.kind) {
     case FieldKind::integer:
     case FieldKind::long_int:
-      return Number::Append(text, static_cast<long long>(*static_cast<const int*>(field.place)));
+      return Number::Append(text, *static_cast<const int*>(field.place));
     case FieldKind::unsigned_int:
-      return Number::Append(text,
-                            static_cast<long long>(*static_cast<const unsigned*>(field.place)));
+      return Number::Append(text, *static_cast<const unsigned*>(field.place));
     case FieldKind::long_long:
       return Number::Append(text, *static_cast<const long long*>(field.place));
     case FieldKind::real:

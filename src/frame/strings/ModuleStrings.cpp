@@ -42,10 +42,7 @@ std::string_view LanguagePart(std::string_view tag) {
 
 // Tags are ASCII; the two separators, of tags and of locale names, count as one.
 bool SameTag(std::string_view a, std::string_view b) {
-  const auto fold = [](char c) {
-    if (c == '_') return '-';
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  };
+  const auto fold = [](char c) { return c == '_' ? '-' : Text::Lower(c); };
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                     [fold](char x, char y) { return fold(x) == fold(y); });
 }

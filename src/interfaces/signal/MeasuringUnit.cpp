@@ -195,7 +195,7 @@ std::wstring WriteScaled(const Scaled& scaled, bool ascii) {
     if (ReadScaled(short_form) == scaled) return short_form;
   }
   std::wstring long_form(ten_to_the);
-  Number::Append(long_form, static_cast<long long>(scaled.prefix));
+  Number::Append(long_form, scaled.prefix);
   if (!text.empty()) long_form += L' ';
   return long_form + text;
 }
@@ -206,7 +206,7 @@ void AppendPower(std::wstring& text, short power, bool ascii) {
     text += power == 2 ? L'\u00B2' : L'\u00B3';
   } else {
     text += L'^';
-    Number::Append(text, static_cast<long long>(power));
+    Number::Append(text, power);
   }
 }
 

@@ -31,7 +31,7 @@ unsigned DigitOf(wchar_t c) { return static_cast<unsigned>(c) - L'0'; }
 
 bool IsDigit(wchar_t c) { return DigitOf(c) <= 9; }
 
-wchar_t Lower(wchar_t c) { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c + 32) : c; }
+using Text::Lower;
 
 bool IsHexDigit(wchar_t c) { return IsDigit(c) || (Lower(c) >= L'a' && Lower(c) <= L'f'); }
 
@@ -137,27 +137,6 @@ std::size_t NanEnd(std::wstring_view text, std::size_t pos) {
 
 // ---- floating point: the value ----
 
-// The ASCII characters of a number, on the stack unless there are very many.
-class NarrowText {
- public:
-  explicit NarrowText(std::wstring_view text) : size_(text.size()) {
-    char* to = near_.data();
-    if (size_ > near_.size()) {
-      far_.resize(size_);
-      to = far_.data();
-    }
-    std::transform(text.begin(), text.end(), to, [](wchar_t c) { return static_cast<char>(c); });
-  }
-  std::string_view View() const {
-    return {size_ > near_.size() ? far_.data() : near_.data(), size_};
-  }
-
- private:
-  std::size_t size_;
-  std::array<char, 128> near_{};
-  std::string far_;
-};
-
 // Whether a number that no double can hold is too large, rather than too small. Such a number is
 // hundreds of digits away from 1, so the sign of its exponent, counted from the leading digit, says
 // it.
@@ -182,8 +161,9 @@ struct Extent {
 
 Scanned<double> Convert(std::wstring_view text, const Extent& extent, bool negative,
                         std::chars_format form) {
-  const NarrowText narrow(text.substr(extent.begin, extent.end - extent.begin));
-  const std::string_view digits = narrow.View();
+  text = text.substr(extent.begin, extent.end - extent.begin);
+  const std::string narrow(text.begin(), text.end());
+  const std::string_view digits = narrow;
   Scanned<double> scanned{0.0, extent.end, State::ok};
   const auto [end, error] =
       std::from_chars(digits.data(), digits.data() + digits.size(), scanned.value, form);
@@ -287,16 +267,10 @@ float ToFloat(double value) {
 }
 
 void Append(std::wstring& text, float value) {
-  std::array<char, 32> buffer;
-  const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+  std::array<char, 32> digits;
+  const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value,
                                           std::chars_format::general, 6);
-  text.append(buffer.data(), end);
-}
-
-void Append(std::wstring& text, long long value) {
-  std::array<char, 24> buffer;
-  const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
-  text.append(buffer.data(), end);
+  text.append(digits.data(), end);
 }
 
 }  // namespace kestrin::Number

@@ -6,6 +6,9 @@
 // ordinary length, and may be called from any thread.
 #pragma once
 
+#include <array>
+#include <charconv>
+#include <concepts>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -38,6 +41,12 @@ float ToFloat(double value);
 
 // The default form of a stream: 6 significant digits, an exponent where that form takes one.
 void Append(std::wstring& text, float value);
-void Append(std::wstring& text, long long value);
+
+template <std::integral Integer>
+void Append(std::wstring& text, Integer value) {
+  std::array<char, 24> digits;
+  const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+  text.append(digits.data(), end);
+}
 
 }  // namespace kestrin::Number

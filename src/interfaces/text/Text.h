@@ -16,7 +16,8 @@ using CString = std::wstring;
 
 namespace kestrin::Text {
 
-// UTF-8 to UTF-16 code units. Each byte sequence that is not UTF-8 gives one U+FFFD.
+// UTF-8 to UTF-16 code units. What is not UTF-8 gives U+FFFD: one for each lead byte with the
+// continuation bytes behind it, one for each byte that stands alone.
 KESTRIN_API std::wstring FromUtf8(std::string_view text);
 
 // UTF-16 code units to UTF-8. A surrogate without its partner, and an element above 0xFFFF, give
@@ -30,14 +31,26 @@ KESTRIN_API char32_t TakeCharacter(std::wstring_view& text);
 KESTRIN_API void AppendCharacter(std::wstring& text, char32_t character);
 
 // White space, one fixed set for everything that is read: tab, line feed, vertical tab, form feed,
-// carriage return, blank.
-constexpr bool IsSpace(wchar_t c) { return c == L' ' || (c >= L'\t' && c <= L'\r'); }
+// carriage return, blank, and the spaces and separators of Unicode but for the no-break spaces.
+// They are what a UTF-8 system holds for white, and the same under every locale.
+constexpr bool IsSpace(wchar_t c) {
+  if (c > L' ' && c < 0x1680) return false;
+  if (c <= L' ') return c == L' ' || (c >= L'\t' && c <= L'\r');
+  return c == 0x1680 || (c >= 0x2000 && c <= 0x200A && c != 0x2007) || c == 0x2028 || c == 0x2029 ||
+         c == 0x205F || c == 0x3000;
+}
 
 // The text without white space at both ends.
 constexpr std::wstring_view Trim(std::wstring_view text) {
   while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);
   while (!text.empty() && IsSpace(text.back())) text.remove_suffix(1);
   return text;
+}
+
+// A capital letter of ASCII becomes the small one, any other character stays.
+template <class Character>
+constexpr Character Lower(Character c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<Character>(c + ('a' - 'A')) : c;
 }
 
 }  // namespace kestrin::Text

@@ -3,18 +3,17 @@
 
 #include <algorithm>
 
+#include "interfaces/text/Text.h"
+
 using namespace kestrin;
 
 namespace {
 
-constexpr wchar_t Fold(wchar_t c) {
-  return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
-}
-
 // The same on every machine: the order of the code units, with the capital letters of ASCII folded.
 bool Before(std::wstring_view a, std::wstring_view b) {
-  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
-                                      [](wchar_t x, wchar_t y) { return Fold(x) < Fold(y); });
+  return std::lexicographical_compare(
+      a.begin(), a.end(), b.begin(), b.end(),
+      [](wchar_t x, wchar_t y) { return Text::Lower(x) < Text::Lower(y); });
 }
 
 }  // namespace

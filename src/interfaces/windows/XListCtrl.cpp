@@ -151,7 +151,7 @@ bool CXListCtrl::SetItemText(int row, int column, std::wstring_view text) {
 
 bool CXListCtrl::SetItemText(int row, int column, int number) {
   CString text;
-  Number::Append(text, static_cast<long long>(number));
+  Number::Append(text, number);
   return SetItemText(row, column, text);
 }
 
