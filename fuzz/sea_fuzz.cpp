@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -51,23 +50,16 @@ class Folder {
   std::string path_;
 };
 
-std::uint32_t HexDigit(wchar_t c) {
-  return static_cast<std::uint32_t>(c <= L'9' ? c - L'0' : (c | 0x20) - L'a' + 10);
-}
-
-// The text in quotes at the front; a sound one, since it has been loaded.
-CString Unquoted(std::wstring_view text) {
+// The text with its escapes; sound ones, since it has been loaded.
+CString Unescaped(std::wstring_view text) {
   CString plain;
-  for (std::size_t i = 1; i < text.size() && text[i] != L'"'; ++i) {
-    const wchar_t escape = text[i] == L'\\' ? text[++i] : L'\0';
-    if (escape == L'u') {
-      std::uint32_t unit = 0;
-      for (const wchar_t c : text.substr(i + 1, 4)) unit = 16 * unit + HexDigit(c);
-      plain += static_cast<wchar_t>(unit);
-      i += 4;
-    } else {
-      plain += escape == L'n' ? L'\n' : escape == L'r' ? L'\r' : escape == L't' ? L'\t' : text[i];
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != L'\\') {
+      plain += text[i];
+      continue;
     }
+    plain += static_cast<wchar_t>(std::stoi(CString(text.substr(i + 1, 4)), nullptr, 16));
+    i += 4;
   }
   return plain;
 }
@@ -82,8 +74,11 @@ struct Names {
     for (std::wstring_view rest = text; !rest.empty();) {
       const std::wstring_view line = Text::Trim(rest.substr(0, rest.find(L'\n')));
       rest.remove_prefix(std::min(rest.find(L'\n'), rest.size() - 1) + 1);
-      if (line.starts_with(L"list")) lists.insert(Unquoted(line.substr(line.find(L'"'))));
-      if (line.starts_with(L"bool")) bools.insert(Unquoted(line.substr(line.find(L'"'))));
+      const auto end = std::find_if(line.begin(), line.end(), Text::IsSpace);
+      const std::wstring_view word = line.substr(0, static_cast<std::size_t>(end - line.begin()));
+      const std::wstring_view name = Text::Trim(line.substr(word.size()));
+      if (word == L"list") lists.insert(Unescaped(name));
+      if (word == L"true" || word == L"false") bools.insert(Unescaped(name));
     }
   }
 };

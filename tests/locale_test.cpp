@@ -73,7 +73,7 @@ TEST_F(GermanHost, TheSeaFileHasTheSameBytes) {
   CResourceSea sea;
   CResourceList(&sea, L"<T\u00FC>").AddLineTail()->SetSeaLine(L"1234567 1.5 \u00A0\u00FC");
   ASSERT_TRUE(sea.Save(file.name()));
-  EXPECT_EQ(file.bytes(), "sea 1\nlist \"<T\u00FC>\"\n  \"1234567 1.5 \u00A0\u00FC\"\nend\n");
+  EXPECT_EQ(file.bytes(), "sea 2\nlist <T\u00FC>\n- 1234567 1.5 \u00A0\u00FC\nend\n");
   EXPECT_TRUE(sea.Load(file.name()));
   CString line;
   CResourceList(&sea, L"<T\u00FC>").GetCurrentLine()->GetLine(line);

@@ -30,7 +30,7 @@ constexpr const char* small_text =
     "<TSensorGroupList>: {\n1 2\n1 1\n}\n<QType><FBaseName>: name\n";
 
 constexpr const char* small_sea =
-    "sea 1\nlist \"a list\"\n  \"a line that is longer than a short text\"\nend\n";
+    "sea 2\nlist a list\n- a line that is longer than a short text\nend\n";
 
 // Each line of a lake, and the number of rows of each table.
 std::wstring Content(const CLake& lake, const CQtParamStore& store) {

@@ -16,9 +16,7 @@
 #include <cassert>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <cwchar>
-#include <filesystem>
 #include <istream>
 #include <memory>
 #include <optional>
@@ -26,11 +24,12 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
 
+#include "interfaces/text/File.h"
 #include "interfaces/text/Text.h"
+#include "interfaces/text/Utf.h"
 #include "lake/Lake.h"
 #include "lake/LakeReader.h"
 #include "lake/Utf8ToUcs2.h"
@@ -44,38 +43,16 @@ namespace {
 constexpr std::size_t kBlock = std::size_t{64} * 1024;
 constexpr std::array<char, 3> kMark = {'\xEF', '\xBB', '\xBF'};
 
-struct CloseFile {
-  void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
-
-// Null, with the cause in errno, if there is no such file or no right to it. A folder is no file,
-// and no file's name holds a NUL, behind which the system would not look.
-File Open(const CString& filename, const char* mode) {
-  const std::string name = Text::ToUtf8(filename);
-  std::error_code ignored;
-  const bool has_nul = name.find('\0') != std::string::npos;
-  if (has_nul || std::filesystem::is_directory(name, ignored)) {
-    errno = has_nul ? EINVAL : EISDIR;
-    return nullptr;
-  }
-  return File(std::fopen(name.c_str(), mode));
+Refusal Refused(Refusal::Reason reason, const CString& file, std::wstring_view what, int line = 0) {
+  return {reason, CString(L"The file '" + file + L"' ").append(what), line};
 }
 
-kestrin::Refusal Refused(kestrin::Refusal::Reason reason, const CString& file,
-                         std::wstring_view what) {
-  return {reason, CString(L"The file '" + file + L"' ").append(what)};
-}
-
-kestrin::Refusal Unopened(const CString& file, int error) {
-  using kestrin::Refusal;
+Refusal Unopened(const CString& file, int error) {
   if (error == ENOENT) return Refused(Refusal::missing_file, file, L"doesn't exist.");
   if (error == EISDIR) return Refused(Refusal::folder, file, L"is a folder.");
   if (error == EACCES) return Refused(Refusal::no_right, file, L"may not be read.");
-  const char* const cause = strerrordesc_np(error);  // in English whatever the host's locale
-  return Refused(
-      Refusal::unopened, file,
-      L"can't be opened: " + Text::FromUtf8(cause != nullptr ? cause : "unknown") + L".");
+  return Refused(Refusal::unopened, file,
+                 L"can't be opened: " + Text::FromUtf8(ReasonOf(error)) + L".");
 }
 
 }  // namespace
@@ -223,7 +200,6 @@ bool FillTo(const LakeReader::Source& source, std::span<char> block, std::size_t
 }  // namespace
 
 bool LakeReader::read(CLake& lake, const Source& source) {
-  using kestrin::Refusal;
   lake.last_refusal_ = {};
   const auto bytes_read = std::make_unique_for_overwrite<char[]>(kBlock);
   const std::span<char> block(bytes_read.get(), kBlock);
@@ -235,7 +211,7 @@ bool LakeReader::read(CLake& lake, const Source& source) {
     marked = have >= kMark.size() && std::equal(kMark.begin(), kMark.end(), block.begin());
     if (!marked) {
       lake.last_refusal_ =
-          Refused(Refusal::broken_mark, lake.filename_, L"begins with a broken UTF-8 mark.");
+          Refused(Refusal::broken_mark, lake.filename_, L"begins with a broken UTF-8 mark.", 1);
       return false;
     }
   }
@@ -261,13 +237,15 @@ bool LakeReader::read(CLake& lake, const Source& source) {
     if (have == kept) break;
     bytes = std::span<const char>(block.data(), have);
   }
+  const auto line = static_cast<int>(nodes->size());  // the root counts for the one that is begun
   cutter.finish();
   if (decoder.broken() || (sound && !bytes.empty())) {
-    lake.last_refusal_ = Refused(Refusal::broken_text, lake.filename_,
-                                 L"holds bytes that are not UTF-8, and was read up to them.");
+    lake.last_refusal_ = Refused(
+        Refusal::broken_text, lake.filename_,
+        L"is not UTF-8 in line " + std::to_wstring(line) + L", and was read up to there.", line);
   } else if (!sound) {
     lake.last_refusal_ = Refused(Refusal::broken_medium, lake.filename_,
-                                 L"was read in part, up to where the medium failed.");
+                                 L"was read in part, up to where the medium failed.", line);
   }
   lake.nodes_ = std::move(nodes);
   return sound;
@@ -275,7 +253,7 @@ bool LakeReader::read(CLake& lake, const Source& source) {
 
 bool CLake::read(const CString& filename) {
   if (!filename.empty()) filename_ = filename;
-  const File file = Open(filename_, "rb");
+  const FilePointer file = OpenFile(filename_, "rbe");
   if (!file) {
     last_refusal_ = Unopened(filename_, errno);
     link_root();
@@ -294,16 +272,14 @@ namespace {
 
 // Replaces what the facet would refuse: one bad character must not cost the rest of a file.
 void Repair(std::wstring& text) {
-  const auto unit = [&](std::size_t i) {
-    return i < text.size() ? static_cast<char32_t>(text[i]) : 0;
-  };
   char32_t highest = 0;
   for (const wchar_t c : text) highest = std::max(highest, static_cast<char32_t>(c));
   if (highest < 0xD800) return;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool high = (unit(i) & ~char32_t{0x3FF}) == 0xD800;
-    const bool partner = (unit(i + 1) & ~char32_t{0x3FF}) == 0xDC00;
-    if (unit(i) > 0xFFFF || (high && !partner)) text[i] = L'\xFFFD';
+    const auto unit = static_cast<char32_t>(text[i]);
+    const char32_t next = i + 1 < text.size() ? static_cast<char32_t>(text[i + 1]) : 0;
+    const bool is_alone = Utf::IsHigh(unit) && !Utf::IsLow(next);
+    if (unit > 0xFFFF || is_alone) text[i] = static_cast<wchar_t>(Utf::replacement);
   }
 }
 
@@ -340,7 +316,7 @@ class Encoder {
 
 bool CLake::write(const CString& filename) const {
   if (!filename.empty()) filename_ = filename;
-  const File file = Open(filename_, "wb");
+  const FilePointer file = OpenFile(filename_, "wbe");
   if (!file) return false;
 
   Encoder encoder(file.get());

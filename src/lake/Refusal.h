@@ -30,6 +30,7 @@ struct Refusal {
 
   Reason reason = none;
   CString sentence;  // English, with its full stop; empty without a reason
+  int line = 0;      // of a file that was opened: where it broke off, counted from 1
 
   explicit operator bool() const { return reason != none; }
 };

@@ -147,8 +147,7 @@ bool CQtParamInstance::ShowIdsInDialogs() {
 }
 
 void CQtParamInstance::ShowIdsInDialogs(bool show) {
-  constexpr int store_value = 2;
-  CSeaBase::MessagesSea()->LookupBool(store_value, show_ids_setting, show, 0);
+  CSeaBase::MessagesSea()->LookupBool(lookup::access_store, show_ids_setting, show, 0);
 }
 
 int CQtParamInstance::FillTypeNameCombo(CComboBox& combo, const wchar_t* selection) const {

@@ -1,9 +1,7 @@
 // kestrindb check FILE: every fault of a parameter file, with its line.
 
 #include <algorithm>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <memory>
 
 #include "Command.h"
@@ -13,44 +11,17 @@ using namespace kestrin;
 namespace kestrindb {
 namespace {
 
-// Where the text of a file with a mark ceases to be UTF-8, as the lake reads it (long and overlong
-// forms are let through); the size of the text if nowhere.
-std::size_t FirstBadByte(const std::string& bytes) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-  std::size_t i = 0;
-  while (i < bytes.size()) {
-    const unsigned lead = byte(i);
-    const std::size_t length = lead < 0x80   ? 1
-                               : lead < 0xC0 ? 0
-                               : lead < 0xE0 ? 2
-                               : lead < 0xF0 ? 3
-                               : lead < 0xF8 ? 4
-                               : lead < 0xFC ? 5
-                                             : 6;
-    if (length == 0 || i + length > bytes.size()) return i;
-    unsigned long code = length == 1 ? lead : lead & (0x7FU >> length);
-    for (std::size_t k = 1; k < length; ++k) {
-      if ((byte(i + k) & 0xC0U) != 0x80U) return i;
-      code = code << 6U | (byte(i + k) & 0x3FU);
-    }
-    if (code > 0x10FFFF) return i;
-    i += length;
-  }
-  return bytes.size();
-}
-
 // What only the bytes of the file show: text that is not UTF-8 ends a load early.
 void CheckBytes(const std::string& file_name, Json& findings) {
-  std::ifstream file(file_name, std::ios::binary);
-  const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-  const bool marked = bytes.starts_with("\xEF\xBB\xBF");
-  if (const std::size_t bad = FirstBadByte(bytes); marked && bad != bytes.size()) {
-    const auto place = bytes.begin() + static_cast<std::ptrdiff_t>(bad);
+  const Refusal& refusal = CParameterLake::Lake().last_refusal();
+  if (refusal.reason == Refusal::broken_text) {
     findings.push_back(
         {{"kind", "not_utf8"},
-         {"line", 1 + std::count(bytes.begin(), place, '\n')},
+         {"line", refusal.line},
          {"message", "the text is not UTF-8 in this line; nothing from there on is read"}});
   }
+  const std::string bytes = ReadFile(Wide(file_name));
+  const bool marked = bytes.starts_with("\xEF\xBB\xBF");
   const bool beyond_ascii =
       std::any_of(bytes.begin(), bytes.end(), [](char byte) { return byte < 0; });
   if (!marked && beyond_ascii) {

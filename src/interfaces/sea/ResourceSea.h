@@ -6,24 +6,20 @@
 //
 // The file is UTF-8 and made to be read, compared and mended by a person:
 //
-//     sea 1                          the first line: what this is, and the version of the format
-//     list "<TAutoModeParam>"        a list; its lines follow, one in a pair of quotes each
-//       "12 0 5 -1 1.5"
-//       "13 0 5 -1 say \"when\""
-//     list "<TEmpty>"                a list without lines is a list
-//     bool "ShowIdsInDialogs" true   a boolean, true or false
-//     end                            the last line: a file without it was cut off
+//     sea 2                       the first line: what this is, and the version of the format
+//     list <TAutoModeParam>       a list; its lines follow, each behind a hyphen
+//     - 12 0 5 -1 1.5
+//     - 13 0 5 -1 say "when"
+//     list <TEmpty>               a list without lines is a list
+//     true ShowIdsInDialogs       a boolean, true or false
+//     end                         the last line: a file without it was cut off
 //
 // Blank lines and lines that start with a semicolon are skipped, white space at both ends of a line
-// has no meaning, lines may end with CR LF, a UTF-8 mark may stand in front. Between quotes
-// every character stands for itself but for these:
-//
-//     \" \\ \n \r \t                 a quote, a backslash, line feed, carriage return, tab
-//     \uXXXX                         the UTF-16 code unit with these four hexadecimal digits
-//
-// Control characters and surrogates without a partner are written as \uXXXX. So every text comes
-// back as it was, with one exception: an element above 0xFFFF is no text of this system and is
-// saved as U+FFFD.
+// and behind its first word has no meaning, lines may end with CR LF, a UTF-8 mark may stand in
+// front. A character can be written as \XXXX, the four hexadecimal digits of its UTF-16 code unit;
+// so are backslashes, control characters, white space at the ends of a text, and surrogates without
+// a partner. Every text comes back as it was, with one exception: an element above 0xFFFF is no
+// text of this system and is saved as U+FFFD.
 //
 // Threads: a sea is a container. Constant operations may run side by side, any other runs alone.
 // The operations of CSeaBase may be called from any thread.
@@ -35,6 +31,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "interfaces/Export.h"
 #include "interfaces/text/Text.h"
@@ -43,16 +40,11 @@ namespace lookup {
 
 // How a typed lookup ended.
 enum class result {
-  found,       // read, or stored
-  missing,     // nothing of that name; the caller's value is as it was
-  bad_access,  // no such access code; nothing was done
+  found,    // read, or stored
+  missing,  // nothing of that name; the caller's value is as it was
 };
 
-// What a typed lookup is to do.
-enum access : int {
-  access_read = 1,
-  access_store = 2,
-};
+inline constexpr int access_store = 2;
 
 }  // namespace lookup
 
@@ -60,10 +52,11 @@ enum access : int {
 // loaded or dies. A null text is an empty one.
 class KESTRIN_API CResourceEntry {
  public:
-  void GetLine(CString& text) const;
+  void GetLine(CString& text) const { text = text_; }
   void SetSeaLine(const wchar_t* text);
 
  private:
+  friend class CResourceSea;
   std::wstring text_;
 };
 
@@ -79,7 +72,8 @@ class KESTRIN_API CResourceSea {
   // The boolean of that name, or the default if there is none. The number has no meaning here.
   bool LookupGetBool(const wchar_t* key, unsigned int, bool default_value) const;
 
-  // Reads a boolean into value, or stores value, as lookup::access says.
+  // Stores value under the key with the access code lookup::access_store, and reads it with any
+  // other one.
   lookup::result LookupBool(int access, const wchar_t* key, bool& value, unsigned int);
 
   // Replaces the content of the sea by that of the file. False if the file can't be read whole or
@@ -87,19 +81,21 @@ class KESTRIN_API CResourceSea {
   // that are open on the sea keep the lists of before.
   bool Load(const std::wstring& file_name);
 
-  // Writes the file anew beside the old one, and puts it in its place when it is whole and on the
-  // disk. False if that failed: the old file is then as it was, and the log says why. What exists
-  // and is no regular file is not replaced; through a symbolic link the file behind it is.
+  // Replaces the file, whole or not at all, as kestrin::ReplaceFile does. False if that failed: the
+  // log says why.
   bool Save(const std::wstring& file_name) const;
 
  private:
   friend class CResourceList;
-  friend class SeaText;
+  struct Reader;
 
   using Lines = std::deque<CResourceEntry>;  // keeps its elements in place when it grows
   struct Content {
     std::map<std::wstring, std::shared_ptr<Lines>, std::less<>> lists;
     std::map<std::wstring, bool, std::less<>> bools;
+
+    // The lines of a list, which is made if it isn't there.
+    const std::shared_ptr<Lines>& List(std::wstring_view name);
   };
 
   Content content_;
