@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <iterator>
 #include <random>
 #include <set>
 #include <stdexcept>
@@ -18,11 +17,6 @@ using Ids = std::set<int>;
 using Pairs = std::set<std::pair<int, int>>;
 
 constexpr unsigned int element_numbers = 8;
-
-// Gives the protected check a caller.
-struct Completeness : CClavisSet {
-  using CClavisSet::CheckForCompleteness;
-};
 
 CQIdx8Set InAll(const Ids& ids) {
   CQIdx8Set set;
@@ -41,12 +35,10 @@ TEST(KeySets, OperationsOnTheIdsOfEachElement) {
     Ids after;
   } cases[] = {
       {{1, 2}, insert, {-1}, {1, 2}},
-      {{-1}, insert, {5}, {-1, 5}},
       {{}, insert, {-1}, {}},
       {{1, 2}, insert_widening, {-1}, {-1}},
       {{-1, 2}, insert_widening, {-1}, {-1, 2}},
       {{1, 2}, insert_widening, {3}, {1, 2, 3}},
-      {{}, insert_widening, {-1}, {-1}},
       {{-1}, intersect, {1, 2}, {1, 2}},
       {{1, 2}, intersect, {-1}, {1, 2}},
       {{1, 2}, intersect, {2, 3}, {2}},
@@ -56,10 +48,8 @@ TEST(KeySets, OperationsOnTheIdsOfEachElement) {
       {{1, 2, 3}, complete, {1, 2}, {-1}},
       {{1}, complete, {1, 2}, {1}},
       {{-1, 1}, complete, {1, 2}, {-1}},
-      {{}, complete, {}, {}},
       {{}, complete, {1}, {}},
       {{1}, complete, {}, {1}},
-      {{-1}, complete, {}, {-1}},
       {{1, 2}, complete, {-1, 1, 2}, {1, 2}},
   };
   for (const auto& c : cases) {
@@ -68,8 +58,6 @@ TEST(KeySets, OperationsOnTheIdsOfEachElement) {
       set &= InAll(c.operand);
     } else if (c.operation == complete) {
       set.completeness_check(InAll(c.operand));
-      Ids ids = c.before;
-      EXPECT_EQ(Completeness::CheckForCompleteness(ids, c.operand), c.after == Ids{-1});
     } else {
       set.insert(KeyOf(*c.operand.begin()), c.operation == insert_widening);
     }
@@ -107,14 +95,9 @@ TEST(KeySets, AllValueOutlivesRemovalOfOthers) {
   set += key;
   set.BenchSet() = {-1, 5};
   EXPECT_TRUE(set.contains(any_bench));
-  CQIdx8Set without_5 = set;
-  without_5 -= QIdx8(-1, 5, -1, -1, -1, -1, -1, -1);
-  EXPECT_EQ(without_5.BenchSet(), (Ids{-1}));
-  EXPECT_TRUE(without_5.contains(any_bench) && without_5.contains(key));
-  set -= QIdx8();
-  EXPECT_EQ(set.BenchSet(), (Ids{5}));
-  EXPECT_TRUE(set.contains(key) && !set.contains(any_bench));
-
+  set -= QIdx8(-1, 5, -1, -1, -1, -1, -1, -1);
+  EXPECT_EQ(set.BenchSet(), (Ids{-1}));
+  EXPECT_TRUE(set.contains(any_bench) && set.contains(key));
   // A pair goes with either of its halves, so that it doesn't come back with the next insertion.
   set.insertInstrPar(1, 2, false).insertInstrPar(3, 4, false);
   set -= QIdx8(0, 0, 0, 1, 0, 0, 9, 0);
@@ -125,21 +108,16 @@ TEST(KeySets, TypeAndBenchStandBesideTheKey) {
   CQIdx8Set set;
   const CClavis key(QClavis(1, 2, 3, 4, 5, 6).id);
   set += key;
-  EXPECT_TRUE(set.TypeSet().empty() && set.BenchSet().empty() && !set.valid());
+  EXPECT_FALSE(set.valid());
   EXPECT_TRUE(set.contains(key) && !set.contains(QIdx8(1, 1, key)));
   set.insertTypeBench(1, -1, true);
-  EXPECT_TRUE(set.valid() && set.contains(QIdx8(1, 77, key)));
-  EXPECT_TRUE(set.contains(CQIdx8Set::Type, 1) && set.contains(CQIdx8Set::Bench, 3));
+  EXPECT_TRUE(set.valid() && set.contains(QIdx8(1, 77, key)) && set.contains(CQIdx8Set::Type, 1));
   EXPECT_FALSE(set.contains(CQIdx8Set::Type, 2) || set.contains(Clavis::Sensor, 5));
   EXPECT_THROW(set.contains(8, 1), std::out_of_range);
-
   CQIdx8Set more;
   more.TypeSet() = {-1};
   set |= more;
-  EXPECT_EQ(set.TypeSet(), (Ids{-1, 1}));
   EXPECT_TRUE(set.contains(QIdx8(9, 9, key)));
-  set.clear();
-  EXPECT_EQ(set, CQIdx8Set());
 }
 
 TEST(KeySets, PairsAreIntersectedAndCompletedByHalves) {
@@ -163,13 +141,10 @@ TEST(KeySets, PairsAreIntersectedAndCompletedByHalves) {
   EXPECT_EQ(set.InstrParamSet(), (Pairs{{-1, -1}}));
 }
 
-// Random selections over three ids for each element, with every key over them and over one id that
-// no selection names.
+// Random selections over three ids for each element, asked for random keys over them and over one
+// id that no selection names.
 class KeySetAlgebra : public testing::Test {
  protected:
-  static constexpr int rounds = 1000;
-  static constexpr int unnamed = 3;
-
   int Roll(int sides) { return static_cast<int>(random() % static_cast<unsigned int>(sides)); }
 
   // Ids of 0 to `ids` - 1; one of `open_in` is -1.
@@ -177,19 +152,6 @@ class KeySetAlgebra : public testing::Test {
     QIdx8 key;
     std::apply([&](auto&... id) { ((id = Roll(open_in) == 0 ? -1 : Roll(ids)), ...); },
                key.tuple());
-    return key;
-  }
-  QIdx8 Probe() { return Key(20, 4); }
-
-  // An id of each element set, so that only the pairs may keep the key out.
-  QIdx8 Inside(const CQIdx8Set& set) {
-    QIdx8 key;
-    unsigned int element = CQIdx8Set::Type;  // type and bench stand in front
-    const auto pick = [&] {
-      const Ids& ids = set.ElementSet(element++ % element_numbers);
-      return ids.empty() ? -1 : *std::next(ids.begin(), Roll(static_cast<int>(ids.size())));
-    };
-    std::apply([&](auto&... id) { ((id = pick()), ...); }, key.tuple());
     return key;
   }
   CQIdx8Set Selection() {
@@ -211,87 +173,29 @@ class KeySetAlgebra : public testing::Test {
   std::mt19937 random{20240229};
 };
 
-TEST_F(KeySetAlgebra, IntersectionIsExactAndUnionLosesNothing) {
+TEST_F(KeySetAlgebra, LosesNoKeyAndLetsNoneIn) {
+  constexpr int rounds = 1000;
   int inside = 0;
   for (int round = 0; round < rounds; ++round) {
     const CQIdx8Set a = Selection();
     const CQIdx8Set b = Selection();
     CQIdx8Set both = a;
     CQIdx8Set either = a;
+    CQIdx8Set complete = a;
     both &= b;
     either |= b;
-    ASSERT_TRUE(IsCoupled(a) && IsCoupled(both) && IsCoupled(either));
+    complete.completeness_check(b);
+    ASSERT_TRUE(IsCoupled(a) && IsCoupled(both) && IsCoupled(either) && IsCoupled(complete));
     for (int i = 0; i < 30; ++i) {
-      const QIdx8 key = Probe();
+      const QIdx8 key = Key(20, 4);
       ASSERT_EQ(both.contains(key), a.contains(key) && b.contains(key));
-      inside += both.contains(key) ? 1 : 0;
       ASSERT_TRUE(either.contains(key) || (!a.contains(key) && !b.contains(key)));
-      // Set by set the union is exact.
-      for (unsigned int e = 0; e < element_numbers; ++e) {
-        const int id = i % 4;
-        ASSERT_EQ(either.contains(e, id), a.contains(e, id) || b.contains(e, id));
-      }
-      ASSERT_EQ(
-          either.containsLocaChan(key.id[3], key.id[2]),
-          a.containsLocaChan(key.id[3], key.id[2]) || b.containsLocaChan(key.id[3], key.id[2]));
+      ASSERT_TRUE(complete.contains(key) || !a.contains(key));
+      ASSERT_TRUE(!complete.contains(key) || a.contains(key) || !b.contains(key));
+      inside += both.contains(key) ? 1 : 0;
     }
   }
   EXPECT_GT(inside, rounds / 10);  // or the sample shows nothing
-}
-
-TEST_F(KeySetAlgebra, InsertionAndRemovalShowInTheTest) {
-  for (int round = 0; round < rounds; ++round) {
-    const CQIdx8Set before = Selection();
-    const QIdx8 closed = Key(1 << 20);
-    const QIdx8 open = Key(2);
-    CQIdx8Set set = before;
-    set.insert(closed, round % 2 == 0);
-    ASSERT_TRUE(set.contains(closed) && set.valid() && IsCoupled(set));
-    const QIdx8 probe = Probe();
-    ASSERT_TRUE(set.contains(probe) || !before.contains(probe));
-
-    CQIdx8Set without = set;
-    without -= closed;
-    ASSERT_TRUE(IsCoupled(without));
-    bool all_open = true;
-    for (unsigned int e = 0; e < element_numbers; ++e) all_open &= set.ElementSet(e).contains(-1);
-    ASSERT_TRUE(all_open || !without.contains(closed));
-    ASSERT_TRUE(set.contains(probe) || !without.contains(probe));
-
-    set.insert(open, true);
-    QIdx8 filled = open;
-    std::apply([&](auto&... id) { ((id = id == -1 ? Roll(4) : id), ...); }, filled.tuple());
-    ASSERT_TRUE(set.contains(open) && set.contains(filled) && set.contains(closed));
-    ASSERT_TRUE(IsCoupled(set));
-  }
-}
-
-TEST_F(KeySetAlgebra, CompletenessChangesNothingInsideAll) {
-  int changed = 0;
-  int inside = 0;
-  for (int round = 0; round < rounds; ++round) {
-    CQIdx8Set all;
-    for (int i = 1 + Roll(4); i > 0; --i) all += Key(4);
-    CQIdx8Set set = Selection();
-    if (round % 2 == 0) set |= all;
-    CQIdx8Set checked = set;
-    checked.completeness_check(all);
-    changed += checked == set ? 0 : 1;
-    ASSERT_TRUE(IsCoupled(checked));
-    const bool complete = round % 2 == 0 && all.valid();
-    ASSERT_TRUE(checked.contains(KeyOf(unnamed)) || !complete);
-    CQIdx8Set again = checked;
-    again.completeness_check(all);
-    ASSERT_EQ(again, checked);
-    for (int i = 0; i < 30; ++i) {
-      const QIdx8 key = i % 2 == 0 ? Probe() : Inside(all);
-      inside += all.contains(key) ? 1 : 0;
-      ASSERT_TRUE(checked.contains(key) == set.contains(key) || !all.contains(key));
-      ASSERT_TRUE(checked.contains(key) || !set.contains(key));
-    }
-  }
-  EXPECT_GT(changed, rounds / 4);
-  EXPECT_GT(inside, rounds);
 }
 
 }  // namespace

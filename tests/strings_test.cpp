@@ -80,47 +80,60 @@ TEST(Strings, FilesHoldNoDamagedText) {
   for (const EmbeddedText& file : EmbeddedTexts()) {
     const CString wide = Text::FromUtf8(file.text);
     EXPECT_EQ(Text::ToUtf8(wide), file.text) << file.name;
-    for (const wchar_t bad : {L'\uFFFD', L'?', L'\r', L'\uFEFF', L'\u00C3', L'\u00C2'}) {
-      EXPECT_EQ(wide.find(bad), CString::npos) << file.name << ": " << static_cast<unsigned>(bad);
-    }
+    EXPECT_EQ(wide.find_first_of(L"\uFFFD?\r\uFEFFÃ\u00C2"), CString::npos) << file.name;
   }
 }
 
-TEST(Strings, TextsComeInTheLanguageOfTheUser) {
+TEST(Strings, TextsAsEngineersOfTheLanguageReadThem) {
   const std::tuple<const char*, int, const wchar_t*> cases[] = {
-      {"en", 9, L"(not assigned)"}, {"de", 132, L"Wälzprüfung"}, {"zh-CN", 13, L"所有通道"}};
+      {"en", 9, L"(not assigned)"},      {"default", 404, L"Rel.Magn."},
+      {"fr", 13, L"toutes les voies"},   {"cs", 134, L"Vyhodnocení řazení"},
+      {"hu", 13, L"minden csatorna"},    {"it", 16, L"tutti i sensori"},
+      {"ro", 142, L"Mod poligon"},       {"pt", 115, L"Desvio padrão"},
+      {"es", 252, L"Cuantil 95\u00A0%"}, {"zh-CN", 13, L"所有通道"},
+  };
   for (const auto& [tag, id, text] : cases) {
-    EXPECT_EQ(FindModuleString(id, Get(tag)), text) << tag << ' ' << id;
     SetUserLanguage(tag);
-    EXPECT_EQ(LoadModuleString(id), text);
-    EXPECT_EQ(CLibMgr(ModuleHandle::lKestrinDb).LoadStringW(static_cast<unsigned>(id)), text);
-    EXPECT_EQ(CLibMgr(ModuleHandle::none).LoadStringW(static_cast<unsigned>(id)), L"");
+    EXPECT_EQ(LoadModuleString(id), text) << tag << ' ' << id;
   }
-  for (const int missing : {0, -1, 10, 18, 143, 3002, INT_MAX, INT_MIN}) {
+  SetUserLanguage("de");
+  CString headings;
+  for (unsigned id = 11; id < 17; ++id) {
+    headings += CLibMgr(ModuleHandle::lKestrinDb).LoadStringW(id) + L", ";
+    EXPECT_EQ(CLibMgr(ModuleHandle::none).LoadStringW(id), L"");
+  }
+  EXPECT_EQ(headings,
+            L"alle Prüfschritte, alle Instrumente, alle Kanäle, alle Objekte, alle Parameter, "
+            L"alle Sensoren, ");
+  for (const int missing : {0, 10, 143, 3002, INT_MAX, INT_MIN}) {
     EXPECT_EQ(FindModuleString(missing), std::nullopt) << missing;
     EXPECT_EQ(LoadModuleString(missing), L"") << missing;
   }
 }
 
 TEST(Strings, FallFromRegionToLanguageToEnglish) {
-  const std::pair<int, std::vector<const char*>> languages[] = {
-      {1031, {"de", "de_AT.UTF-8", "DE-ch", "de@euro"}},
-      {22, {"pt_BR"}},
-      {2052, {"zh_CN.GB18030", "zh-Hant-TW"}},
-      {2048, {"default"}},
-      {9, {"en_GB", "C.UTF-8", "POSIX", "", "d", "deu", "_", "."}}};
-  for (const auto& [id, tags] : languages) {
-    for (const char* const tag : tags) EXPECT_EQ(SetUserLanguage(tag).id, id) << tag;
-  }
-  constexpr std::pair<int, int> ids[] = {{1031, 1031}, {3079, 1031}, {7, 1031},       {1046, 22},
-                                         {2048, 2048}, {2058, 3082}, {1053, 9},       {0, 9},
-                                         {-1, 9},      {INT_MAX, 9}, {INT_MIN + 7, 9}};
+  constexpr std::pair<const char*, int> tags[] = {{"de_AT.UTF-8", 1031},
+                                                  {"DE-ch", 1031},
+                                                  {"de@euro", 1031},
+                                                  {"pt_BR", 22},
+                                                  {"zh_CN.GB18030", 2052},
+                                                  {"zh-Hant-TW", 2052},
+                                                  {"es_419", 3082},
+                                                  {"default", 2048},
+                                                  {"C.UTF-8", 9},
+                                                  {"", 9},
+                                                  {"d", 9},
+                                                  {"deu", 9},
+                                                  {"_", 9},
+                                                  {".", 9}};
+  for (const auto& [tag, id] : tags) EXPECT_EQ(SetUserLanguage(tag).id, id) << tag;
+  constexpr std::pair<int, int> ids[] = {{3079, 1031}, {7, 1031},       {1046, 22}, {2048, 2048},
+                                         {2058, 3082}, {1025, 9},       {0, 9},     {-1, 9},
+                                         {INT_MAX, 9}, {INT_MIN + 7, 9}};
   for (const auto& [wish, id] : ids) {
-    EXPECT_EQ(SetUserLanguage(wish).id, id) << wish;
+    SetUserLanguage(wish);
     EXPECT_EQ(UserLanguage().id, id) << wish;
   }
-  EXPECT_EQ(FindLanguage("sv_SE"), nullptr);
-  EXPECT_EQ(FindLanguage(1053), nullptr);
 }
 
 // The environment is read once in a process, so each case has one of its own. The statement of the
@@ -130,11 +143,11 @@ using StringsDeathTest = testing::Test;
 TEST(StringsDeathTest, FirstTextFollowsTheEnvironment) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const char* const none = nullptr;
-  const std::array<const char*, 4> cases[] = {
-      {none, none, "hu_HU.UTF-8", "Szakasz"}, {none, "it_CH", "hu_HU", "Sezione"},
-      {"ro", "it_CH", "hu_HU", "Sec.*iune"},  {"", "", "cs", "Sekce"},
-      {"C", "it", "it", "Section"},           {none, none, none, "Section"},
-      {"sv_SE", "it", "it", "Section"}};
+  const std::array<const char*, 4> cases[] = {{none, none, "hu_HU.UTF-8", "Szakasz"},
+                                              {none, "it_CH", "hu_HU", "Sezione"},
+                                              {"ro", "it_CH", "hu_HU", "Sec.*iune"},
+                                              {"", "", "cs", "Sekce"},
+                                              {"sv_SE", "it", "it", "Section"}};
   for (const auto& [all, messages, lang, text] : cases) {
     const std::pair<const char*, const char*> environment[] = {
         {"LC_ALL", all}, {"LC_MESSAGES", messages}, {"LANG", lang}};
@@ -157,14 +170,16 @@ TEST(StringsDeathTest, TraceTellsWhenTheLibraryComesAndGoes) {
   unsetenv("KESTRIN_TRACE");
 }
 
-TEST(Strings, DialogsAreWholeInOneLanguage) {
-  for (const auto& [tag, title, cancel] : {std::tuple("ro", L"Schlüssel-Spezifikation", L"Abbruch"),
-                                           std::tuple("it", L"Key Specification", L"Cancel")}) {
+TEST(Strings, ADialogSpeaksOneLanguage) {
+  const std::tuple<const char*, const wchar_t*, const wchar_t*> cases[] = {
+      {"de", L"Schlüssel-Spezifikation", L"Abbruch"}, {"es", L"Key Specification", L"Cancel"}};
+  for (const auto& [tag, title, cancel] : cases) {
     SetUserLanguage(tag);
     const DialogTemplate* const dialog = LibraryResources().FindDialog(3002);
     ASSERT_NE(dialog, nullptr);
     EXPECT_EQ(dialog->title, title);
-    EXPECT_EQ(dialog->items[1].text, cancel);
+    EXPECT_TRUE(
+        std::ranges::any_of(dialog->items, [&](const auto& i) { return i.text == cancel; }));
   }
   EXPECT_EQ(LibraryResources().FindDialog(3001), nullptr);
 }
