@@ -15,12 +15,14 @@ using namespace kestrin;
 
 namespace {
 
+using namespace std::string_view_literals;
 using ShowId = CQtParamInstance::show_id_t;
 
 constexpr std::size_t nice_limit = 499;
+constexpr std::size_t usual_length = 200;  // lists show thousands of keys
 
 std::wstring_view ElementText(const CQtParamInstance& params, int element, int id) {
-  return id == -1 ? L"(Nil)" : params.ClavisElementName(element, id);
+  return id == -1 ? L"(Nil)"sv : params.ClavisElementName(element, id);
 }
 
 bool ShowsId(ShowId show, std::wstring_view name) {
@@ -32,14 +34,14 @@ bool ShowsId(ShowId show, std::wstring_view name) {
 std::wstring ClavisText(const CQtParamInstance& params, const int* ids, ShowId show,
                         CQtParamInstance::ElementMask mask) {
   std::wstring text;
-  text.reserve(128);  // few keys need more
+  text.reserve(usual_length);
   for (int i = 0; i < Clavis::element_count; ++i) {
     if (!mask[static_cast<std::size_t>(i)]) continue;
-    if (!text.empty()) text += L" / ";
+    if (!text.empty()) text += L" / "sv;
     const std::wstring_view name = ElementText(params, i, ids[i]);
     text += name;
     if (!ShowsId(show, name)) continue;
-    text += name.empty() ? L"[" : L" [";
+    text += name.empty() ? L"["sv : L" ["sv;
     Number::Append(text, ids[i]);
     text += L']';
   }
@@ -54,7 +56,9 @@ ShowId ShowIdAsInDialogs() {
 std::wstring NiceText(const CQtParamInstance& params, const int* ids, const wchar_t* separator) {
   const std::wstring between = std::wstring(L" ") + (separator ? separator : L"") + L" ";
   CString field;
-  std::wstring text(ElementText(params, Clavis::Mode, ids[Clavis::Mode]));
+  std::wstring text;
+  text.reserve(usual_length);
+  text += ElementText(params, Clavis::Mode, ids[Clavis::Mode]);
   text += between;
   text += params.FormatInstrParamText(field, ids[Clavis::Instrument], ids[Clavis::Parameter]);
   text += between;
@@ -116,7 +120,7 @@ const wchar_t* CQtParamInstance::FormatInstrParamText(CString& text, int instrum
     return row.instrument == instrument;
   });
   text = InstrumentName(instrument);
-  if (parameter_matters) text.append(L" ").append(InstrumentParamName(parameter));
+  if (parameter_matters) text.append(L" "sv).append(InstrumentParamName(parameter));
   return text.c_str();
 }
 
@@ -133,12 +137,12 @@ const wchar_t* CQtParamInstance::FormatLocaChanText(CString& text, int location,
   const wchar_t* const channel_name = ChannelName(channel);
   if (type == 0 || (type & channel_fix) != 0) {
     text = has_rivals || ObjectStandsForChannel(*this, location) ? location_name : channel_name;
-    if (has_rivals) text.append(L" (").append(channel_name).append(L")");
+    if (has_rivals) text.append(L" ("sv).append(channel_name).append(L")"sv);
   } else if ((type & channel_mix) != 0) {
     text = channel_name;
-    if (has_rivals) text.append(L" (").append(location_name).append(L")");
+    if (has_rivals) text.append(L" ("sv).append(location_name).append(L")"sv);
   } else {
-    text.assign(location_name).append(L" ").append(channel_name);
+    text.assign(location_name).append(L" "sv).append(channel_name);
   }
   return text.c_str();
 }

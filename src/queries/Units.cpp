@@ -23,6 +23,14 @@ short Prefix(int field) {
   return field == 1 || field == -1 ? short{0} : static_cast<short>(field);  // its low 16 bits
 }
 
+// Into a row with a code.
+void PutText(QVAppSignalProperty& row, const std::wstring& text) {
+  static std::mutex writing;
+  const std::lock_guard lock(writing);
+  if (text == TableType::TextIn(row.unit_text)) return;
+  TableType::strcopy(row.unit_text, text.c_str(), TableType::text_width);
+}
+
 }  // namespace
 
 CMeasuringUnit Of(const QVAppSignalProperty& row) {
@@ -38,11 +46,7 @@ CMeasuringUnit Of(const QVAppSignalProperty& row) {
 std::wstring RefreshText(QVAppSignalProperty& row) {
   if (StandsInText(row.unit_code)) return std::wstring(TableType::TextIn(row.unit_text));
   std::wstring text = Of(row).prefixunit(false);
-  static std::mutex writing;
-  const std::lock_guard lock(writing);
-  if (text != TableType::TextIn(row.unit_text)) {
-    TableType::strcopy(row.unit_text, text.c_str(), TableType::text_width);
-  }
+  PutText(row, text);
   return text;
 }
 
@@ -50,8 +54,10 @@ std::wstring RefreshText(QVAppSignalProperty& row) {
 
 CMeasuringUnit CQtParamInstance::ApplicationSignalUnit(int signal) {
   auto& signals = AppSignalProperty();
-  const auto row = signals.find(signal);
-  if (row == signals.end()) return Units::DefaultUnit();
-  Units::RefreshText(row->second);
-  return Units::Of(row->second);
+  const auto found = signals.find(signal);
+  if (found == signals.end()) return Units::DefaultUnit();
+  QVAppSignalProperty& row = found->second;
+  const CMeasuringUnit unit = Units::Of(row);
+  if (!Units::StandsInText(row.unit_code)) Units::PutText(row, unit.prefixunit(false));
+  return unit;
 }
