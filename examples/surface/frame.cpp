@@ -20,6 +20,14 @@ int main() {
   CQtParamInstance other(&own);
   assert(other.ReadTablesFromCandidateLake() && other.TriggerId(10011) == db.TriggerId(10011));
 
+  DataSource::CCandidateSeaDataSource<int> triggers(1, -1);
+  DataSource::CCandidateSeaDataSource<const wchar_t*> definitions(3);
+  const wchar_t* definition = nullptr;
+  int trigger = 0;
+  assert(!triggers.Read(trigger) && triggers.Read(trigger, triggers.begin()->first));
+  assert(definitions.Read(definition, 17001));
+  definitions.Reset();
+
   CQtParamStore store;
   const CQtParamStore& reader = store;
   assert(store.ReadTablesFromCandidateLake() && LoadModuleString(9) != L"");

@@ -2,12 +2,17 @@
 
 #include <type_traits>
 
-#include "frame/QtParamStore.h"
+#include "frame/QtParamDistillery.h"
+#include "frame/QtParamInstance.h"
 #include "interfaces/text/Number.h"
 
 using namespace kestrin;
 
 namespace DataSource {
+
+template <class T>
+CCandidateSeaDataSource<T>::CCandidateSeaDataSource(int calc_parameter, int filter)
+    : CCandidateSeaDataSource(CQtParamInstance().Store(), calc_parameter, filter) {}
 
 template <class T>
 bool CCandidateSeaDataSource<T>::Read(T& value, int id) {

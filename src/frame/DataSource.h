@@ -5,6 +5,8 @@
 
 #include <map>
 
+#include "interfaces/Export.h"
+
 class CQtParamStore;
 
 namespace DataSource {
@@ -26,13 +28,16 @@ class CDataSourceBase {
 // T is int (the number at the start of the text, 0 if there is none) or const wchar_t* (the text
 // itself, good until the table changes).
 template <class T>
-class CCandidateSeaDataSource : public CDataSourceBase<T> {
+class KESTRIN_API CCandidateSeaDataSource : public CDataSourceBase<T> {
  public:
   using Values = std::map<int, T>;  // by instrument parameter
 
   static constexpr int no_filter = -1;
 
-  // With a filter only parameters of that instrument are taken. The store must outlive the view.
+  // Of the server's data base. With a filter only parameters of that instrument are taken.
+  explicit CCandidateSeaDataSource(int calc_parameter, int filter = no_filter);
+
+  // Of another one, which must outlive the view.
   CCandidateSeaDataSource(const CQtParamStore& source_store, int calc_parameter,
                           int filter = no_filter)
       : store(&source_store), number(calc_parameter), instrument_filter(filter) {}
