@@ -3,20 +3,19 @@
 // own version asks for that, and purged.
 
 #include <algorithm>
-#include <array>
 #include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <type_traits>
 #include <vector>
 
 #include "Fuzz.h"
-#include "catalogue/IpCalcParameter.h"
-#include "catalogue/LearnRows.h"
 #include "frame/QtParamDerived.h"
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
@@ -25,9 +24,9 @@
 #include "inspect/TableCatalogue.h"
 #include "interfaces/sea/ResourceSea.h"
 #include "interfaces/signal/MeasuringUnit.h"
-#include "interfaces/windows/ComboBoxX.h"
 #include "lake/Lake.h"
 #include "lake/LakeReader.h"
+#include "queries.h"
 #include "spec/QtSpecInterval.h"
 #include "tables/QTableManager.h"
 #include "trigger/TriggerStore.h"
@@ -119,8 +118,34 @@ void AskIntervals(const CQtParamInstance& params, int mode, int id) {
             "an interval lies inside the spectrum");
     lines.push_back(range);
   }
+  std::sort(lines.begin(), lines.end(),
+            [](const auto& a, const auto& b) { return a.start_index < b.start_index; });
+  std::vector<bool> wanted(1600);
+  const auto mark = [](std::vector<bool>& marks, const auto& range, bool value) {
+    std::fill(marks.begin() + range.start_index, marks.begin() + range.stop_index + 1, value);
+  };
+  for (std::size_t i = 0; i < lines.size(); ++i) mark(wanted, lines[i], i == 0);
   const std::size_t count = CQtSpecInterval::InvertIndexIntervalCollection(lines);
   Require(count == lines.size(), "the number of pieces is that of the collection");
+  std::vector<bool> kept(wanted.size());
+  for (const auto& range : lines) mark(kept, range, true);
+  Require(kept == wanted, "what is left are the lines that no cut covers");
+}
+
+// From a channel to its parents, until there is none or one comes again.
+void AskChannel(const CQtParamInstance& params, int mode, int channel) {
+  if (!params.IsValidMode(mode) || !params.IsValidChannel(channel)) return;
+  std::set<int> met;
+  unsigned flags = 0;
+  int last = -1;
+  for (int next = channel; next != -1 && met.insert(next).second;) {
+    last = next;
+    flags |= params.ChannelResamplingType(next);
+    next = params.ParentChannel(mode, next);
+  }
+  Require(last == -1 || params.BaseChannel(mode, channel) == last, "a chain ends at its base");
+  Require(last == -1 || params.ChannelFlags(mode, channel) == static_cast<int>(flags),
+          "flags are those of the whole chain");
 }
 
 void AskTrigger(const CQtParamInstance& params, int mode, int trigger) {
@@ -143,30 +168,14 @@ void AskTrigger(const CQtParamInstance& params, int mode, int trigger) {
 }
 
 void AskPair(const CQtParamInstance& params, int mode, int id) {
-  params.ParentChannel(mode, id);
-  params.BaseChannel(mode, id);
-  params.ChannelFlags(mode, id);
-  params.PhysicalGear(mode, id);
-  params.OrderSource2Rotor(mode, id);
-  params.RotorSpeedSource(mode, id);
-  params.RotorSpeedSourceAppId(mode, id);
-  params.SpeedInfoOfRotor(mode, id);
-  params.BaseOrder(mode, id);
-  params.FrequencyRatioToGeneratingRotor(mode, id, 1);
-  params.RotorFrequencyRelativeToSpeedSourceRotor(mode, id);
   const auto [first, last] = params.OrderSourceRange(mode, id, 1);
   for (auto source = first; source != last; ++source) {
     Require(source->first[0] == params.PhysModeId(mode), "order sources are of the test step");
   }
+  AskChannel(params, mode, id);
   AskIntervals(params, mode, id);
   AskTrigger(params, mode, id);
-
-  CString text;
-  params.FormatInstrParamText(text, mode, id);
-  params.FormatLocaChanText(text, mode, id);
   const QClavis key(mode, id, id, mode, id, mode);
-  params.FormatClavisText(key, CQtParamInstance::ElementMask().set());
-  params.FormatClavisText(key, CQtParamInstance::show_id_always, 0x15);
   Require(params.FormatClavisTextNice(key, L" / ").size() < 500, "a key's text has its limit");
 }
 
@@ -174,56 +183,40 @@ void AskId(CQtParamInstance& params, int id) {
   AskText(params.ModeName(id));
   Require(params.VirtModeName(id).empty() || CQtParamInstance::IsVirtualMode(id),
           "a name is made for a virtual mode alone");
-  AskText(params.InstrumentParamName(id));
-  AskText(params.TriggerName(id));
-  AskText(params.PhysModeName(id));
   for (int element = Clavis::Mode; element <= Clavis::Sensor; ++element) {
     AskText(params.ClavisElementName(element, id));
   }
-  // Names of a table with a bad line are not found, and -1 has none.
-  const int first = params.ModeId(params.ModeName(id));
-  if (params.IsValidMode(id) && id != -1 && first != -1) {
-    Require(first <= id && std::wstring_view(params.ModeName(first)) == params.ModeName(id),
+  // By the table: a test step below 0 has a row and shows no name. Names of a table with a bad line
+  // are not found.
+  const auto& modes = params.Mode();
+  const int first = modes.Idx(modes.Name(id));
+  if (modes.IsValidId(id) && first != -1) {
+    Require(first <= id && std::wstring_view(modes.Name(first)) == modes.Name(id),
             "a name leads to the first id that has it");
   }
-  params.ChannelId(params.ChannelName(id));
   Require((params.Channel().find(id) != params.Channel().end()) == params.IsValidChannel(id),
           "an id is valid if it has a row");
-  params.TriggerId(id);
-  params.TriggerId(params.TriggerName(id));
-  params.InstrumentParamId(params.InstrumentParamName(id), id);
-  params.InstrumentParameterToInstrument(id);
-  params.LocationPropertyFlag(id);
-  params.PhysModeId(id);
-  params.ModeIsHidden(id);
-  params.ModeIsOfType(id, QVModeProps::mode_hidden);
-  params.ChannelResamplingType(id);
-  params.ApplicationSignalUnit(id).prefixunit(true);
-  params.SpecIntervalDefinition(static_cast<unsigned>(id));
-  for (std::size_t row = 0; row < 7; ++row) CQtParamInstance::VirtModeDigit(id, row);
-  CQtParamInstance::ScalarInstrumentToTrackInstrument(id);
-  CQtParamInstance::VirtModeGenerateId(id, id);
-  QVIpCalcParameter::GetCalcParamEnumText(id);
-  QVIpCalcParameter::GetCalcParamEnumSubText(id, id);
+  params.ApplicationSignalUnit(id);
 }
 
 void AskWhole(CQtParamInstance& params) {
-  const auto& auto_modes = params.AutoModeParams();
-  const std::vector<int> bands(auto_modes.size() + 1, INT_MAX);
-  params.VirtModeExtension(bands.data());
-  for (auto row = auto_modes.begin(); row != auto_modes.end(); ++row) {
-    params.VirtModeNameFragment(row, true, CQtParamInstance::VirtModePosition(row->second, 0), 7);
-  }
   for (const auto& [key, polygon] : params.IpTrackPolygon()) {
     const auto& points = params.IpPolygonValues();
     auto point = points.lower_bound({polygon.polygon_id, 0});
     for (; point != points.end() && point->first.first == polygon.polygon_id; ++point) {
     }
   }
-  CComboBox combo;
-  params.FillTypeNameCombo(combo, L"");
   params.AddVModeName(2049, L"made");
   AskText(params.ModeName(2049));
+}
+
+// Everything, with each id as the first argument and those behind it as the others.
+void AskAll(CQtParamInstance& params, std::vector<int> ids) {
+  for (std::size_t i = 0; i < ids.size(); ++i) {
+    AskId(params, ids[0]);
+    queries::AskAll(params, ids, params.Mode().Name(ids[0]));
+    std::rotate(ids.begin(), ids.begin() + 1, ids.end());
+  }
 }
 
 std::size_t RowCount(const CQtParamDistillery& store) {
@@ -248,6 +241,28 @@ void RequireOrder(const CQtParamDistillery& store) {
     Require(std::adjacent_find(table.begin(), table.end(), disordered) == table.end(),
             "rows stand in the order of their keys");
   });
+}
+
+// Each listed key has the first row that matches it, as a walk over all rows finds it.
+void RequirePolygons(const CQtParamInstance& params, const CQtParamDistillery& store) {
+  const auto& rows = store.Table<L"<TGrex10001>">();
+  std::size_t expected = 0;
+  for (const auto& [key, unused] : store.Table<L"<TIpParamAndStore>">()) {
+    const auto row = std::find_if(rows.begin(), rows.end(), [&key = key](const auto& candidate) {
+      return CClavis(key.id) & CClavis(candidate.first.id);
+    });
+    const auto found = params.IpTrackPolygon().find(key);
+    const bool has_polygon = found != params.IpTrackPolygon().end();
+    Require(has_polygon == (row != rows.end()), "a key has a polygon exactly if a row matches it");
+    if (!has_polygon) continue;
+    ++expected;
+    const auto& [track_a, track_c, polygon_id] = found->second;
+    Require(track_a == row->second.track_a && track_c == row->second.track_c,
+            "the first row that matches has the say");
+    Require(row->second.polygon_mode == 1 || polygon_id == row->second.polygon_id,
+            "a row without points names its polygon");
+  }
+  Require(params.IpTrackPolygon().size() == expected, "no other keys have polygons");
 }
 
 // Of the tables and of what is derived from them. Learn times are left out: they may be those of
@@ -283,11 +298,12 @@ void Load(Bytes bytes) {
   const bool loaded = params.ReadTablesFromCandidateLake();
   Require(params.Initialized() == loaded, "a store knows whether it was loaded");
   RequireOrder(store);
+  RequirePolygons(params, store);
   const Logged dump = Dump(store, log);
 
   const std::vector<int> ids = Ids(params, bytes);
+  AskAll(params, ids);
   for (const int id : ids) {
-    AskId(params, id);
     for (std::size_t i = bytes.size() % 8; i < ids.size(); i += 8) AskPair(params, ids[i], id);
   }
   AskWhole(params);
@@ -299,7 +315,7 @@ void Load(Bytes bytes) {
   Require(params.Initialized() == loaded, "a refusal doesn't undo the load before");
   params.PurgeTables();
   Require(RowCount(store) == 0, "a purge leaves no rows");
-  for (const int id : ids) AskId(params, id);
+  AskAll(params, ids);
 }
 
 }  // namespace fuzz

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <iterator>
 #include <limits>
@@ -15,6 +16,7 @@
 #include "inspect/ParameterCheck.h"
 #include "inspect/TableCatalogue.h"
 #include "interfaces/sea/ResourceSea.h"
+#include "queries.h"
 #include "tables/Allocators.h"
 #include "test_store.h"
 
@@ -64,15 +66,6 @@ struct Operation {
   bool loses_file = false;     // that of the lake, or its name
 };
 
-void AskAll(const CQtParamInstance& params) {
-  for (int element = Clavis::Mode; element <= Clavis::Sensor; ++element) {
-    params.ClavisElementName(element, 2049);
-  }
-  CString text;
-  params.FormatLocaChanText(text, 1, 1);
-  params.FormatClavisTextNice(QClavis(2049, 17, 1, 1, 5, 7), L" / ");
-}
-
 const Operation operations[] = {
     {"ReadLake", [](Host& host) { host.lake.read({}); }, true},
     {"ReadNoFile", [](Host& host) { host.lake.read(L"/nowhere"); }, false, true},
@@ -98,7 +91,10 @@ const Operation operations[] = {
      [](Host&) { static_cast<void>(CQtParamDistillery().ReadTablesFromCandidateLake()); }},
     {"LoadAgain", [](Host& host) { host.params.ReadTablesFromCandidateLake(); }, true},
     {"Dump", [](Host& host) { host.params.DumpTables(0); }},
-    {"Ask", [](Host& host) { AskAll(host.params); }},
+    {"Ask",
+     [](Host& host) {
+       queries::AskAll(host.params, std::array{1, 2049, 5}, L"H1;1");
+     }},
     {"NameVirtualModes",
      [](Host& host) {
        for (int id = 2049; id < 60000; id += 2048) host.params.AddVModeName(id, L"made");

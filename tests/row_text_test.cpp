@@ -122,19 +122,6 @@ TEST(RowText, ATextFieldIsLimitedByTheRestOfItsLine) {
   }
 }
 
-TEST(RowText, ANumberThatFailsIsLoggedWithWhatWasLeft) {
-  testing_support::Log log;
-  Fields fields;
-  const FieldRef refs[] = {fields.Ref(I), fields.Ref(U), fields.Ref(F)};
-  std::wstring_view rest = L"5 x 7";
-  EXPECT_FALSE(RowText::Read(refs, rest));
-  EXPECT_EQ(rest, L" x 7");
-  EXPECT_EQ(fields.real, 77);
-  EXPECT_EQ(log.lines, (Lines{{L"Error converting parameter sea to parameter tables: "
-                               L"'invalid stoul argument' for substring ' x 7'\n",
-                               8, 0}}));
-}
-
 TEST(RowText, CopiesAreCutAtTheBufferAndTheCutIsLogged) {
   testing_support::Log log;
   wchar_t buffer[5] = L"----";
