@@ -109,6 +109,11 @@ TEST(LakeFile, BytesBecomeLines) {
                                               : stops_before || is_cut ? Refusal::broken_text
                                               : !result                ? Refusal::broken_medium
                                                                        : Refusal::none);
+        if (lake.last_refusal().reason == Refusal::broken_text) {
+          const std::string before = c.bytes.substr(0, c.bytes.find("\ne\n"));
+          const auto line = 1 + std::count(before.begin(), before.end(), '\n');
+          EXPECT_EQ(lake.last_refusal().line, static_cast<int>(line));
+        }
       } catch (const std::runtime_error&) {
         EXPECT_TRUE(medium.end == Medium::End::throws && !stops_before);
         EXPECT_EQ(Lines(lake), L"|old|/");

@@ -19,7 +19,7 @@
 
 namespace {
 
-using kestrindb::Key;
+using Key = kestrindb::KeyPress;
 using kestrindb::KeyPicker;
 using kestrindb::ScreenPicture;
 

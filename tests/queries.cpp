@@ -4,7 +4,6 @@
 #include <charconv>
 #include <iterator>
 #include <list>
-#include <ranges>
 #include <sstream>
 #include <utility>
 #include <vector>
@@ -64,7 +63,7 @@ constexpr auto row_text = [](const auto& row) {
 
 template <class Iterator>
 std::string RangeText(const std::pair<Iterator, Iterator>& range) {
-  return JoinRows(std::ranges::subrange(range.first, range.second), row_text);
+  return JoinRows(std::vector<std::iter_value_t<Iterator>>(range.first, range.second), row_text);
 }
 
 // What two forms of one operation give, which mostly is the same.
@@ -125,7 +124,8 @@ std::vector<int> Ids(Name text, std::size_t count, int otherwise = -1) {
 
 QClavis Key(Name text) {
   QClavis key;
-  std::ranges::copy(Ids(text, Clavis::element_count), key.id);
+  const std::vector<int> ids = Ids(text, Clavis::element_count);
+  std::copy(ids.begin(), ids.end(), key.id);
   return key;
 }
 

@@ -3,14 +3,17 @@
 
 #include <iostream>
 #include <limits>
-#include <memory>
 
-#include "Command.h"
+#include "Commands.h"
 
 namespace kestrindb {
-namespace {
 
-Json DescribeCalcParameters(const CQtParamInstance& params, int parameter) {
+Json DescribeCalc(const CQtParamInstance& params, const Request& request) {
+  const int parameter = *request.parameter;
+  if (params.InstrumentParam().find(parameter) == params.InstrumentParam().end()) {
+    throw Failure(data_bad, "There is no parameter " + std::to_string(parameter) +
+                                "; see kestrindb names FILE parameter.");
+  }
   const int instrument = params.InstrumentParameterToInstrument(parameter);
   Json json;
   json["parameter"] = parameter;
@@ -33,36 +36,14 @@ Json DescribeCalcParameters(const CQtParamInstance& params, int parameter) {
   return json;
 }
 
-void PrintCalcParameters(const Json& json) {
-  std::cout << "parameter   " << WithName(json["parameter"], json["parameter_name"])
-            << "\ninstrument  " << WithName(json["instrument"], json["instrument_name"]) << "\n\n";
-  std::vector<std::vector<std::string>> rows;
-  for (const Json& row : json["calculation_parameters"]) {
-    rows.push_back({row["number"].dump(), row["text"].get<std::string>(),
-                    row["value"].get<std::string>(), row["value_text"].get<std::string>()});
-  }
-  PrintTable({"number", "calculation parameter", "value", "meaning"}, rows);
-}
-
-}  // namespace
-
-void AddCalc(CommandLine& line) {
-  auto file = std::make_shared<std::string>();
-  auto parameter = std::make_shared<int>(0);
-  CLI::App* command = line.Add(
-      "calc", "The calculation parameters of a parameter by their texts", [file, parameter, &line] {
-        const DataBase data(*file);
-        data.RequireAccepted();
-        if (data.params.InstrumentParam().find(*parameter) == data.params.InstrumentParam().end()) {
-          throw Failure(data_bad, "There is no parameter " + std::to_string(*parameter) +
-                                      "; see kestrindb names FILE parameter.");
-        }
-        const Json json = DescribeCalcParameters(data.params, *parameter);
-        line.json ? Print(json) : PrintCalcParameters(json);
-        return data.LoadStatus();
-      });
-  command->add_option("FILE", *file, "Parameter file")->required();
-  command->add_option("PARAMETER", *parameter, "Id of a parameter")->required();
+void PrintCalc(const Json& json) {
+  PrintFacts(12,
+             {{"parameter", Cell(json, "parameter")}, {"instrument", Cell(json, "instrument")}});
+  std::cout << '\n';
+  PrintTable(json["calculation_parameters"], {{"number", "number"},
+                                              {"calculation parameter", "text"},
+                                              {"value", "value"},
+                                              {"meaning", "value_text"}});
 }
 
 }  // namespace kestrindb

@@ -2,9 +2,8 @@
 
 #include <algorithm>
 #include <iostream>
-#include <memory>
 
-#include "Command.h"
+#include "Commands.h"
 
 namespace kestrindb {
 namespace {
@@ -31,7 +30,15 @@ std::vector<int> Chain(const CQtParamInstance& params, int mode, int channel) {
   return chain;
 }
 
-Json DescribeChannel(const CQtParamInstance& params, int mode, int channel) {
+}  // namespace
+
+Json DescribeChannel(const CQtParamInstance& params, const Request& request) {
+  const int mode = *request.mode;
+  const int channel = request.channel;
+  if (!params.IsValidChannel(channel)) {
+    throw Failure(data_bad, "There is no channel " + std::to_string(channel) +
+                                "; see kestrindb names FILE channel.");
+  }
   Json json;
   json["mode"] = mode;
   json["mode_name"] = Utf8(params.ModeName(mode));
@@ -46,46 +53,12 @@ Json DescribeChannel(const CQtParamInstance& params, int mode, int channel) {
   return json;
 }
 
-std::string Joined(const Json& names) {
-  std::string text;
-  for (const Json& name : names) text += (text.empty() ? "" : " ") + name.get<std::string>();
-  return text;
-}
-
 void PrintChannel(const Json& json) {
-  std::cout << "test step     " << WithName(json["mode"], json["mode_name"]) << "\nbase channel  "
-            << WithName(json["base"]["id"], json["base"]["name"]) << "\nflags         "
-            << Joined(json["flags"]) << "\n\n";
-  std::vector<std::vector<std::string>> rows;
-  for (const Json& entry : json["chain"]) {
-    rows.push_back({entry["id"].dump(), entry["name"].get<std::string>(), Joined(entry["type"])});
-  }
-  PrintTable({"channel", "name", "own type"}, rows);
-}
-
-}  // namespace
-
-void AddChannel(CommandLine& line) {
-  auto file = std::make_shared<std::string>();
-  auto mode = std::make_shared<int>(0);
-  auto channel = std::make_shared<int>(0);
-  CLI::App* command =
-      line.Add("channel", "A channel in a test step: its parents up to the base channel, its flags",
-               [file, mode, channel, &line] {
-                 const DataBase data(*file);
-                 data.RequireAccepted();
-                 data.RequireMode(*mode);
-                 if (!data.params.IsValidChannel(*channel)) {
-                   throw Failure(data_bad, "There is no channel " + std::to_string(*channel) +
-                                               "; see kestrindb names FILE channel.");
-                 }
-                 const Json json = DescribeChannel(data.params, *mode, *channel);
-                 line.json ? Print(json) : PrintChannel(json);
-                 return data.LoadStatus();
-               });
-  command->add_option("FILE", *file, "Parameter file")->required();
-  command->add_option("MODE", *mode, "Id of a test step")->required();
-  command->add_option("CHANNEL", *channel, "Id of a channel")->required();
+  PrintFacts(14, {{"test step", Cell(json, "mode")},
+                  {"base channel", WithName(Cell(json["base"], "id"), Cell(json["base"], "name"))},
+                  {"flags", Cell(json, "flags")}});
+  std::cout << '\n';
+  PrintTable(json["chain"], {{"channel", "id"}, {"name", "name"}, {"own type", "type"}});
 }
 
 }  // namespace kestrindb

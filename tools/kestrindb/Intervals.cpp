@@ -4,27 +4,15 @@
 #include <algorithm>
 #include <cmath>
 #include <iostream>
-#include <memory>
 #include <optional>
 
-#include "Command.h"
+#include "Commands.h"
 #include "Svg.h"
 
 using namespace kestrin;
 
 namespace kestrindb {
 namespace {
-
-struct IntervalRequest {
-  int mode = 0;
-  std::optional<int> parameter;
-  int speed_source = 0;
-  std::optional<int> assembly;
-  float resolution = 0.0F;
-  unsigned lines = 0;
-  float order_scale = 1.0F;
-  std::string unit = "Hz";
-};
 
 const char* Name(CQtSpecInterval::index_range_result_t result) {
   constexpr const char* names[] = {"index_range_ok", "index_range_beyond_spectrum",
@@ -35,7 +23,7 @@ const char* Name(CQtSpecInterval::index_range_result_t result) {
 
 // Bounds are given wherever they can be computed, lines only where they are good.
 Json DescribeInterval(const CQtSpecInterval& evaluation, const QVSpecIntervalEntry& entry,
-                      const IntervalRequest& request) {
+                      const Request& request) {
   float low = NAN;
   float high = NAN;
   evaluation.FrequencyRange(entry, request.resolution, request.order_scale, low, high);
@@ -54,17 +42,17 @@ Json DescribeInterval(const CQtSpecInterval& evaluation, const QVSpecIntervalEnt
 }
 
 Json DescribeParameter(const CQtParamInstance& params, int parameter, const QVIpSvOfSpec& record,
-                       const IntervalRequest& request) {
+                       const Request& request) {
   const int assembly = request.assembly.value_or(record.reference);
   CQtSpecInterval evaluation(params);
-  evaluation.LoadTransformParams(request.mode, request.speed_source, assembly);
+  evaluation.LoadTransformParams(*request.mode, request.speed_source, assembly);
   Json json;
   json["parameter"] = parameter;
   json["name"] = Utf8(params.InstrumentParamName(parameter));
   json["definition"] = Utf8(record.definition);
   json["interpretation"] = record.interpretation;
   json["assembly"] = assembly;
-  json["base_order"] = ShortNumber(params.BaseOrder(request.mode, assembly));
+  json["base_order"] = ShortNumber(params.BaseOrder(*request.mode, assembly));
   json["ratio"] = ShortNumber(evaluation.RatioAssembly2SpeedSrc());
   json["intervals"] = Json::array();
   const auto [first, last] = params.SpecIntervalRange(static_cast<unsigned>(parameter));
@@ -74,10 +62,12 @@ Json DescribeParameter(const CQtParamInstance& params, int parameter, const QVIp
   return json;
 }
 
-Json DescribeIntervals(const CQtParamInstance& params, const IntervalRequest& request) {
+}  // namespace
+
+Json DescribeIntervals(const CQtParamInstance& params, const Request& request) {
   Json json;
-  json["mode"] = request.mode;
-  json["mode_name"] = Utf8(params.ModeName(request.mode));
+  json["mode"] = *request.mode;
+  json["mode_name"] = Utf8(params.ModeName(*request.mode));
   json["speed_source"] = request.speed_source;
   json["resolution"] = ShortNumber(request.resolution);
   json["lines"] = request.lines;
@@ -96,37 +86,36 @@ Json DescribeIntervals(const CQtParamInstance& params, const IntervalRequest& re
   return json;
 }
 
-std::string String(const Json& json) { return json.is_string() ? json.get<std::string>() : ""; }
-
-std::string Number(const Json& json) { return json.is_null() ? "" : json.dump(); }
-
+// A row for each interval, the first of a parameter with what is told of the parameter.
 void PrintIntervals(const Json& json) {
-  std::cout << "test step     " << WithName(json["mode"], json["mode_name"]) << "\nspeed source  "
-            << json["speed_source"] << "\nresolution    " << json["resolution"]
-            << "\nlines         " << json["lines"] << "\norder scale   " << json["order_scale"]
-            << "\n\n";
-  std::vector<std::vector<std::string>> rows;
+  PrintFacts(14, {{"test step", Cell(json, "mode")},
+                  {"speed source", Cell(json, "speed_source")},
+                  {"resolution", Cell(json, "resolution")},
+                  {"lines", Cell(json, "lines")},
+                  {"order scale", Cell(json, "order_scale")}});
+  std::cout << '\n';
+  Json rows = Json::array();
   for (const Json& parameter : json["parameters"]) {
-    std::vector<std::string> head = {parameter["parameter"].dump(), String(parameter["name"]),
-                                     String(parameter["definition"]), parameter["assembly"].dump()};
-    const auto add = [&](const std::vector<std::string>& cells) {
-      rows.push_back(head);
-      rows.back().insert(rows.back().end(), cells.begin(), cells.end());
-      head.assign(head.size(), "");
-    };
-    for (const Json& interval : parameter["intervals"]) {
-      add({Number(interval["low"]), Number(interval["high"]), String(interval["unit"]),
-           Number(interval["first_line"]), Number(interval["last_line"]),
-           String(interval["result"])});
-    }
-    if (parameter["intervals"].empty()) add({"", "", "", "", "", "no intervals; see the log"});
+    const std::size_t first = rows.size();
+    for (const Json& interval : parameter["intervals"]) rows.push_back(interval);
+    if (first == rows.size()) rows.push_back({{"result", "no intervals; see the log"}});
+    rows[first].update(parameter);
   }
-  PrintTable({"parameter", "name", "definition", "assembly", "low", "high", "unit", "first line",
-              "last line", "result"},
-             rows);
+  PrintTable(rows, {{"parameter", "parameter"},
+                    {"name", "name"},
+                    {"definition", "definition"},
+                    {"assembly", "assembly"},
+                    {"low", "low", ""},
+                    {"high", "high", ""},
+                    {"unit", "unit"},
+                    {"first line", "first_line", ""},
+                    {"last line", "last_line", ""},
+                    {"result", "result"}});
 }
 
 // --- The picture: a chart for each unit that occurs, in it a row for each parameter ---------
+
+namespace {
 
 constexpr double names_left = 12;
 constexpr double names_gap = 12;  // between the names and the plot
@@ -157,7 +146,7 @@ bool IsDrawn(const Json& interval) {
 // "252–260", "256", or "beyond spectrum".
 std::string LinesText(const Json& interval) {
   if (interval["first_line"].is_null()) {
-    std::string text = String(interval["result"]).substr(std::string("index_range_").size());
+    std::string text = Cell(interval, "result").substr(std::string("index_range_").size());
     std::replace(text.begin(), text.end(), '_', ' ');
     return text;
   }
@@ -168,7 +157,7 @@ std::string LinesText(const Json& interval) {
 
 std::string BoundsText(const Json& interval) {
   return ShortText(interval["low"]) + "–" + ShortText(interval["high"]) + " " +
-         String(interval["unit"]);
+         Cell(interval, "unit");
 }
 
 struct Row {
@@ -186,8 +175,8 @@ double PlotLeft(const std::vector<Row>& rows) {
 std::vector<Row> RowsOf(const Json& parameters, const std::string& unit) {
   std::vector<Row> rows;
   for (const Json& parameter : parameters) {
-    const std::string name = String(parameter["name"]);
-    const std::string id = parameter["parameter"].dump();
+    const std::string name = Cell(parameter, "name");
+    const std::string id = Cell(parameter, "parameter");
     Row row{name.empty() ? id : Shortened(name, 32) + " (" + id + ")", {}};
     for (const Json& interval : parameter["intervals"]) {
       if (interval["unit"] == unit) row.intervals.push_back(interval);
@@ -245,7 +234,9 @@ void DrawChart(Svg& svg, const std::vector<Row>& rows, const std::string& unit, 
   }
 }
 
-void SavePicture(const Json& json, const std::string& unit, const std::string& file_name) {
+}  // namespace
+
+void DrawIntervals(const Json& json, const Request& request) {
   struct Chart {
     std::string unit;
     std::vector<Row> rows;
@@ -253,7 +244,7 @@ void SavePicture(const Json& json, const std::string& unit, const std::string& f
   std::vector<Chart> charts;
   double height = head_height;
   double plot_left = 0;
-  for (const std::string& each : {std::string("orders"), unit}) {
+  for (const std::string& each : {std::string("orders"), request.unit}) {
     Chart chart{each, RowsOf(json["parameters"], each)};
     if (chart.rows.empty() || (!charts.empty() && charts.front().unit == each)) continue;
     height += row_height * static_cast<double>(chart.rows.size()) + axis_height;
@@ -261,8 +252,8 @@ void SavePicture(const Json& json, const std::string& unit, const std::string& f
     charts.push_back(std::move(chart));
   }
   Svg svg(height);
-  svg.Text({12, 24}, "Spectrum intervals: " + String(json["mode_name"]), Svg::Anchor::start,
-           Svg::ink, 16);
+  svg.Text({12, 24}, "Spectrum intervals: " + Cell(json, "mode_name"), Svg::Anchor::start, Svg::ink,
+           16);
   svg.Text({12, 44},
            "test step " + json["mode"].dump() + ", speed source " + json["speed_source"].dump() +
                ", resolution " + json["resolution"].dump() + ", " + json["lines"].dump() + " lines",
@@ -274,44 +265,7 @@ void SavePicture(const Json& json, const std::string& unit, const std::string& f
     DrawChart(svg, chart.rows, chart.unit, resolution, plot_left, top);
     top += row_height * static_cast<double>(chart.rows.size()) + axis_height;
   }
-  svg.Save(file_name);
-}
-
-}  // namespace
-
-void AddIntervals(CommandLine& line) {
-  auto file = std::make_shared<std::string>();
-  auto picture = std::make_shared<std::string>();
-  auto request = std::make_shared<IntervalRequest>();
-  CLI::App* command = line.Add(
-      "intervals", "Spectrum intervals in a test step: bounds on the axis and spectral lines",
-      [file, picture, request, &line] {
-        const DataBase data(*file);
-        data.RequireAccepted();
-        data.RequireMode(request->mode);
-        const Json json = DescribeIntervals(data.params, *request);
-        if (!picture->empty()) SavePicture(json, request->unit, *picture);
-        line.json ? Print(json) : PrintIntervals(json);
-        return data.LoadStatus();
-      });
-  command->add_option("FILE", *file, "Parameter file")->required();
-  command->add_option("MODE", request->mode, "Id of a test step")->required();
-  command->add_option("PARAMETER", request->parameter,
-                      "Id of a parameter; without it all that have intervals");
-  command->add_option("--speed-source", request->speed_source, "Order source that tells the speed")
-      ->required();
-  command->add_option("--assembly", request->assembly,
-                      "Order source that harmonics refer to; without it the one in calculation "
-                      "parameter 4 of each parameter");
-  command
-      ->add_option("--resolution", request->resolution,
-                   "Distance of two spectral lines on the spectrum's axis")
-      ->required();
-  command->add_option("--lines", request->lines, "Number of spectral lines")->required();
-  command->add_option("--order-scale", request->order_scale,
-                      "Value of one order in the unit of F, for mixed intervals; 1 without it");
-  command->add_option("--unit", request->unit, "Unit of F; Hz without it");
-  command->add_option("--svg", *picture, "Draw the intervals into this file");
+  svg.Save(request.svg);
 }
 
 }  // namespace kestrindb

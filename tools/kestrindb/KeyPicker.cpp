@@ -38,25 +38,25 @@ void EntryFinder::Type(std::wstring_view text) {
   Search();
 }
 
-void EntryFinder::Press(Key key) {
+void EntryFinder::Press(KeyPress key) {
   constexpr int far = std::numeric_limits<int>::max() / 2;
   const auto move = [this](int by) {
     found_.SetCurSel(std::clamp(found_.GetCurSel() + by, 0, std::max(found_.GetCount() - 1, 0)));
   };
   switch (key) {
-    case Key::up:
+    case KeyPress::up:
       return move(-1);
-    case Key::down:
+    case KeyPress::down:
       return move(1);
-    case Key::page_up:
+    case KeyPress::page_up:
       return move(-page_);
-    case Key::page_down:
+    case KeyPress::page_down:
       return move(page_);
-    case Key::home:
+    case KeyPress::home:
       return move(-far);
-    case Key::end:
+    case KeyPress::end:
       return move(far);
-    case Key::backspace:
+    case KeyPress::backspace:
       // Characters beyond 16 bits are pairs.
       if (!typed_.empty() && typed_.back() >= 0xDC00 && typed_.back() < 0xE000) typed_.pop_back();
       if (!typed_.empty()) typed_.pop_back();
@@ -180,32 +180,32 @@ void KeyPicker::Choose() {
   list_->AutosizeColumnWidth(-1);
 }
 
-void KeyPicker::Press(Key key) {
+void KeyPicker::Press(KeyPress key) {
   if (!IsOpen()) return;
   if (open_) {
-    if (key == Key::enter) return Choose();
-    if (key == Key::escape) return open_.reset();
+    if (key == KeyPress::enter) return Choose();
+    if (key == KeyPress::escape) return open_.reset();
     return open_->Press(key);
   }
   switch (key) {
-    case Key::up:
+    case KeyPress::up:
       return MoveTo(marked_ - 1);
-    case Key::down:
+    case KeyPress::down:
       return MoveTo(marked_ + 1);
-    case Key::left:
-    case Key::right:
-      return MoveToButtonBeside(key == Key::right);
-    case Key::home:
-    case Key::page_up:
+    case KeyPress::left:
+    case KeyPress::right:
+      return MoveToButtonBeside(key == KeyPress::right);
+    case KeyPress::home:
+    case KeyPress::page_up:
       return MoveTo(0);
-    case Key::end:
-    case Key::page_down:
+    case KeyPress::end:
+    case KeyPress::page_down:
       return MoveToDefaultButton();
-    case Key::escape:
+    case KeyPress::escape:
       return Close();
-    case Key::backspace:
+    case KeyPress::backspace:
       return;
-    case Key::enter:
+    case KeyPress::enter:
       if (Marked().row != -1) return Open();
       dialog_.PressButton(Marked().button);
   }

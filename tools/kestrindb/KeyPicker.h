@@ -18,7 +18,19 @@
 
 namespace kestrindb {
 
-enum class Key { up, down, left, right, page_up, page_down, home, end, enter, escape, backspace };
+enum class KeyPress {
+  up,
+  down,
+  left,
+  right,
+  page_up,
+  page_down,
+  home,
+  end,
+  enter,
+  escape,
+  backspace
+};
 
 struct ScreenSize {
   int width;  // columns
@@ -44,7 +56,7 @@ class EntryFinder {
 
   void Type(std::wstring_view text);
   // The keys that move the mark, and backspace; others do nothing.
-  void Press(Key key);
+  void Press(KeyPress key);
 
   // The id of the marked entry; empty if the search has left none.
   std::optional<int> Marked() const;
@@ -72,7 +84,7 @@ class KeyPicker {
   KeyPicker& operator=(const KeyPicker&) = delete;
   ~KeyPicker() = default;
 
-  void Press(Key key);
+  void Press(KeyPress key);
   // Text without control characters.
   void Type(std::wstring_view text);
   // As the dialog's close box.

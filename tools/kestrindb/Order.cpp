@@ -1,11 +1,10 @@
 // kestrindb order TEXT: what an order definition is read as, or where and why it is refused.
 
+#include <algorithm>
 #include <cctype>
 #include <iostream>
-#include <memory>
-#include <vector>
 
-#include "Command.h"
+#include "Commands.h"
 
 using namespace kestrin;
 
@@ -28,7 +27,27 @@ Json ToJson(const OrderInterpreter::SyntaxError& error) {
           {"reason", Utf8(OrderInterpreter::ReasonText(error.reason))}};
 }
 
-Json DescribeOrder(const std::wstring& definition) {
+// A control character would move what follows away from the caret.
+std::string OnOneLine(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(), [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');
+  return text;
+}
+
+void PrintError(const Json& error, const std::string& definition) {
+  const auto offset = error["character"].get<std::size_t>() - 1;
+  const int column = TextColumns(Wide(definition).substr(0, offset));
+  const std::string letter = Cell(error, "letter");
+  std::cout << OnOneLine(definition) << '\n'
+            << std::string(static_cast<std::size_t>(column), ' ') << "^\nposition "
+            << error["position"] << (letter.empty() ? "" : ", letter " + letter) << ", character "
+            << error["character"] << ": " << Cell(error, "reason") << '\n';
+}
+
+}  // namespace
+
+Answer DescribeOrder(const Request& request) {
+  const std::wstring definition = Wide(request.definition);
   std::vector<Entry::Definition> positions(CQtSpecIntervalStore::max_orders);
   const auto result = OrderInterpreter::Interpret(definition.c_str(), positions.data(),
                                                   CQtSpecIntervalStore::max_orders);
@@ -36,7 +55,7 @@ Json DescribeOrder(const std::wstring& definition) {
   json["definition"] = Utf8(definition);
   if (result.error.reason != OrderInterpreter::Reason::none) {
     json["error"] = ToJson(result.error);
-    return json;
+    return {json, data_bad};
   }
   positions.resize(result.count);
   json["positions"] = Json::array();
@@ -50,72 +69,26 @@ Json DescribeOrder(const std::wstring& definition) {
   }
   const unsigned paired = result.count % 2 == 0 ? result.count / 2 : 0;
   json["intervals"] = result.count == 1 ? 1 : paired;
-  return json;
+  return {json, fine};
 }
 
-// A control character would move what follows away from the caret.
-std::string OnOneLine(std::string text) {
-  for (char& c : text) {
-    if (std::iscntrl(static_cast<unsigned char>(c)) != 0) c = ' ';
-  }
-  return text;
-}
-
-void PrintError(const Json& error, const std::wstring& definition) {
-  const auto offset = error["character"].get<std::size_t>() - 1;
-  std::string caret;
-  for (const char byte : Utf8(definition.substr(0, offset))) {
-    if ((static_cast<unsigned char>(byte) & 0xC0U) != 0x80U) caret += ' ';
-  }
-  const std::string letter = error["letter"].get<std::string>();
-  std::cout << OnOneLine(Utf8(definition)) << '\n'
-            << caret << "^\nposition " << error["position"]
-            << (letter.empty() ? "" : ", letter " + letter) << ", character " << error["character"]
-            << ": " << error["reason"].get<std::string>() << '\n';
-}
-
-void PrintPositions(const Json& json) {
-  std::vector<std::vector<std::string>> rows;
-  const auto number = [](const Json& value) { return value.is_null() ? "infinite" : value.dump(); };
-  for (const Json& position : json["positions"]) {
-    rows.push_back({std::to_string(rows.size() + 1), number(position["harmonic"]),
-                    number(position["modulation"]), number(position["order"]),
-                    number(position["frequency"]), position["lines"].dump(),
-                    position["domain"].get<std::string>()});
-  }
-  PrintTable({"position", "H", "M", "O", "F", "L", "domain"}, rows);
-  if (!rows.empty() && json["intervals"] == 0) {
+void PrintOrder(const Json& json) {
+  if (json.contains("error")) return PrintError(json["error"], Cell(json, "definition"));
+  Json positions = json["positions"];
+  int count = 0;
+  for (Json& position : positions) position["position"] = ++count;
+  PrintTable(positions, {{"position", "position"},
+                         {"H", "harmonic", "infinite"},
+                         {"M", "modulation", "infinite"},
+                         {"O", "order", "infinite"},
+                         {"F", "frequency", "infinite"},
+                         {"L", "lines"},
+                         {"domain", "domain"}});
+  if (count > 0 && json["intervals"] == 0) {
     std::cout << "\nNo intervals: positions stand in pairs, or there is a single one.\n";
   } else {
     std::cout << "\nIntervals: " << json["intervals"] << '\n';
   }
-}
-
-}  // namespace
-
-void AddOrder(CommandLine& line) {
-  auto text = std::make_shared<std::string>();
-  CLI::App* command = line.Add("order", "What an order definition is read as, or what is wrong",
-                               [] { return fine; });
-  command->add_option("TEXT", *text, "Order definition, such as \"H1-O0.5;H1+O0.5\"");
-  // A definition may begin with a minus, and then comes as an option that nobody knows.
-  command->fallthrough(false)->allow_extras();
-  command->callback([command, text, &line] {
-    const auto extras = command->remaining();
-    const bool given = command->count("TEXT") != 0;
-    if (extras.size() + (given ? 1U : 0U) != 1U) {
-      throw CLI::ValidationError("TEXT", "one definition is needed; put it in quotes");
-    }
-    const std::wstring definition = Wide(given ? *text : extras.front());
-    const Json json = DescribeOrder(definition);
-    const bool well = !json.contains("error");
-    if (line.json) {
-      Print(json);
-    } else {
-      well ? PrintPositions(json) : PrintError(json["error"], definition);
-    }
-    line.status = well ? fine : data_bad;
-  });
 }
 
 }  // namespace kestrindb

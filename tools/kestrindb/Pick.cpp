@@ -5,22 +5,13 @@
 //     kestrindb polygon gearbox.par $(kestrindb pick gearbox.par --bare)
 
 #include <iostream>
-#include <memory>
 
-#include "Key.h"
+#include "Commands.h"
 #include "KeyPicker.h"
 #include "Terminal.h"
 
 namespace kestrindb {
 namespace {
-
-struct PickRequest {
-  std::string file;
-  std::vector<int> ids;
-  std::string separator = "|";
-  bool show_ids = false;
-  bool bare = false;
-};
 
 // The terminal is given back at the end.
 std::optional<CClavis> LetChoose(const CClavis& key) {
@@ -38,27 +29,19 @@ std::optional<CClavis> LetChoose(const CClavis& key) {
 
 }  // namespace
 
-void AddPick(CommandLine& line) {
-  auto request = std::make_shared<PickRequest>();
-  CLI::App* command = line.Add("pick", "Choose a key at the terminal", [request, &line] {
-    const DataBase data(request->file);
-    data.RequireAccepted();
-    CQtParamInstance::ShowIdsInDialogs(request->show_ids);
-    const auto chosen = LetChoose(request->ids.empty() ? CClavis() : CClavis(request->ids.data()));
-    if (!chosen) return cancelled;
-    const QClavis key(*chosen);
-    if (request->bare) {
-      std::cout << IdsText(key) << '\n';
-    } else {
-      PrintKey(data.params, key, request->separator, line.json);
-    }
-    return data.LoadStatus();
-  });
-  command->add_option("FILE", request->file, "Parameter file")->required();
-  AddIds(*command, request->ids);
-  command->add_flag("--ids", request->show_ids, "Show the ids beside the names");
-  command->add_flag("--bare", request->bare, "Print only the six ids, as other commands take them");
-  AddSeparator(*command, request->separator);
+// The texts of the key, or its ids alone.
+Json DescribePick(const CQtParamInstance& params, const Request& request) {
+  CQtParamInstance::ShowIdsInDialogs(request.show_ids);
+  const auto chosen = LetChoose(request.Key());
+  if (!chosen) throw Failure(cancelled, "");
+  Request key = request;
+  key.ids.assign(std::begin(chosen->Base().id), std::end(chosen->Base().id));
+  return request.bare ? Json(key.ids) : DescribeKey(params, key);
+}
+
+void PrintPick(const Json& json) {
+  if (json.is_object()) return PrintKey(json);
+  std::cout << CellText(json) << '\n';
 }
 
 }  // namespace kestrindb

@@ -4,9 +4,8 @@
 #include <algorithm>
 #include <iostream>
 #include <limits>
-#include <memory>
 
-#include "Key.h"
+#include "Commands.h"
 #include "Svg.h"
 
 namespace kestrindb {
@@ -16,7 +15,7 @@ const CVIpSvTrackPolygon& TrackPolygonOf(const CQtParamInstance& params, const Q
   const auto found = params.IpTrackPolygon().find(key);
   if (found != params.IpTrackPolygon().end()) return found->second;
   const bool listed = params.IpParamAndStore().find(key) != params.IpParamAndStore().end();
-  throw Failure(data_bad, "The key " + IdsText(key) + " has no track polygon: " +
+  throw Failure(data_bad, "The key " + CellText(key.id) + " has no track polygon: " +
                               (listed ? "no row of <TGrex10001> matches it."
                                       : "<TIpParamAndStore> doesn't list it."));
 }
@@ -30,7 +29,10 @@ Json PointsOf(const CQtParamInstance& params, int polygon) {
   return points;
 }
 
-Json DescribePolygon(const CQtParamInstance& params, const QClavis& key) {
+}  // namespace
+
+Json DescribePolygon(const CQtParamInstance& params, const Request& request) {
+  const QClavis key(request.Key());
   const CVIpSvTrackPolygon& track = TrackPolygonOf(params, key);
   const auto stored = params.IpPolygon().find(track.polygon_id);
   Json json;
@@ -45,23 +47,20 @@ Json DescribePolygon(const CQtParamInstance& params, const QClavis& key) {
 }
 
 void PrintPolygon(const Json& json) {
-  std::cout << "quantity  " << json["text"].get<std::string>() << "\npolygon   "
-            << WithName(json["polygon"], json["name"]) << "\ntrack a   " << json["track_a"]
-            << "\ntrack c   " << json["track_c"] << "\n\n";
-  std::vector<std::vector<std::string>> rows;
-  for (const Json& point : json["points"]) {
-    rows.push_back({std::to_string(rows.size()), point["x"].dump(), point["y"].dump()});
-  }
-  PrintTable({"point", "x", "y"}, rows);
+  PrintFacts(10, {{"quantity", Cell(json, "text")},
+                  {"polygon", WithName(Cell(json, "polygon"), Cell(json, "name"))},
+                  {"track a", Cell(json, "track_a")},
+                  {"track c", Cell(json, "track_c")}});
+  std::cout << '\n';
+  Json points = json["points"];
+  int count = 0;
+  for (Json& point : points) point["point"] = count++;
+  PrintTable(points, {{"point", "point"}, {"x", "x"}, {"y", "y"}});
 }
 
 // ---- the picture --------------------------------------------------------------------------
 
-struct Picture {
-  std::string file_name;
-  std::string x_title = "x";
-  std::string y_title = "y";
-};
+namespace {
 
 struct Bounds {
   double low = std::numeric_limits<double>::infinity();
@@ -79,7 +78,9 @@ struct Bounds {
   }
 };
 
-void Draw(const Json& json, const Picture& picture) {
+}  // namespace
+
+void DrawPolygon(const Json& json, const Request& request) {
   std::vector<Point> points;
   Bounds xs;
   Bounds ys;
@@ -95,14 +96,14 @@ void Draw(const Json& json, const Picture& picture) {
   constexpr double top = 64;
   constexpr double bottom = height - 64;
   Svg svg(height);
-  const std::string name = json["name"].get<std::string>();
+  const std::string name = Cell(json, "name");
   svg.Text({12, 24}, "Polygon " + json["polygon"].dump() + (name.empty() ? "" : ": " + name),
            Svg::Anchor::start, Svg::ink, 16);
-  svg.Text({12, 44}, json["text"].get<std::string>(), Svg::Anchor::start, Svg::faint_ink);
+  svg.Text({12, 44}, Cell(json, "text"), Svg::Anchor::start, Svg::faint_ink);
   const Axis x_axis = xs.Between(left, right);
   const Axis y_axis = ys.Between(bottom, top);
-  x_axis.DrawBelow(svg, top, bottom, picture.x_title);
-  y_axis.DrawLeft(svg, left, right, picture.y_title);
+  x_axis.DrawBelow(svg, top, bottom, request.x_title);
+  y_axis.DrawLeft(svg, left, right, request.y_title);
   std::vector<Point> places;
   places.reserve(points.size());
   for (const Point& point : points) places.push_back({x_axis.At(point.x), y_axis.At(point.y)});
@@ -110,36 +111,7 @@ void Draw(const Json& json, const Picture& picture) {
   for (std::size_t i = 0; i < places.size(); ++i) {
     svg.Dot(places[i], Svg::data, ShortText(points[i].x) + ", " + ShortText(points[i].y));
   }
-  svg.Save(picture.file_name);
-}
-
-}  // namespace
-
-void AddPolygon(CommandLine& line) {
-  auto file = std::make_shared<std::string>();
-  auto ids = std::make_shared<std::vector<int>>();
-  auto picture = std::make_shared<Picture>();
-  CLI::App* command =
-      line.Add("polygon", "The track polygon of a key", [file, ids, picture, &line] {
-        const DataBase data(*file);
-        data.RequireAccepted();
-        const Json json = DescribePolygon(data.params, QClavis(CClavis(ids->data())));
-        if (!picture->file_name.empty()) Draw(json, *picture);
-        line.json ? Print(json) : PrintPolygon(json);
-        return data.LoadStatus();
-      });
-  command->add_option("FILE", *file, "Parameter file")->required();
-  command
-      ->add_option("ID", *ids,
-                   "Ids of mode, instrument, channel, location, parameter and sensor, as "
-                   "<TIpParamAndStore> lists them")
-      ->required()
-      ->expected(Clavis::element_count);
-  command->add_option("--svg", picture->file_name, "Draw the polygon into this file");
-  command->add_option("--x-title", picture->x_title,
-                      "Title of the picture's x axis, with its unit");
-  command->add_option("--y-title", picture->y_title,
-                      "Title of the picture's y axis, with its unit");
+  svg.Save(request.svg);
 }
 
 }  // namespace kestrindb

@@ -1,9 +1,8 @@
 // kestrindb rotors FILE MODE: the order sources of a test step, where they sit, how fast they turn.
 
 #include <iostream>
-#include <memory>
 
-#include "Command.h"
+#include "Commands.h"
 
 namespace kestrindb {
 namespace {
@@ -29,7 +28,10 @@ Json DescribeOrderSource(const CQtParamInstance& params, int mode, int source, i
   return json;
 }
 
-Json DescribeRotors(const CQtParamInstance& params, int mode) {
+}  // namespace
+
+Json DescribeRotors(const CQtParamInstance& params, const Request& request) {
+  const int mode = *request.mode;
   const int phys_mode = params.PhysModeId(mode);
   Json json;
   json["mode"] = mode;
@@ -46,41 +48,16 @@ Json DescribeRotors(const CQtParamInstance& params, int mode) {
 }
 
 void PrintRotors(const Json& json) {
-  std::cout << "test step      " << WithName(json["mode"], json["mode_name"]) << "\nphysical mode  "
-            << WithName(json["phys_mode"], json["phys_mode_name"]) << "\n\n";
-  const auto id = [](const Json& json_id) { return json_id == -1 ? "none" : json_id.dump(); };
-  const auto number = [](const Json& json_number) {
-    return json_number.is_null() ? "none" : json_number.dump();
-  };
-  std::vector<std::vector<std::string>> rows;
-  for (const Json& row : json["order_sources"]) {
-    rows.push_back({row["order_source"].dump(), id(row["rotor"]), number(row["speed"]),
-                    id(row["speed_source"]),
-                    id(row["signal"]) + "  " + row["signal_name"].get<std::string>(),
-                    number(row["base_order"]), number(row["ratio"]), number(row["order"])});
-  }
-  PrintTable(
-      {"order source", "rotor", "speed", "speed source", "signal", "base order", "ratio", "order"},
-      rows);
-}
-
-}  // namespace
-
-void AddRotors(CommandLine& line) {
-  auto file = std::make_shared<std::string>();
-  auto mode = std::make_shared<int>(0);
-  CLI::App* command = line.Add(
-      "rotors", "The order sources of a test step: rotors, speeds, base orders, ratios, orders",
-      [file, mode, &line] {
-        const DataBase data(*file);
-        data.RequireAccepted();
-        data.RequireMode(*mode);
-        const Json json = DescribeRotors(data.params, *mode);
-        line.json ? Print(json) : PrintRotors(json);
-        return data.LoadStatus();
-      });
-  command->add_option("FILE", *file, "Parameter file")->required();
-  command->add_option("MODE", *mode, "Id of a test step")->required();
+  PrintFacts(15, {{"test step", Cell(json, "mode")}, {"physical mode", Cell(json, "phys_mode")}});
+  std::cout << '\n';
+  PrintTable(json["order_sources"], {{"order source", "order_source"},
+                                     {"rotor", "rotor", "none"},
+                                     {"speed", "speed", "none"},
+                                     {"speed source", "speed_source", "none"},
+                                     {"signal", "signal", "none"},
+                                     {"base order", "base_order", "none"},
+                                     {"ratio", "ratio", "none"},
+                                     {"order", "order", "none"}});
 }
 
 }  // namespace kestrindb

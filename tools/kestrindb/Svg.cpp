@@ -6,7 +6,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "Command.h"
+#include "DataBase.h"
 
 using namespace kestrin;
 

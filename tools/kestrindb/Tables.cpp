@@ -1,9 +1,8 @@
 // kestrindb tables [TABLE]: what the lines of each section hold.
 
 #include <iostream>
-#include <memory>
 
-#include "Command.h"
+#include "Commands.h"
 
 using namespace kestrin;
 
@@ -27,49 +26,42 @@ Json ToJson(const TableCatalogue::TableInfo& table) {
           {"key", ToJson(table.key)},          {"row", ToJson(table.row)}};
 }
 
-// As Markdown, which is also what docs/tables.md holds.
-void PrintTableInfo(const TableCatalogue::TableInfo& table) {
-  std::cout << "## `" << Utf8(table.section) << "`\n\n"
-            << "Table " << table.reading_place << ", " << table.container
-            << (table.unique_keys ? "" : " (a key may stand on several lines)") << "; "
-            << (table.accessor.empty() ? "no accessor" : "accessor `" + table.accessor + "`")
-            << ".\n\n"
+void PrintTableInfo(const Json& table) {
+  const std::string accessor = Cell(table, "accessor");
+  std::cout << "## `" << Cell(table, "section") << "`\n\n"
+            << "Table " << table["registered"] << ", " << Cell(table, "container")
+            << (table["unique_keys"] ? "" : " (a key may stand on several lines)") << "; "
+            << (accessor.empty() ? "no accessor" : "accessor `" + accessor + "`") << ".\n\n"
             << "| position | field | kind | default |\n|---:|---|---|---|\n";
   int position = 0;
-  const auto print = [&position](const TableCatalogue::FieldInfo& field, const char* part) {
-    std::cout << "| " << ++position << " | `" << field.name << "`" << part << " | "
-              << TableCatalogue::KindName(field.kind) << " | "
-              << (field.default_text.empty() ? "empty" : field.default_text) << " |\n";
+  const auto print = [&position](const Json& field, const char* part) {
+    const std::string value = Cell(field, "default");
+    std::cout << "| " << ++position << " | `" << Cell(field, "name") << "`" << part << " | "
+              << Cell(field, "kind") << " | " << (value.empty() ? "empty" : value) << " |\n";
   };
-  for (const auto& field : table.key) print(field, " (key)");
-  for (const auto& field : table.row) print(field, "");
+  for (const Json& field : table["key"]) print(field, " (key)");
+  for (const Json& field : table["row"]) print(field, "");
   std::cout << '\n';
 }
 
 }  // namespace
 
-void AddTables(CommandLine& line) {
-  auto section = std::make_shared<std::string>();
-  line.Add("tables", "The catalogue: what the lines of each section hold",
-           [section, &line] {
-             const TableCatalogue::TableInfo* only = nullptr;
-             if (!section->empty() && (only = TableCatalogue::Find(Wide(*section))) == nullptr) {
-               throw Failure(data_bad, "There is no table '" + *section + "'.");
-             }
-             Json json = Json::array();
-             if (!line.json && only == nullptr) {
-               std::cout << "# Tables\n\n"
-                            "The sections of a parameter file, in the order of loading. A line of "
-                            "a section holds\nthe fields of its key, then those of its row.\n\n";
-             }
-             for (const auto& table : TableCatalogue::Tables()) {
-               if (only != nullptr && only != &table) continue;
-               line.json ? json.push_back(ToJson(table)) : PrintTableInfo(table);
-             }
-             if (line.json) Print(json);
-             return fine;
-           })
-      ->add_option("TABLE", *section, "One section, such as TMode");
+Answer DescribeTables(const Request& request) {
+  Json json = Json::array();
+  for (const auto& table : TableCatalogue::Tables()) {
+    if (request.table == nullptr || request.table == &table) json.push_back(ToJson(table));
+  }
+  return {json, fine};
+}
+
+// As Markdown, which is also what docs/tables.md holds.
+void PrintTables(const Json& json) {
+  if (json.size() > 1) {
+    std::cout << "# Tables\n\n"
+                 "The sections of a parameter file, in the order of loading. A line of a section "
+                 "holds\nthe fields of its key, then those of its row.\n\n";
+  }
+  for (const Json& table : json) PrintTableInfo(table);
 }
 
 }  // namespace kestrindb

@@ -10,7 +10,7 @@
 #include <cstring>
 #include <string>
 
-#include "Command.h"
+#include "DataBase.h"
 
 using namespace kestrin;
 
@@ -45,32 +45,34 @@ std::wstring WholeCharacters(std::wstring_view line, int columns) {
   return out;
 }
 
-std::optional<Key> FunctionKey(wint_t code) {
-  switch (code) {
-    case KEY_UP:
-    case KEY_BTAB:
-      return Key::up;
-    case KEY_DOWN:
-      return Key::down;
-    case KEY_LEFT:
-      return Key::left;
-    case KEY_RIGHT:
-      return Key::right;
-    case KEY_PPAGE:
-      return Key::page_up;
-    case KEY_NPAGE:
-      return Key::page_down;
-    case KEY_HOME:
-      return Key::home;
-    case KEY_END:
-      return Key::end;
-    case KEY_ENTER:
-      return Key::enter;
-    case KEY_BACKSPACE:
-      return Key::backspace;
-    default:
-      return std::nullopt;
+std::optional<KeyPress> KeyOf(int kind, wint_t code) {
+  constexpr struct {
+    int kind;
+    wint_t code;
+    KeyPress key;
+  } keys[] = {
+      {KEY_CODE_YES, KEY_UP, KeyPress::up},
+      {KEY_CODE_YES, KEY_BTAB, KeyPress::up},
+      {KEY_CODE_YES, KEY_DOWN, KeyPress::down},
+      {OK, L'\t', KeyPress::down},
+      {KEY_CODE_YES, KEY_LEFT, KeyPress::left},
+      {KEY_CODE_YES, KEY_RIGHT, KeyPress::right},
+      {KEY_CODE_YES, KEY_PPAGE, KeyPress::page_up},
+      {KEY_CODE_YES, KEY_NPAGE, KeyPress::page_down},
+      {KEY_CODE_YES, KEY_HOME, KeyPress::home},
+      {KEY_CODE_YES, KEY_END, KeyPress::end},
+      {KEY_CODE_YES, KEY_ENTER, KeyPress::enter},
+      {OK, L'\r', KeyPress::enter},
+      {OK, L'\n', KeyPress::enter},
+      {OK, escape, KeyPress::escape},
+      {KEY_CODE_YES, KEY_BACKSPACE, KeyPress::backspace},
+      {OK, backspace, KeyPress::backspace},
+      {OK, del, KeyPress::backspace},
+  };
+  for (const auto& known : keys) {
+    if (known.kind == kind && known.code == code) return known.key;
   }
+  return std::nullopt;
 }
 
 // Reads what the terminal has sent already; false if that is nothing.
@@ -81,23 +83,6 @@ bool SkipPendingInput() {
   while (get_wch(&ignored) != ERR) any = true;
   wtimeout(stdscr, -1);
   return any;
-}
-
-std::optional<Key> ControlKey(wint_t character) {
-  switch (character) {
-    case L'\t':
-      return Key::down;
-    case L'\r':
-    case L'\n':
-      return Key::enter;
-    case escape:
-      return Key::escape;
-    case backspace:
-    case del:
-      return Key::backspace;
-    default:
-      return std::nullopt;
-  }
 }
 
 }  // namespace
@@ -165,13 +150,11 @@ Terminal::Input Terminal::Next() {
   if (ppoll(&terminal, 1, nullptr, &resize_signal_.WhileWaiting()) < 0) return {};
   wint_t character = 0;
   const int kind = get_wch(&character);
-  if (kind == ERR) return {{}, {}, true};
-  if (kind == KEY_CODE_YES) return {FunctionKey(character), {}, false};
-  if (character == control_c) return {{}, {}, true};
+  if (kind == ERR || (kind == OK && character == control_c)) return {{}, {}, true};
   // A key that curses doesn't know comes as Esc with something behind it, and isn't Esc.
-  if (character == escape && SkipPendingInput()) return {};
-  if (const auto key = ControlKey(character)) return {key, {}, false};
-  if (character < L' ') return {};
+  if (kind == OK && character == escape && SkipPendingInput()) return {};
+  if (const auto key = KeyOf(kind, character)) return {key, {}, false};
+  if (kind == KEY_CODE_YES || character < L' ') return {};
   CString typed;
   Text::AppendCharacter(typed, character);
   return {{}, typed, false};

@@ -27,7 +27,7 @@ class Terminal {
   void Show(const ScreenPicture& picture);
 
   struct Input {
-    std::optional<Key> key;
+    std::optional<KeyPress> key;
     CString text;         // a character
     bool closed = false;  // the user interrupts, or the terminal is gone
   };

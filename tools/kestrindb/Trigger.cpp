@@ -6,36 +6,26 @@
 
 #include <cstdint>
 #include <iostream>
-#include <memory>
-#include <optional>
 
-#include "Command.h"
+#include "Commands.h"
 
 namespace kestrindb {
 namespace {
 
 constexpr unsigned index_bits = 16;
 
-struct TriggerRequest {
-  int mode = 0;
-  int trigger = 0;
-  std::vector<float> values;
-  std::optional<std::int64_t> cell;
-  bool clamp = false;
-};
-
-const char* Direction(const CQtParamInstance& params, const TriggerRequest& request, unsigned dim) {
-  const auto row = params.TriggerParam().find({CQtParamInstance::VirtMode2BaseMode(request.mode),
+const char* Direction(const CQtParamInstance& params, const Request& request, unsigned dim) {
+  const auto row = params.TriggerParam().find({CQtParamInstance::VirtMode2BaseMode(*request.mode),
                                                request.trigger, static_cast<int>(dim) + 1});
   if (row == params.TriggerParam().end()) return "none";
   return row->second.direction == 2 ? "raising" : row->second.direction == 3 ? "falling" : "none";
 }
 
-CTriggerStore::CIntervals AxesOf(const CTriggerStore& store, const TriggerRequest& request) {
+CTriggerStore::CIntervals AxesOf(const CTriggerStore& store, const Request& request) {
   CTriggerStore::CIntervals axes;
-  if (store.field(request.mode, request.trigger, axes)) return axes;
+  if (store.field(*request.mode, request.trigger, axes)) return axes;
   throw Failure(data_bad, "Trigger " + std::to_string(request.trigger) +
-                              " has no axes in test step " + std::to_string(request.mode) + ".");
+                              " has no axes in test step " + std::to_string(*request.mode) + ".");
 }
 
 // The values go to the axes in order; axes without a value stay out.
@@ -55,7 +45,7 @@ CTriggerStore::CDimensions ValuesFor(const CTriggerStore::CIntervals& axes,
   return dimensions;
 }
 
-Json DescribeAxes(const CQtParamInstance& params, const TriggerRequest& request,
+Json DescribeAxes(const CQtParamInstance& params, const Request& request,
                   const CTriggerStore::CIntervals& axes) {
   Json json = Json::array();
   for (unsigned dim = 0; dim < CTriggerStore::dimensions_d; ++dim) {
@@ -90,13 +80,15 @@ Json DescribePlaces(const CTriggerStore::CIntervals& axes, std::int64_t cell,
   return json;
 }
 
-Json DescribeTrigger(const CQtParamInstance& params, const TriggerRequest& request) {
+}  // namespace
+
+Json DescribeTrigger(const CQtParamInstance& params, const Request& request) {
   const CTriggerStore store(params);
   const CTriggerStore::CIntervals axes = AxesOf(store, request);
-  const int running = store.dimension(request.mode, request.trigger);
+  const int running = store.dimension(*request.mode, request.trigger);
   Json json;
-  json["mode"] = request.mode;
-  json["mode_name"] = Utf8(params.ModeName(request.mode));
+  json["mode"] = *request.mode;
+  json["mode_name"] = Utf8(params.ModeName(*request.mode));
   json["trigger"] = request.trigger;
   json["trigger_name"] = Utf8(params.TriggerName(request.trigger));
   json["running_dimension"] = running == -1 ? Json() : Json(running);
@@ -110,7 +102,7 @@ Json DescribeTrigger(const CQtParamInstance& params, const TriggerRequest& reque
     std::int64_t of_rows = 0;
     const bool found = CTriggerStore::cell(axes, values, cell, request.clamp);
     const bool found_of_rows =
-        store.cell(request.mode, request.trigger, values, of_rows, request.clamp);
+        store.cell(*request.mode, request.trigger, values, of_rows, request.clamp);
     json["cell"] = found ? Json(cell) : Json();
     json["cell_of_rows"] = found_of_rows ? Json(of_rows) : Json();
     json["places"] = found ? DescribePlaces(axes, cell, values.is_set) : Json::array();
@@ -118,60 +110,36 @@ Json DescribeTrigger(const CQtParamInstance& params, const TriggerRequest& reque
   return json;
 }
 
-std::string CellText(const Json& cell) { return cell.is_null() ? "out of range" : cell.dump(); }
-
 void PrintTrigger(const Json& json) {
-  std::cout << "test step  " << WithName(json["mode"], json["mode_name"]) << "\ntrigger    "
-            << WithName(json["trigger"], json["trigger_name"]) << "\nruns in    "
-            << (json["running_dimension"].is_null()
-                    ? "no single dimension"
-                    : "dimension " + json["running_dimension"].dump())
-            << "\n\n";
-  std::vector<std::vector<std::string>> rows;
-  for (const Json& axis : json["axes"]) {
-    rows.push_back({axis["dimension"].dump(), axis["low"].dump(), axis["high"].dump(),
-                    axis["step"].dump(), axis["cells"].dump(),
-                    axis["direction"].get<std::string>()});
-  }
-  PrintTable({"dimension", "low", "high", "step", "cells", "direction"}, rows);
+  constexpr int width = 11;
+  const bool has_running = !json["running_dimension"].is_null();
+  const auto cell = [](const Json& value) {
+    return value.is_null() ? "out of range" : value.dump();
+  };
+  PrintFacts(width, {{"test step", Cell(json, "mode")},
+                     {"trigger", Cell(json, "trigger")},
+                     {"runs in", has_running ? "dimension " + Cell(json, "running_dimension")
+                                             : "no single dimension"}});
+  std::cout << '\n';
+  PrintTable(json["axes"], {{"dimension", "dimension"},
+                            {"low", "low"},
+                            {"high", "high"},
+                            {"step", "step"},
+                            {"cells", "cells"},
+                            {"direction", "direction"}});
   if (!json.contains("cell")) return;
-  std::cout << "\ncell       " << CellText(json["cell"]) << '\n';
+  std::cout << '\n';
+  PrintFacts(width, {{"cell", cell(json["cell"])}});
   if (json.contains("cell_of_rows") && json["cell_of_rows"] != json["cell"]) {
-    std::cout << "by rows    " << CellText(json["cell_of_rows"])
-              << "  (the table counts from the start of a row, also where that is the upper end)\n";
+    PrintFacts(width, {{"by rows", cell(json["cell_of_rows"]) +
+                                       "  (the table counts from the start of a row, also where "
+                                       "that is the upper end)"}});
   }
   if (json["places"].empty()) return;
   std::cout << '\n';
-  rows.clear();
-  for (const Json& place : json["places"]) {
-    rows.push_back({place["dimension"].dump(), place["index"].dump(), place["middle"].dump(),
-                    place["edge"].dump()});
-  }
-  PrintTable({"dimension", "index", "middle", "edge"}, rows);
-}
-
-}  // namespace
-
-void AddTrigger(CommandLine& line) {
-  auto file = std::make_shared<std::string>();
-  auto request = std::make_shared<TriggerRequest>();
-  CLI::App* command =
-      line.Add("trigger", "The axes of a trigger, the cell of values, the places of a cell",
-               [file, request, &line] {
-                 const DataBase data(*file);
-                 data.RequireAccepted();
-                 data.RequireMode(request->mode);
-                 const Json json = DescribeTrigger(data.params, *request);
-                 line.json ? Print(json) : PrintTrigger(json);
-                 return data.LoadStatus();
-               });
-  command->add_option("FILE", *file, "Parameter file")->required();
-  command->add_option("MODE", request->mode, "Id of a test step")->required();
-  command->add_option("TRIGGER", request->trigger, "Id of a trigger")->required();
-  auto* values = command->add_option("VALUE", request->values,
-                                     "A running value for each axis, in the order of the axes");
-  command->add_option("--cell", request->cell, "Show the places of this cell")->excludes(values);
-  command->add_flag("--clamp", request->clamp, "Take values beside an axis for its nearest cell");
+  PrintTable(
+      json["places"],
+      {{"dimension", "dimension"}, {"index", "index"}, {"middle", "middle"}, {"edge", "edge"}});
 }
 
 }  // namespace kestrindb

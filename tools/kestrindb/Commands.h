@@ -1,0 +1,94 @@
+// The commands of kestrindb: what each is called, takes and answers.
+//
+// Commands.cpp has the table of them. A command describes its answer as JSON, and prints it for
+// people out of the JSON, so that programs and people are told the same; both functions stand in
+// the file of the command's name.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "Answer.h"
+#include "DataBase.h"
+
+namespace CLI {
+class App;
+}
+
+namespace kestrindb {
+
+// What the user asks for. A command sees those arguments that its row of the table names.
+struct Request {
+  bool json = false;
+  std::string file;
+  std::string svg;  // the picture to draw
+  std::optional<int> mode;
+  std::optional<int> parameter;
+  int channel = 0;
+  int trigger = 0;
+  int element = 0;       // of a key
+  std::vector<int> ids;  // of a key: none or six
+  const kestrin::TableCatalogue::TableInfo* table = nullptr;
+  std::string separator = "|";
+  std::string definition;
+
+  bool time = false;
+  int limit = 0;
+  std::vector<int> make;
+  bool show_ids = false;
+  bool bare = false;
+  int speed_source = 0;
+  std::optional<int> assembly;
+  float resolution = 0.0F;
+  unsigned lines = 0;
+  float order_scale = 1.0F;
+  std::string unit = "Hz";
+  std::string x_title = "x";
+  std::string y_title = "y";
+  std::vector<float> values;
+  std::optional<std::int64_t> cell;
+  bool clamp = false;
+
+  CClavis Key() const { return ids.empty() ? CClavis() : CClavis(ids.data()); }
+};
+
+struct Answer {
+  Json json;
+  Status status;
+};
+
+struct Command {
+  // Adds an argument or a group of options.
+  using Argument = void(CLI::App& command, Request& request);
+  // The answer of a data base that was accepted and has the test step, if one is asked for.
+  using Describe = Json(const CQtParamInstance& params, const Request& request);
+  // The same of a command that needs less than such a data base.
+  using DescribeAlone = Answer(const Request& request);
+  using Print = void(const Json& json);
+  using Draw = void(const Json& json, const Request& request);  // into request.svg
+
+  const char* name;
+  const char* help;
+  std::vector<Argument*> arguments;
+  std::variant<Describe*, DescribeAlone*> describe;
+  Print* print;
+  Draw* draw = nullptr;
+};
+
+// In the order of the help.
+const std::vector<Command>& Commands();
+
+// The functions of the table.
+Command::DescribeAlone DescribeLoad, DescribeTables, DescribeCheck, DescribeOrder;
+Command::Describe DescribeNames, DescribeDump, DescribeMode, DescribeKey, DescribePick,
+    DescribeChannel, DescribeRotors, DescribeCalc, DescribeIntervals, DescribePolygon,
+    DescribeTrigger;
+Command::Print PrintLoad, PrintNames, PrintDump, PrintTables, PrintCheck, PrintMode, PrintKey,
+    PrintPick, PrintChannel, PrintRotors, PrintCalc, PrintOrder, PrintIntervals, PrintPolygon,
+    PrintTrigger;
+Command::Draw DrawIntervals, DrawPolygon;
+
+}  // namespace kestrindb

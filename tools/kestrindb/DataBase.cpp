@@ -1,0 +1,52 @@
+#include "DataBase.h"
+
+#include <chrono>
+#include <iostream>
+
+using namespace kestrin;
+
+namespace kestrindb {
+
+// A file with bytes that aren't UTF-8 is read up to them, and can be used as far as that.
+void ReadLake(const std::string& file_name) {
+  CLake& lake = CParameterLake::Lake();
+  lake.read(Wide(file_name));
+  const Refusal& refusal = lake.last_refusal();
+  if (refusal && refusal.reason != Refusal::broken_text) {
+    throw Failure(file_unusable, Utf8(refusal.sentence));
+  }
+}
+
+DataBase::DataBase(const std::string& file_name) {
+  using Clock = std::chrono::steady_clock;
+  const auto seconds_since = [](Clock::time_point begin) {
+    return std::chrono::duration<double>(Clock::now() - begin).count();
+  };
+  const LogSink sink([this](std::wstring_view text, auto category, auto style) {
+    log.push_back({{"category", category}, {"style", style}, {"text", Utf8(text)}});
+    std::cerr << Utf8(text);
+  });
+  const auto begin = Clock::now();
+  ReadLake(file_name);
+  reading = seconds_since(begin);
+  const auto read = Clock::now();
+  params.ReadTablesFromCandidateLake();
+  loading = seconds_since(read);
+}
+
+void DataBase::RequireAccepted() const {
+  if (IsAccepted()) return;
+  throw Failure(data_bad,
+                "The file '" + Utf8(CParameterLake::Lake().filename()) +
+                    "' was not accepted as a data base: " + Utf8(params.LastRefusal().sentence));
+}
+
+void RequireMode(const CQtParamInstance& params, int mode) {
+  const int base = CQtParamInstance::VirtMode2BaseMode(mode);
+  if (params.IsValidMode(mode) || params.IsValidMode(base)) return;
+  throw Failure(data_bad, "There is no test step " + std::to_string(base) +
+                              (base == mode ? "" : ", the base of " + std::to_string(mode)) +
+                              "; see kestrindb names FILE mode.");
+}
+
+}  // namespace kestrindb
