@@ -5,7 +5,6 @@
 
 #include "queries/Grex.h"
 
-#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -41,7 +40,7 @@ class RowFinder {
       for (const auto& row : rows_) compare(row);
       return;
     }
-    std::array<const Word*, Clavis::element_count> sets;
+    const Word* sets[Clavis::element_count];
     for (int element = 0; element < Clavis::element_count; ++element) {
       sets[element] = &sets_[Place(element, key[element] == -1 ? all : Remainder(key[element]), 0)];
     }
