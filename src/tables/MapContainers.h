@@ -187,9 +187,13 @@ class CUniqueTreeMap : public kestrin::StdMap<K, V, Less, Alloc> {
     insert(rows);
     return *this;
   }
-  auto insert(node_type&& node) { return WithRoomFor(node).insert(std::move(node)); }
+  auto insert(node_type&& node) {
+    if (!node.empty()) RequireRoomFor(node.key());
+    return Tree::insert(std::move(node));
+  }
   auto insert(const_iterator at, node_type&& node) {
-    return WithRoomFor(node).insert(at, std::move(node));
+    if (!node.empty()) RequireRoomFor(node.key());
+    return Tree::insert(at, std::move(node));
   }
   auto try_emplace(const K& key, auto&&... value) {
     return Within(Tree::try_emplace(key, std::forward<decltype(value)>(value)...));
@@ -218,7 +222,8 @@ class CUniqueTreeMap : public kestrin::StdMap<K, V, Less, Alloc> {
   void merge(Source&& source) {
     for (auto row = source.begin(); row != source.end();) {
       const auto next = std::next(row);
-      if (!this->contains(row->first)) insert(source.extract(row));
+      RequireRoomFor(row->first);
+      if (!this->contains(row->first)) Tree::insert(source.extract(row));
       row = next;
     }
   }
@@ -238,12 +243,9 @@ class CUniqueTreeMap : public kestrin::StdMap<K, V, Less, Alloc> {
     throw std::length_error(too_long);
   }
 
-  // Before a node is taken, since it would be lost.
-  Tree& WithRoomFor(const node_type& node) {
-    if (!node.empty() && this->size() >= this->max_size() && !this->contains(node.key())) {
-      throw std::length_error(too_long);
-    }
-    return *this;
+  // Asked before a node is taken, which would be lost.
+  void RequireRoomFor(const K& key) const {
+    if (this->size() >= this->max_size() && !this->contains(key)) throw std::length_error(too_long);
   }
 };
 
