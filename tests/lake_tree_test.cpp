@@ -86,7 +86,7 @@ TEST(LakeTree, AProxyReadsAsNumberAndAsText) {
   EXPECT_EQ(constant[L"n"] + 1, 215);
   EXPECT_EQ(lake[L"n"] * lake[L"m"], 1498);
   const long wide = lake[L"n"];
-  const unsigned positive = constant[L"n"];
+  const auto positive = static_cast<unsigned>(constant[L"n"]);
   EXPECT_EQ(wide + positive, 428);
   std::wstring text = lake[L"n"];
   text += std::wstring(constant[L"m"]);

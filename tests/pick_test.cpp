@@ -143,8 +143,6 @@ TEST_F(PickKeys, NoScreenIsTooSmall) {
 
 // --- At a terminal ---
 
-constexpr const char* sample = KESTRIN_SAMPLES "/gearbox.par";
-
 // kestrindb at a pseudo terminal, its standard output in a file; it ends after a minute at most.
 class Session {
  public:

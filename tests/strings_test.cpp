@@ -178,8 +178,9 @@ TEST(Strings, ADialogSpeaksOneLanguage) {
     const DialogTemplate* const dialog = LibraryResources().FindDialog(3002);
     ASSERT_NE(dialog, nullptr);
     EXPECT_EQ(dialog->title, title);
+    const CString text = cancel;
     EXPECT_TRUE(
-        std::ranges::any_of(dialog->items, [&](const auto& i) { return i.text == cancel; }));
+        std::ranges::any_of(dialog->items, [&](const auto& i) { return i.text == text; }));
   }
   EXPECT_EQ(LibraryResources().FindDialog(3001), nullptr);
 }
