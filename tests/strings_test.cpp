@@ -179,8 +179,7 @@ TEST(Strings, ADialogSpeaksOneLanguage) {
     ASSERT_NE(dialog, nullptr);
     EXPECT_EQ(dialog->title, title);
     const CString text = cancel;
-    EXPECT_TRUE(
-        std::ranges::any_of(dialog->items, [&](const auto& i) { return i.text == text; }));
+    EXPECT_TRUE(std::ranges::any_of(dialog->items, [&](const auto& i) { return i.text == text; }));
   }
   EXPECT_EQ(LibraryResources().FindDialog(3001), nullptr);
 }
