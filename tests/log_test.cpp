@@ -7,7 +7,9 @@
 #include <atomic>
 #include <chrono>
 #include <climits>
+#include <clocale>
 #include <cstdlib>
+#include <cwctype>
 #include <stdexcept>
 #include <thread>
 #include <tuple>
