@@ -21,15 +21,6 @@
 #include <utility>
 #include <vector>
 
-// Names that a host may have for itself, whatever the library calls its own helpers.
-inline int Text() { return 0; }
-inline int Number = 0, keys = 0, tables = 0, wildcard = 0, RGB = 0, LibraryVersion = 0;
-struct Language {};
-struct CWnd {};
-struct CPoint {};
-struct WindowHandle {};
-enum CheckState { unchecked, checked };
-
 template <class... Results>
 void use(const Results&...) {}
 
