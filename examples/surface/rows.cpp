@@ -40,5 +40,7 @@ int main() {
   db.AppSignalProperty().insert({QIdx1(99), signal});
   db.SignalDispatch().insert({QIdx1(99), QVSignalDispatch()});
   db.TriggerParam().insert({QIdx3(99, 1, 1), QVTriggerParams()});
-  use(db.SeverityProperty(), db.ErrorCode());
+  std::int32_t& grave = std::get<1>(db.SeverityProperty().begin()->second.tuple());
+  grave += 1;
+  std::wcout << grave + std::get<4>(db.ErrorCode().begin()->second.tuple()) << '\n';
 }
