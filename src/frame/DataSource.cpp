@@ -17,8 +17,8 @@ CCandidateSeaDataSource<T>::CCandidateSeaDataSource(int calc_parameter, int filt
 template <class T>
 bool CCandidateSeaDataSource<T>::Read(T& value, int id) {
   if (!this->loaded && !Load()) return false;
-  const auto found = values.find(id);
-  if (found == values.end()) return false;
+  const auto found = values_.find(id);
+  if (found == values_.end()) return false;
   value = found->second;
   return true;
 }
@@ -26,25 +26,25 @@ bool CCandidateSeaDataSource<T>::Read(T& value, int id) {
 template <class T>
 bool CCandidateSeaDataSource<T>::Load() {
   // Both tables ascend by parameter, so one walk side by side finds the parameter of each row.
-  const auto& parameters = store->Table<L"<TInstrumentParam>">();
+  const auto& parameters = store_->Table<L"<TInstrumentParam>">();
   auto parameter = parameters.begin();
   bool all_known = true;
-  for (const auto& [key, row] : store->Table<L"<TIpCalcParameter>">()) {
-    if (key[1] != number) continue;
+  for (const auto& [key, row] : store_->Table<L"<TIpCalcParameter>">()) {
+    if (key[1] != number_) continue;
     while (parameter != parameters.end() && parameter->first[0] < key[0]) ++parameter;
     if (parameter == parameters.end() || parameter->first[0] != key[0]) {
       all_known = false;
       continue;
     }
-    if (instrument_filter != no_filter && parameter->second.instrument != instrument_filter) {
+    if (instrument_filter_ != no_filter && parameter->second.instrument != instrument_filter_) {
       continue;
     }
     if constexpr (std::is_same_v<T, int>) {
       const auto scanned = Number::ScanInt(row.ValueText());
-      values.emplace_hint(values.end(), key[0],
-                          scanned.state == Number::State::ok ? scanned.value : 0);
+      values_.emplace_hint(values_.end(), key[0],
+                           scanned.state == Number::State::ok ? scanned.value : 0);
     } else {
-      values.emplace_hint(values.end(), key[0], row.ValueText());
+      values_.emplace_hint(values_.end(), key[0], row.ValueText());
     }
   }
   this->loaded = true;

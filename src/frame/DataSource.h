@@ -40,9 +40,9 @@ class KESTRIN_API CCandidateSeaDataSource : public CDataSourceBase<T> {
   // Of another one, which must outlive the view.
   CCandidateSeaDataSource(const CQtParamStore& source_store, int calc_parameter,
                           int filter = no_filter)
-      : store(&source_store), number(calc_parameter), instrument_filter(filter) {}
+      : store_(&source_store), number_(calc_parameter), instrument_filter_(filter) {}
 
-  bool Read(T& value) override { return Read(value, current_id); }
+  bool Read(T& value) override { return Read(value, current_id_); }
 
   // False if this call loads the view and meets a row of a parameter that <TInstrumentParam>
   // doesn't have, or if the parameter has no such value; then value stays.
@@ -50,23 +50,23 @@ class KESTRIN_API CCandidateSeaDataSource : public CDataSourceBase<T> {
 
   typename Values::const_iterator begin() {
     if (!this->loaded) Load();
-    return values.begin();
+    return values_.begin();
   }
-  typename Values::const_iterator end() const { return values.end(); }
+  typename Values::const_iterator end() const { return values_.end(); }
 
   void Reset() {
-    values.clear();
+    values_.clear();
     this->loaded = false;
   }
 
  private:
   bool Load();
 
-  const CQtParamStore* store;
-  int number;
-  int current_id = -1;
-  int instrument_filter;
-  Values values;
+  const CQtParamStore* store_;
+  int number_;
+  int current_id_ = -1;
+  int instrument_filter_;
+  Values values_;
 };
 
 extern template class CCandidateSeaDataSource<int>;

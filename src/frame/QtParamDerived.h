@@ -31,23 +31,23 @@ class CQtParamDerived {
   // The trigger of an instrument parameter, or -1.
   int TriggerId(int instrument_param) const;
 
-  const CQtSpeedInfo& SpeedInfo() const { return speed_info; }
-  const CQtSpecIntervalStore& SpecIntervals() const { return spec_intervals; }
-  const CQtChannelInfo& ChannelInfo() const { return channel_info; }
-  const CQtRotorInfo& RotorInfo() const { return rotor_info; }
-  const CQtModeInfo& ModeInfo() const { return mode_info; }
-  const CGrexInfo& GrexInfo() const { return grex_info; }
+  const CQtSpeedInfo& SpeedInfo() const { return speed_info_; }
+  const CQtSpecIntervalStore& SpecIntervals() const { return spec_intervals_; }
+  const CQtChannelInfo& ChannelInfo() const { return channel_info_; }
+  const CQtRotorInfo& RotorInfo() const { return rotor_info_; }
+  const CQtModeInfo& ModeInfo() const { return mode_info_; }
+  const CGrexInfo& GrexInfo() const { return grex_info_; }
 
  private:
   void ExpandResampling();
 
-  CQtParamStore* store;
+  CQtParamStore* store_;
   // Filled by Build, so that reading it from a query changes nothing.
-  mutable DataSource::CCandidateSeaDataSource<int> trigger_ids;
-  CQtSpeedInfo speed_info;
-  CQtSpecIntervalStore spec_intervals;
-  CQtChannelInfo channel_info;
-  CQtRotorInfo rotor_info;
-  CQtModeInfo mode_info;
-  CGrexInfo grex_info;
+  mutable DataSource::CCandidateSeaDataSource<int> trigger_ids_;
+  CQtSpeedInfo speed_info_;
+  CQtSpecIntervalStore spec_intervals_;
+  CQtChannelInfo channel_info_;
+  CQtRotorInfo rotor_info_;
+  CQtModeInfo mode_info_;
+  CGrexInfo grex_info_;
 };

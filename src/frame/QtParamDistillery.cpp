@@ -41,28 +41,28 @@ Refusal UnknownParameter(const CQtParamStore& store) {
 
 }  // namespace
 
-CQtParamDistillery::CQtParamDistillery() : derived(std::make_unique<CQtParamDerived>(*this)) {}
+CQtParamDistillery::CQtParamDistillery() : derived_(std::make_unique<CQtParamDerived>(*this)) {}
 
 CQtParamDistillery::~CQtParamDistillery() = default;
 
 void CQtParamDistillery::Clear() {
   CQtParamStore::Clear();
-  initialized = false;
+  initialized_ = false;
 }
 
 bool CQtParamDistillery::ReadTablesFromCandidateLake() {
-  last_refusal = {};
+  last_refusal_ = {};
   if (!CQtParamStore::ReadTablesFromCandidateLake()) {
-    last_refusal = CQTableManager::WhyRefused(CParameterLake::Lake());
+    last_refusal_ = CQTableManager::WhyRefused(CParameterLake::Lake());
     return false;
   }
   time_signal_id = FindTimeSignal(*this);
-  derived->Build();
-  if (!derived->CompleteRelativeLimitKeys()) {
-    last_refusal = UnknownParameter(*this);
+  derived_->Build();
+  if (!derived_->CompleteRelativeLimitKeys()) {
+    last_refusal_ = UnknownParameter(*this);
     return false;
   }
-  initialized = true;
+  initialized_ = true;
   return true;
 }
 

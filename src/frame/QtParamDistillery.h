@@ -33,9 +33,9 @@ class KESTRIN_API CQtParamDistillery : public CQtParamStore {
   bool ReadTablesFromCandidateLake();
 
   // Why the last load gave false; no reason after one that gave true, and before any.
-  const kestrin::Refusal& LastRefusal() const { return last_refusal; }
+  const kestrin::Refusal& LastRefusal() const { return last_refusal_; }
 
-  const CQtParamDerived& Derived() const { return *derived; }
+  const CQtParamDerived& Derived() const { return *derived_; }
 
   // The application signal that carries time, as the last load of the process found it; -1 if there
   // is none.
@@ -44,7 +44,7 @@ class KESTRIN_API CQtParamDistillery : public CQtParamStore {
  private:
   friend class CQtParamInstance;
 
-  std::unique_ptr<CQtParamDerived> derived;  // never null
-  bool initialized = false;
-  kestrin::Refusal last_refusal;
+  std::unique_ptr<CQtParamDerived> derived_;  // never null
+  bool initialized_ = false;
+  kestrin::Refusal last_refusal_;
 };

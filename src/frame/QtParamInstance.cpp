@@ -6,7 +6,7 @@
 CQtParamInstance::CQtParamInstance(CQtParamDistillery* store)
     : store_(store != nullptr ? store : &CQtParamServer::Object().store()) {}
 
-bool CQtParamInstance::Initialized() const { return store_->initialized; }
+bool CQtParamInstance::Initialized() const { return store_->initialized_; }
 
 bool CQtParamInstance::ReadTablesFromCandidateLake() {
   return store_->ReadTablesFromCandidateLake();
@@ -20,7 +20,7 @@ void CQtParamInstance::PurgeTables() { store_->PurgeTables(); }
 
 void CQtParamInstance::DumpTables(int limit) const {
   store_->DumpTables(limit);
-  store_->derived->Dump(limit);
+  store_->derived_->Dump(limit);
 }
 
 CString CQtParamInstance::BaseType() const { return store_->BaseType(); }

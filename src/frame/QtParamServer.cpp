@@ -9,4 +9,4 @@ CQtParamServer& CQtParamServer::Object() {
 
 void CQtParamServer::Create() {}
 
-void CQtParamServer::Clear() { distillery.Clear(); }
+void CQtParamServer::Clear() { distillery_.Clear(); }

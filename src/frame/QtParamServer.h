@@ -18,7 +18,7 @@ class KESTRIN_API CQtParamServer {
   friend class CQtParamInstance;
 
   CQtParamServer();
-  CQtParamDistillery& store() { return distillery; }
+  CQtParamDistillery& store() { return distillery_; }
 
-  CQtParamDistillery distillery;
+  CQtParamDistillery distillery_;
 };

@@ -7,14 +7,14 @@ using namespace kestrin;
 void CQIdx8Set::clear() { *this = CQIdx8Set(); }
 
 std::set<int>& CQIdx8Set::ElementSet(unsigned int element) {
-  if (element == Type) return types;
-  if (element == Bench) return benches;
+  if (element == Type) return types_;
+  if (element == Bench) return benches_;
   return CClavisSet::ElementSet(element);
 }
 
 const std::set<int>& CQIdx8Set::ElementSet(unsigned int element) const {
-  if (element == Type) return types;
-  if (element == Bench) return benches;
+  if (element == Type) return types_;
+  if (element == Bench) return benches_;
   return CClavisSet::ElementSet(element);
 }
 
@@ -34,8 +34,8 @@ CQIdx8Set& CQIdx8Set::insertInstrPar(int instrument, int parameter, bool all_if_
 }
 
 CQIdx8Set& CQIdx8Set::insertTypeBench(int type, int bench, bool all_if_open) {
-  wildcard::Insert(types, type, all_if_open);
-  wildcard::Insert(benches, bench, all_if_open);
+  wildcard::Insert(types_, type, all_if_open);
+  wildcard::Insert(benches_, bench, all_if_open);
   return *this;
 }
 
@@ -46,38 +46,40 @@ CQIdx8Set& CQIdx8Set::operator+=(const CClavis& key) {
 
 CQIdx8Set& CQIdx8Set::operator-=(const QIdx8& key) {
   CClavisSet::operator-=(key.id);
-  types.erase(key.Type);
-  benches.erase(key.Bench);
+  types_.erase(key.Type);
+  benches_.erase(key.Bench);
   return *this;
 }
 
 CQIdx8Set& CQIdx8Set::operator|=(const CQIdx8Set& other) {
   CClavisSet::operator|=(other);
-  wildcard::Unite(types, other.types);
-  wildcard::Unite(benches, other.benches);
+  wildcard::Unite(types_, other.types_);
+  wildcard::Unite(benches_, other.benches_);
   return *this;
 }
 
 CQIdx8Set& CQIdx8Set::operator&=(const CQIdx8Set& other) {
   CClavisSet::operator&=(other);
-  wildcard::Intersect(types, other.types);
-  wildcard::Intersect(benches, other.benches);
+  wildcard::Intersect(types_, other.types_);
+  wildcard::Intersect(benches_, other.benches_);
   return *this;
 }
 
 bool CQIdx8Set::operator&&(const QIdx8& key) const {
-  return CClavisSet::operator&&(key.id) && wildcard::Covers(types, key.Type) &&
-         wildcard::Covers(benches, key.Bench);
+  return CClavisSet::operator&&(key.id) && wildcard::Covers(types_, key.Type) &&
+         wildcard::Covers(benches_, key.Bench);
 }
 
 bool CQIdx8Set::contains(unsigned int element, int value) const {
   return wildcard::Covers(ElementSet(element), value);
 }
 
-bool CQIdx8Set::valid() const { return CClavisSet::valid() && !types.empty() && !benches.empty(); }
+bool CQIdx8Set::valid() const {
+  return CClavisSet::valid() && !types_.empty() && !benches_.empty();
+}
 
 void CQIdx8Set::completeness_check(const CQIdx8Set& all) {
   CClavisSet::completeness_check(all);
-  CheckForCompleteness(types, all.types);
-  CheckForCompleteness(benches, all.benches);
+  CheckForCompleteness(types_, all.types_);
+  CheckForCompleteness(benches_, all.benches_);
 }

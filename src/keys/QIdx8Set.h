@@ -33,10 +33,10 @@ class KESTRIN_API CQIdx8Set : public CClavisSet {
   std::set<int>& ElementSet(unsigned int element);
   const std::set<int>& ElementSet(unsigned int element) const;
 
-  std::set<int>& TypeSet() { return types; }
-  const std::set<int>& TypeSet() const { return types; }
-  std::set<int>& BenchSet() { return benches; }
-  const std::set<int>& BenchSet() const { return benches; }
+  std::set<int>& TypeSet() { return types_; }
+  const std::set<int>& TypeSet() const { return types_; }
+  std::set<int>& BenchSet() { return benches_; }
+  const std::set<int>& BenchSet() const { return benches_; }
 
   // With `all_if_open` an element of -1 widens its set to all, without it adds nothing.
   CQIdx8Set& insert(const QIdx8& key, bool all_if_open);
@@ -68,6 +68,6 @@ class KESTRIN_API CQIdx8Set : public CClavisSet {
   friend bool operator==(const CQIdx8Set&, const CQIdx8Set&) = default;
 
  private:
-  std::set<int> types;
-  std::set<int> benches;
+  std::set<int> types_;
+  std::set<int> benches_;
 };

@@ -101,38 +101,38 @@ class Walks {
 }  // namespace
 
 CQtChannelInfo::CQtChannelInfo(const CQtParamStore& param_store, const CQtSpeedInfo& speeds)
-    : store(&param_store), speed_info(&speeds), base_channels(L"<PiBaseChannelId>") {}
+    : store_(&param_store), speed_info_(&speeds), base_channels_(L"<PiBaseChannelId>") {}
 
 void CQtChannelInfo::Build() {
-  base_channels.Purge();
+  base_channels_.Purge();
   ClosedChains closed_chains;
-  for (const auto& mode : store->Table<L"<TMode>">()) {
+  for (const auto& mode : store_->Table<L"<TMode>">()) {
     Walks walks(*this, mode.first[0], closed_chains);
-    for (const auto& channel : store->Table<L"<TChannel>">()) {
+    for (const auto& channel : store_->Table<L"<TChannel>">()) {
       const QIdx2 key(mode.first[0], channel.first[0]);
-      base_channels.insert(base_channels.end(), {key, walks.From(key[1])});
+      base_channels_.insert(base_channels_.end(), {key, walks.From(key[1])});
     }
   }
 }
 
 int CQtChannelInfo::ParentChannel(int mode, int channel) const {
-  const auto& parents = store->Table<L"<TChannelInheritance>">();
+  const auto& parents = store_->Table<L"<TChannelInheritance>">();
   const QVRefIdx* const row = RowOf(parents, {channel, mode});
   if (row != nullptr) return row->ref;
   return FieldOr(parents, {channel, every_mode}, &QVRefIdx::ref, no_channel);
 }
 
 unsigned CQtChannelInfo::ResamplingType(int channel) const {
-  return FieldOr(store->Table<L"<TChannelProperty>">(), channel,
+  return FieldOr(store_->Table<L"<TChannelProperty>">(), channel,
                  &QVChannelProperty::resampling_type, 0U);
 }
 
 int CQtChannelInfo::BaseChannel(int mode, int channel) const {
-  return FieldOr(base_channels, {mode, channel}, &QVRefFlag::ref, 0);
+  return FieldOr(base_channels_, {mode, channel}, &QVRefFlag::ref, 0);
 }
 
 int CQtChannelInfo::ChannelFlags(int mode, int channel) const {
-  return FieldOr(base_channels, {mode, channel}, &QVRefFlag::flags, 0);
+  return FieldOr(base_channels_, {mode, channel}, &QVRefFlag::flags, 0);
 }
 
 int CQtParamInstance::ParentChannel(int mode, int channel) const {

@@ -102,7 +102,7 @@ void CGrexInfo::LayOutStoredPolygons() {
   IpPolygonValues.clear();
   int previous = -1;
   int number = 0;
-  for (const auto& [place, value] : store->Table<L"<TIpPolygonValue>">()) {
+  for (const auto& [place, value] : store_->Table<L"<TIpPolygonValue>">()) {
     if (place.id != previous) number = 0;
     IpPolygonValues.try_emplace(IpPolygonValues.end(), {place.id, number},
                                 CVPoint{place.value, value.y});
@@ -113,8 +113,8 @@ void CGrexInfo::LayOutStoredPolygons() {
 
 void CGrexInfo::ExpandWildcards() {
   IpTrackPolygon.clear();
-  const auto& keys = store->Table<L"<TIpParamAndStore>">();
-  const RowFinder finder(store->Table<L"<TGrex10001>">(), keys.size());
+  const auto& keys = store_->Table<L"<TIpParamAndStore>">();
+  const RowFinder finder(store_->Table<L"<TGrex10001>">(), keys.size());
   int free_id = IpPolygonValues.empty() ? 0 : FreeIdAfter(IpPolygonValues.rbegin()->first.first);
   for (const auto& [key, unused] : keys) {
     bool is_first = true;

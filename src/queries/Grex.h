@@ -44,7 +44,7 @@ class CGrexInfo {
   using PolygonValues = std::map<std::pair<int, int>, CVPoint>;
 
   // The store must outlive this.
-  explicit CGrexInfo(const CQtParamStore& param_store) : store(&param_store) {}
+  explicit CGrexInfo(const CQtParamStore& param_store) : store_(&param_store) {}
 
   // Replaces both maps by what the tables hold. Logs a line for each further row that matches a
   // key: such a row has no say, but if it holds two points, the polygon made of them stays.
@@ -56,7 +56,7 @@ class CGrexInfo {
   CVIpSvTrackPolygon Record(const QVIpSvTrackPolygon& row, int& free_id);
   int FreeIdAfter(int id) const;
 
-  const CQtParamStore* store;
+  const CQtParamStore* store_;
 
  public:
   TrackPolygons IpTrackPolygon;   // by the key as it is listed

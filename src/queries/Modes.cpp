@@ -128,7 +128,7 @@ bool CQtParamInstance::ModeIsOfType(int id, QVModeProps::modeFlag flag) const {
 
 std::wstring CQtModeInfo::VirtModeNameFragment(AutoModeParams::const_iterator row, bool positive,
                                                float position, unsigned precision) const {
-  auto& signals = store->Table<L"<TAppSignalProperty>">();
+  auto& signals = store_->Table<L"<TAppSignalProperty>">();
   const auto signal = signals.find(row->first);
   std::wstring text;
   if (signal == signals.end()) return text;
@@ -140,16 +140,16 @@ std::wstring CQtModeInfo::VirtModeNameFragment(AutoModeParams::const_iterator ro
 
 std::wstring CQtModeInfo::VirtModeName(int id) const {
   std::wstring name;
-  const int phys_mode = CQtSpeedInfo(*store).PhysModeOf(CQtParamInstance::VirtMode2BaseMode(id));
+  const int phys_mode = CQtSpeedInfo(*store_).PhysModeOf(CQtParamInstance::VirtMode2BaseMode(id));
   if (!CQtParamInstance::IsVirtualMode(id) || phys_mode == -1) return name;
-  const AutoModeParams& rows = store->Table<L"<TAutoModeParam>">();
+  const AutoModeParams& rows = store_->Table<L"<TAutoModeParam>">();
   if (rows.empty()) {
-    name = store->Table<L"<TMode>">().Name(CQtParamInstance::VirtMode2BaseMode(id));
+    name = store_->Table<L"<TMode>">().Name(CQtParamInstance::VirtMode2BaseMode(id));
     name += L'#';
     Number::Append(name, CQtParamInstance::VirtModeExtension(id));
     return name;
   }
-  name = store->Table<L"<TPhysMode>">().Name(phys_mode);
+  name = store_->Table<L"<TPhysMode>">().Name(phys_mode);
   std::size_t i = 0;
   for (auto row = rows.begin(); row != rows.end(); ++row, ++i) {
     // Digit 0, no band, comes out as band 2^32 - 1, which shows that there is something wrong.

@@ -43,7 +43,7 @@ class CQtChannelInfo {
   void Build();
 
   // Logs the derived table; all rows with limit 0.
-  void Dump(int limit) const { kestrin::DumpRows(base_channels, limit); }
+  void Dump(int limit) const { kestrin::DumpRows(base_channels_, limit); }
 
   // Read from the tables as they are: the direct parent or -1, and the channel's own type or 0.
   int ParentChannel(int mode, int channel) const;
@@ -54,7 +54,7 @@ class CQtChannelInfo {
   int ChannelFlags(int mode, int channel) const;
 
  private:
-  const CQtParamStore* store;
-  [[maybe_unused]] const CQtSpeedInfo* speed_info;  // at hand for channels that follow a rotor
-  CQParamTypedTable<CBaseChannels> base_channels;
+  const CQtParamStore* store_;
+  [[maybe_unused]] const CQtSpeedInfo* speed_info_;  // at hand for channels that follow a rotor
+  CQParamTypedTable<CBaseChannels> base_channels_;
 };

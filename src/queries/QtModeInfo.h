@@ -22,7 +22,7 @@ class CQtModeInfo {
   using AutoModeParams = kestrin::tables::TableOf<L"<TAutoModeParam>">;
 
   // The store must outlive this.
-  explicit CQtModeInfo(CQtParamStore& param_store) : store(&param_store) {}
+  explicit CQtModeInfo(CQtParamStore& param_store) : store_(&param_store) {}
 
   // The operations of CQtParamInstance of the same names.
   std::wstring VirtModeNameFragment(AutoModeParams::const_iterator row, bool positive,
@@ -33,5 +33,5 @@ class CQtModeInfo {
   const wchar_t* MadeName(int id) const;
 
  private:
-  CQtParamStore* store;
+  CQtParamStore* store_;
 };

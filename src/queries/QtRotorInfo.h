@@ -36,8 +36,8 @@ class CQtRotorInfo {
   Range OrderSourceRange(int mode, int channel, int rotor) const;
 
  private:
-  const CQtParamStore* store;
-  const CQtSpeedInfo* speed_info;
-  const CQtChannelInfo* channel_info;
-  CQParamTypedTable<CRotor2OrderSources> m_rotor2OrderSources;
+  const CQtParamStore* store_;
+  const CQtSpeedInfo* speed_info_;
+  const CQtChannelInfo* channel_info_;
+  CQParamTypedTable<CRotor2OrderSources> rotor2OrderSources_;
 };

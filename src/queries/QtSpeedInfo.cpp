@@ -13,31 +13,31 @@ constexpr int none = -1;
 
 int CQtSpeedInfo::PhysModeOf(int mode) const {
   if (mode == none) return none;
-  return FieldOr(store->Table<L"<TModeProperty>">(), mode, &QVModeProps::phys_mode, none);
+  return FieldOr(store_->Table<L"<TModeProperty>">(), mode, &QVModeProps::phys_mode, none);
 }
 
 int CQtSpeedInfo::PhysicalGearOf(int phys_mode, int gear) const {
   if (phys_mode == none || gear == none) return none;
-  return FieldOr(store->Table<L"<TVirtual2PhysGear>">(), {phys_mode, gear}, &QVRefIdx::ref, gear);
+  return FieldOr(store_->Table<L"<TVirtual2PhysGear>">(), {phys_mode, gear}, &QVRefIdx::ref, gear);
 }
 
 int CQtSpeedInfo::RotorOf(int phys_mode, int source) const {
   if (phys_mode == none || source == none) return none;
-  return FieldOr(store->Table<L"<TOrderSource2Rotor>">(), {source, phys_mode}, &QVRefIdx::ref,
+  return FieldOr(store_->Table<L"<TOrderSource2Rotor>">(), {source, phys_mode}, &QVRefIdx::ref,
                  source);
 }
 
 int CQtSpeedInfo::SpeedSourceOf(int phys_mode, int rotor) const {
-  return FieldOr(store->Table<L"<TRotorSpeedSource>">(), {phys_mode, rotor}, &QVRefIdx::ref, none);
+  return FieldOr(store_->Table<L"<TRotorSpeedSource>">(), {phys_mode, rotor}, &QVRefIdx::ref, none);
 }
 
 int CQtSpeedInfo::AppIdOf(int speed_source) const {
   if (speed_source == none) return none;
-  return FieldOr(store->Table<L"<TSpeedSource>">(), speed_source, &QVRefIdx::ref, none);
+  return FieldOr(store_->Table<L"<TSpeedSource>">(), speed_source, &QVRefIdx::ref, none);
 }
 
 const float* CQtSpeedInfo::BaseOrderOf(int physical_gear) const {
-  const QVBaseOrder* const row = RowOf(store->Table<L"<TBaseOrder>">(), physical_gear);
+  const QVBaseOrder* const row = RowOf(store_->Table<L"<TBaseOrder>">(), physical_gear);
   return row != nullptr ? &row->base_order : nullptr;
 }
 
@@ -49,7 +49,7 @@ int CQtSpeedInfo::SpeedSourceOfOrderSource(int mode, int source) const {
 
 float CQtSpeedInfo::RotorFrequency(int mode, int source) const {
   if (mode == none || source == none) return 0.0F;
-  const auto& speeds = store->Table<L"<TRotorSpeed>">();
+  const auto& speeds = store_->Table<L"<TRotorSpeed>">();
   const int phys_mode = PhysModeOf(mode);
   const int gear = PhysicalGearOf(phys_mode, source);
   const auto* const row = RowOf(speeds, {phys_mode, RotorOf(phys_mode, gear)});

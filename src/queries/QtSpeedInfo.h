@@ -15,7 +15,7 @@ class CQtParamStore;
 
 class CQtSpeedInfo {
  public:
-  explicit CQtSpeedInfo(const CQtParamStore& param_store) : store(&param_store) {}
+  explicit CQtSpeedInfo(const CQtParamStore& param_store) : store_(&param_store) {}
 
   // -1 for a test step without properties.
   int PhysModeOf(int mode) const;
@@ -44,5 +44,5 @@ class CQtSpeedInfo {
   float FrequencyRatio(int mode, int generating, int other) const;
 
  private:
-  const CQtParamStore* store;
+  const CQtParamStore* store_;
 };

@@ -22,32 +22,32 @@ void LogMissingBaseOrder(int rotor, int phys_mode) {
 
 CQtRotorInfo::CQtRotorInfo(const CQtParamStore& param_store, const CQtSpeedInfo& speeds,
                            const CQtChannelInfo& channels)
-    : store(&param_store),
-      speed_info(&speeds),
-      channel_info(&channels),
-      m_rotor2OrderSources(L"<PiRotor2OrderSources>") {}
+    : store_(&param_store),
+      speed_info_(&speeds),
+      channel_info_(&channels),
+      rotor2OrderSources_(L"<PiRotor2OrderSources>") {}
 
 void CQtRotorInfo::Build() {
-  m_rotor2OrderSources.Purge();
+  rotor2OrderSources_.Purge();
   int running_number = 0;
-  for (const auto& [key, row] : store->Table<L"<TOrderSource2Rotor>">()) {
+  for (const auto& [key, row] : store_->Table<L"<TOrderSource2Rotor>">()) {
     const int order_source = key[0];
     const int phys_mode = key[1];
-    if (!speed_info->BaseOrderOf(speed_info->PhysicalGearOf(phys_mode, order_source))) {
+    if (!speed_info_->BaseOrderOf(speed_info_->PhysicalGearOf(phys_mode, order_source))) {
       LogMissingBaseOrder(row.ref, phys_mode);
       continue;
     }
-    const int speed_source = speed_info->SpeedSourceOf(phys_mode, row.ref);
-    m_rotor2OrderSources.insert({{phys_mode, speed_source, row.ref, running_number}, order_source});
+    const int speed_source = speed_info_->SpeedSourceOf(phys_mode, row.ref);
+    rotor2OrderSources_.insert({{phys_mode, speed_source, row.ref, running_number}, order_source});
     ++running_number;
   }
 }
 
 CQtRotorInfo::Range CQtRotorInfo::OrderSourceRange(int mode, int channel, int rotor) const {
-  const auto& table = m_rotor2OrderSources;
-  const auto flags = static_cast<unsigned>(channel_info->ChannelFlags(mode, channel));
-  const int phys_mode = speed_info->PhysModeOf(mode);
-  const int speed_source = speed_info->SpeedSourceOf(phys_mode, rotor);
+  const auto& table = rotor2OrderSources_;
+  const auto flags = static_cast<unsigned>(channel_info_->ChannelFlags(mode, channel));
+  const int phys_mode = speed_info_->PhysModeOf(mode);
+  const int speed_source = speed_info_->SpeedSourceOf(phys_mode, rotor);
   constexpr int last = std::numeric_limits<int>::max();
   if ((flags & CQtParamInstance::channel_mix) != 0) {
     return {table.lower_bound({phys_mode, speed_source, 0, 0}),

@@ -10,21 +10,22 @@
 
 void CQtSpecInterval::LoadTransformParams(int mode, int new_speed_source, int new_assembly) {
   const int new_base_mode = CQtParamInstance::VirtMode2BaseMode(mode);
-  if (new_base_mode == base_mode && new_speed_source == speed_source && new_assembly == assembly) {
+  if (new_base_mode == base_mode_ && new_speed_source == speed_source_ &&
+      new_assembly == assembly_) {
     return;
   }
-  base_mode = new_base_mode;
-  speed_source = new_speed_source;
-  assembly = new_assembly;
-  ratio_assembly2speed_src =
-      std::abs(instance.FrequencyRatioToGeneratingRotor(base_mode, speed_source, assembly));
-  base_order = instance.BaseOrder(base_mode, assembly);
+  base_mode_ = new_base_mode;
+  speed_source_ = new_speed_source;
+  assembly_ = new_assembly;
+  ratio_assembly2speed_src_ =
+      std::abs(instance_.FrequencyRatioToGeneratingRotor(base_mode_, speed_source_, assembly_));
+  base_order_ = instance_.BaseOrder(base_mode_, assembly_);
 }
 
 float CQtSpecInterval::Value(const QVSpecIntervalEntry::Definition& position, float resolution,
                              float scale) const {
-  const float assembly_orders = position.harmonic() * base_order + position.modulation();
-  const float orders = assembly_orders * ratio_assembly2speed_src + position.order();
+  const float assembly_orders = position.harmonic() * base_order_ + position.modulation();
+  const float orders = assembly_orders * ratio_assembly2speed_src_ + position.order();
   return orders * scale + position.frequency() + static_cast<float>(position.lines()) * resolution;
 }
 
@@ -35,8 +36,8 @@ CQtSpecInterval::index_range_result_t CQtSpecInterval::FrequencyRange(
   const auto& upper = entry.upper();
   const bool harmonics = lower.harmonic() != 0.0F || upper.harmonic() != 0.0F;
   const bool modulation = lower.modulation() != 0.0F || upper.modulation() != 0.0F;
-  if (harmonics && base_order == 0.0F) return index_range_no_base_order;
-  if ((harmonics || modulation) && ratio_assembly2speed_src == 0.0F) return index_range_no_ratio;
+  if (harmonics && base_order_ == 0.0F) return index_range_no_base_order;
+  if ((harmonics || modulation) && ratio_assembly2speed_src_ == 0.0F) return index_range_no_ratio;
 
   const float scale = entry.domain() == QVSpecIntervalEntry::domain_mixed ? order_scale : 1.0F;
   low = Value(lower, resolution, scale);

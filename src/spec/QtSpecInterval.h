@@ -41,7 +41,7 @@ class KESTRIN_API CQtSpecInterval {
   };
 
   // The handle must outlive this. Until a load both numbers are 0.
-  explicit CQtSpecInterval(const CQtParamInstance& params) : instance(params) {}
+  explicit CQtSpecInterval(const CQtParamInstance& params) : instance_(params) {}
   explicit CQtSpecInterval(const CQtParamInstance&& temporary) = delete;
 
   // Takes base order and ratio for a test step, virtual or not, and two order sources; 0 where the
@@ -50,7 +50,7 @@ class KESTRIN_API CQtSpecInterval {
   void LoadTransformParams(int mode, int speed_source, int assembly);
 
   // Never negative.
-  float RatioAssembly2SpeedSrc() const { return ratio_assembly2speed_src; }
+  float RatioAssembly2SpeedSrc() const { return ratio_assembly2speed_src_; }
 
   // The bounds of an interval. `resolution` is the distance of two lines on the axis, order_scale
   // the value of one order in the unit of F, used for mixed intervals only.
@@ -76,10 +76,10 @@ class KESTRIN_API CQtSpecInterval {
  private:
   float Value(const QVSpecIntervalEntry::Definition& position, float resolution, float scale) const;
 
-  const CQtParamInstance& instance;
-  float base_order = 0.0F;
-  float ratio_assembly2speed_src = 0.0F;
-  int base_mode = -1;
-  int speed_source = -1;
-  int assembly = -1;
+  const CQtParamInstance& instance_;
+  float base_order_ = 0.0F;
+  float ratio_assembly2speed_src_ = 0.0F;
+  int base_mode_ = -1;
+  int speed_source_ = -1;
+  int assembly_ = -1;
 };

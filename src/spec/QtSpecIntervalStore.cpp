@@ -25,17 +25,17 @@ unsigned ReadPositions(const wchar_t* definition, Positions& positions, unsigned
 }  // namespace
 
 CQtSpecIntervalStore::CQtSpecIntervalStore(const CQtParamStore& store)
-    : table(L"<PiSpecIntervalStore>"),
-      interpretations(store, QVIpCalcParameter::interpretation),
-      definitions(store, QVIpCalcParameter::definition),
-      references(store, QVIpCalcParameter::base_order_reference) {}
+    : table_(L"<PiSpecIntervalStore>"),
+      interpretations_(store, QVIpCalcParameter::interpretation),
+      definitions_(store, QVIpCalcParameter::definition),
+      references_(store, QVIpCalcParameter::base_order_reference) {}
 
 void CQtSpecIntervalStore::Rebuild() {
-  table.Purge();
-  ip_sv_of_spec.clear();
-  interpretations.Reset();
-  definitions.Reset();
-  references.Reset();
+  table_.Purge();
+  ip_sv_of_spec_.clear();
+  interpretations_.Reset();
+  definitions_.Reset();
+  references_.Reset();
   Load(max_orders);
 }
 
@@ -47,14 +47,14 @@ void CQtSpecIntervalStore::Load(unsigned nr_orders) {
     return;
   }
   // A view that fills itself in a read may give false there for what it holds; begin fills it too.
-  interpretations.begin();
-  references.begin();
-  for (auto definition = definitions.begin(); definition != definitions.end(); ++definition) {
+  interpretations_.begin();
+  references_.begin();
+  for (auto definition = definitions_.begin(); definition != definitions_.end(); ++definition) {
     const auto [id, text] = *definition;
     QVIpSvOfSpec record{.definition = text};
-    if (!interpretations.Read(record.interpretation, id)) continue;
-    if (!references.Read(record.reference, id)) continue;
-    ip_sv_of_spec.insert_or_assign(id, record);
+    if (!interpretations_.Read(record.interpretation, id)) continue;
+    if (!references_.Read(record.reference, id)) continue;
+    ip_sv_of_spec_.insert_or_assign(id, record);
     ProcessTables(id, text, nr_orders);
   }
 }
@@ -72,19 +72,19 @@ void CQtSpecIntervalStore::ProcessTables(int id, const wchar_t* definition, unsi
   }
   for (unsigned i = 0; i < count; i += 2) {
     const auto& upper = positions[std::min(i + 1, count - 1)];  // a single one is its own partner
-    table.insert_or_assign(QIdx2(id, static_cast<int>(i)),
-                           QVSpecIntervalEntry(positions[i], upper));
+    table_.insert_or_assign(QIdx2(id, static_cast<int>(i)),
+                            QVSpecIntervalEntry(positions[i], upper));
   }
 }
 
 const wchar_t* CQtSpecIntervalStore::SpecIntervalDefinition(int id) const {
-  return FieldOr(ip_sv_of_spec, id, &QVIpSvOfSpec::definition, nullptr);
+  return FieldOr(ip_sv_of_spec_, id, &QVIpSvOfSpec::definition, nullptr);
 }
 
 CQtSpecIntervalStore::IntervalRange CQtSpecIntervalStore::SpecIntervalRange(int id) const {
   // Not up to the next id: the largest one has none.
-  return {table.lower_bound(QIdx2(id, -1)),
-          table.upper_bound(QIdx2(id, std::numeric_limits<int>::max()))};
+  return {table_.lower_bound(QIdx2(id, -1)),
+          table_.upper_bound(QIdx2(id, std::numeric_limits<int>::max()))};
 }
 
 unsigned CQtSpecIntervalStore::Range(const wchar_t* definition, QVSpecIntervalEntry* ranges,

@@ -59,7 +59,7 @@ class CQtSpecIntervalStore {
   void ProcessTables(int id, const wchar_t* definition, unsigned nr_orders);
 
   // Logs the intervals; all of them with limit 0.
-  void Dump(int limit) const { kestrin::DumpRows(table, limit); }
+  void Dump(int limit) const { kestrin::DumpRows(table_, limit); }
 
   // Null without a record.
   const wchar_t* SpecIntervalDefinition(int id) const;
@@ -67,7 +67,7 @@ class CQtSpecIntervalStore {
   // All intervals of a parameter, ascending by index; empty if it has none.
   IntervalRange SpecIntervalRange(int id) const;
 
-  const Records& IpSvOfSpec() const { return ip_sv_of_spec; }
+  const Records& IpSvOfSpec() const { return ip_sv_of_spec_; }
 
   // Reads any definition without touching a store: each pair of positions goes into one element of
   // ranges, from the first on, and the number of these is returned. At most order_limit positions
@@ -78,9 +78,9 @@ class CQtSpecIntervalStore {
                                     unsigned order_limit);
 
  private:
-  CQParamTypedTable<kestrin::CSpecIntervalMap> table;
-  Records ip_sv_of_spec;
-  DataSource::CCandidateSeaDataSource<int> interpretations;
-  DataSource::CCandidateSeaDataSource<const wchar_t*> definitions;
-  DataSource::CCandidateSeaDataSource<int> references;
+  CQParamTypedTable<kestrin::CSpecIntervalMap> table_;
+  Records ip_sv_of_spec_;
+  DataSource::CCandidateSeaDataSource<int> interpretations_;
+  DataSource::CCandidateSeaDataSource<const wchar_t*> definitions_;
+  DataSource::CCandidateSeaDataSource<int> references_;
 };

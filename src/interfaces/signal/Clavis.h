@@ -45,19 +45,19 @@ class KESTRIN_API CClavis {
   // No value in any element.
   constexpr CClavis() = default;
 
-  constexpr explicit CClavis(const SClavis& ids) : base(ids) {}
+  constexpr explicit CClavis(const SClavis& ids) : base_(ids) {}
 
   // `ids` shows six ints in the order of Clavis::qOrder, such as the array of a QClavis.
-  constexpr explicit CClavis(const int* ids) { std::copy_n(ids, Clavis::element_count, base.id); }
+  constexpr explicit CClavis(const int* ids) { std::copy_n(ids, Clavis::element_count, base_.id); }
 
-  constexpr const SClavis& Base() const { return base; }
+  constexpr const SClavis& Base() const { return base_; }
 
-  constexpr int Mode() const { return base.id[Clavis::Mode]; }
-  constexpr int Instrument() const { return base.id[Clavis::Instrument]; }
-  constexpr int Channel() const { return base.id[Clavis::Channel]; }
-  constexpr int Location() const { return base.id[Clavis::Location]; }
-  constexpr int Parameter() const { return base.id[Clavis::Parameter]; }
-  constexpr int Sensor() const { return base.id[Clavis::Sensor]; }
+  constexpr int Mode() const { return base_.id[Clavis::Mode]; }
+  constexpr int Instrument() const { return base_.id[Clavis::Instrument]; }
+  constexpr int Channel() const { return base_.id[Clavis::Channel]; }
+  constexpr int Location() const { return base_.id[Clavis::Location]; }
+  constexpr int Parameter() const { return base_.id[Clavis::Parameter]; }
+  constexpr int Sensor() const { return base_.id[Clavis::Sensor]; }
 
   // The id of the instrument parameter. A parameter id is unique over all instruments, so that this
   // is the Parameter element alone.
@@ -66,18 +66,18 @@ class KESTRIN_API CClavis {
   // `element` is a value of Clavis::qOrder; others are the caller's fault.
   constexpr int operator[](unsigned int element) const {
     assert(element < Clavis::element_count);
-    return base.id[element];
+    return base_.id[element];
   }
   constexpr int& operator[](unsigned int element) {
     assert(element < Clavis::element_count);
-    return base.id[element];
+    return base_.id[element];
   }
 
   // True when the keys match: every element is equal, or one of the two is -1.
   constexpr bool operator&(const CClavis& other) const {
     for (int i = 0; i < Clavis::element_count; ++i) {
-      const int a = base.id[i];
-      const int b = other.base.id[i];
+      const int a = base_.id[i];
+      const int b = other.base_.id[i];
       if (a != b && a != -1 && b != -1) return false;
     }
     return true;
@@ -87,5 +87,5 @@ class KESTRIN_API CClavis {
   friend constexpr bool operator==(const CClavis&, const CClavis&) = default;
 
  private:
-  SClavis base;
+  SClavis base_;
 };

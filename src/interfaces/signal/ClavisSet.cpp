@@ -34,86 +34,87 @@ void WidenIfComplete(PairSet& pairs, const PairSet& all, const std::set<int>& fi
 void CClavisSet::clear() { *this = CClavisSet(); }
 
 CClavisSet& CClavisSet::insert(const int* ids, bool all_if_open) {
-  wildcard::Insert(elements[Clavis::Mode], ids[Clavis::Mode], all_if_open);
-  wildcard::Insert(elements[Clavis::Sensor], ids[Clavis::Sensor], all_if_open);
+  wildcard::Insert(elements_[Clavis::Mode], ids[Clavis::Mode], all_if_open);
+  wildcard::Insert(elements_[Clavis::Sensor], ids[Clavis::Sensor], all_if_open);
   insertLocaChan(ids[Clavis::Location], ids[Clavis::Channel], all_if_open);
   return insertInstrPar(ids[Clavis::Instrument], ids[Clavis::Parameter], all_if_open);
 }
 
 CClavisSet& CClavisSet::insertLocaChan(int location, int channel, bool all_if_open) {
-  wildcard::Insert(elements[Clavis::Location], location, all_if_open);
-  wildcard::Insert(elements[Clavis::Channel], channel, all_if_open);
-  wildcard::Insert(loca_chan, {location, channel}, all_if_open);
+  wildcard::Insert(elements_[Clavis::Location], location, all_if_open);
+  wildcard::Insert(elements_[Clavis::Channel], channel, all_if_open);
+  wildcard::Insert(loca_chan_, {location, channel}, all_if_open);
   return *this;
 }
 
 CClavisSet& CClavisSet::insertInstrPar(int instrument, int parameter, bool all_if_open) {
-  wildcard::Insert(elements[Clavis::Instrument], instrument, all_if_open);
-  wildcard::Insert(elements[Clavis::Parameter], parameter, all_if_open);
-  wildcard::Insert(instr_param, {instrument, parameter}, all_if_open);
+  wildcard::Insert(elements_[Clavis::Instrument], instrument, all_if_open);
+  wildcard::Insert(elements_[Clavis::Parameter], parameter, all_if_open);
+  wildcard::Insert(instr_param_, {instrument, parameter}, all_if_open);
   return *this;
 }
 
 CClavisSet& CClavisSet::operator-=(const int* ids) {
   std::array<bool, Clavis::element_count> removed{};
-  for (unsigned int i = 0; i < elements.size(); ++i) removed[i] = elements[i].erase(ids[i]) != 0;
-  loca_chan.erase(LocaChan(ids));
-  instr_param.erase(InstrParam(ids));
+  for (unsigned int i = 0; i < elements_.size(); ++i) removed[i] = elements_[i].erase(ids[i]) != 0;
+  loca_chan_.erase(LocaChan(ids));
+  instr_param_.erase(InstrParam(ids));
   if (removed[Clavis::Location] || removed[Clavis::Channel]) {
-    RemoveUncoupled(loca_chan, elements[Clavis::Location], elements[Clavis::Channel]);
+    RemoveUncoupled(loca_chan_, elements_[Clavis::Location], elements_[Clavis::Channel]);
   }
   if (removed[Clavis::Instrument] || removed[Clavis::Parameter]) {
-    RemoveUncoupled(instr_param, elements[Clavis::Instrument], elements[Clavis::Parameter]);
+    RemoveUncoupled(instr_param_, elements_[Clavis::Instrument], elements_[Clavis::Parameter]);
   }
   return *this;
 }
 
 CClavisSet& CClavisSet::operator|=(const CClavisSet& other) {
-  for (unsigned int i = 0; i < elements.size(); ++i) {
-    wildcard::Unite(elements[i], other.elements[i]);
+  for (unsigned int i = 0; i < elements_.size(); ++i) {
+    wildcard::Unite(elements_[i], other.elements_[i]);
   }
-  wildcard::Unite(loca_chan, other.loca_chan);
-  wildcard::Unite(instr_param, other.instr_param);
+  wildcard::Unite(loca_chan_, other.loca_chan_);
+  wildcard::Unite(instr_param_, other.instr_param_);
   return *this;
 }
 
 CClavisSet& CClavisSet::operator&=(const CClavisSet& other) {
-  for (unsigned int i = 0; i < elements.size(); ++i) {
-    wildcard::Intersect(elements[i], other.elements[i]);
+  for (unsigned int i = 0; i < elements_.size(); ++i) {
+    wildcard::Intersect(elements_[i], other.elements_[i]);
   }
-  wildcard::Intersect(loca_chan, other.loca_chan);
-  wildcard::Intersect(instr_param, other.instr_param);
+  wildcard::Intersect(loca_chan_, other.loca_chan_);
+  wildcard::Intersect(instr_param_, other.instr_param_);
   return *this;
 }
 
 bool CClavisSet::operator&&(const int* ids) const {
-  for (unsigned int i = 0; i < elements.size(); ++i) {
-    if (!wildcard::Covers(elements[i], ids[i])) return false;
+  for (unsigned int i = 0; i < elements_.size(); ++i) {
+    if (!wildcard::Covers(elements_[i], ids[i])) return false;
   }
-  return wildcard::Covers(loca_chan, LocaChan(ids)) &&
-         wildcard::Covers(instr_param, InstrParam(ids));
+  return wildcard::Covers(loca_chan_, LocaChan(ids)) &&
+         wildcard::Covers(instr_param_, InstrParam(ids));
 }
 
 bool CClavisSet::containsLocaChan(int location, int channel) const {
-  return wildcard::Covers(loca_chan, {location, channel});
+  return wildcard::Covers(loca_chan_, {location, channel});
 }
 
 bool CClavisSet::containsInstrPar(int instrument, int parameter) const {
-  return wildcard::Covers(instr_param, {instrument, parameter});
+  return wildcard::Covers(instr_param_, {instrument, parameter});
 }
 
 bool CClavisSet::valid() const {
-  return !loca_chan.empty() && !instr_param.empty() &&
-         std::none_of(elements.begin(), elements.end(),
+  return !loca_chan_.empty() && !instr_param_.empty() &&
+         std::none_of(elements_.begin(), elements_.end(),
                       [](const std::set<int>& ids) { return ids.empty(); });
 }
 
 void CClavisSet::completeness_check(const CClavisSet& all) {
-  const ElementSets& every = all.elements;
-  for (unsigned int i = 0; i < elements.size(); ++i) CheckForCompleteness(elements[i], every[i]);
-  WidenIfComplete(loca_chan, all.loca_chan, elements[Clavis::Location], elements[Clavis::Channel]);
-  WidenIfComplete(instr_param, all.instr_param, elements[Clavis::Instrument],
-                  elements[Clavis::Parameter]);
+  const ElementSets& every = all.elements_;
+  for (unsigned int i = 0; i < elements_.size(); ++i) CheckForCompleteness(elements_[i], every[i]);
+  WidenIfComplete(loca_chan_, all.loca_chan_, elements_[Clavis::Location],
+                  elements_[Clavis::Channel]);
+  WidenIfComplete(instr_param_, all.instr_param_, elements_[Clavis::Instrument],
+                  elements_[Clavis::Parameter]);
 }
 
 bool CClavisSet::CheckForCompleteness(std::set<int>& selected, const std::set<int>& all) {

@@ -54,14 +54,14 @@ class KESTRIN_API CClavisSet {
   void clear();
 
   // The set of an element by its Clavis::qOrder value. Another number throws std::out_of_range.
-  std::set<int>& ElementSet(unsigned int element) { return elements.at(element); }
-  const std::set<int>& ElementSet(unsigned int element) const { return elements.at(element); }
+  std::set<int>& ElementSet(unsigned int element) { return elements_.at(element); }
+  const std::set<int>& ElementSet(unsigned int element) const { return elements_.at(element); }
 
   // The pairs of object and channel, and of instrument and parameter, in this order of the halves.
-  std::set<std::pair<int, int>>& LocaChanSet() { return loca_chan; }
-  const std::set<std::pair<int, int>>& LocaChanSet() const { return loca_chan; }
-  std::set<std::pair<int, int>>& InstrParamSet() { return instr_param; }
-  const std::set<std::pair<int, int>>& InstrParamSet() const { return instr_param; }
+  std::set<std::pair<int, int>>& LocaChanSet() { return loca_chan_; }
+  const std::set<std::pair<int, int>>& LocaChanSet() const { return loca_chan_; }
+  std::set<std::pair<int, int>>& InstrParamSet() { return instr_param_; }
+  const std::set<std::pair<int, int>>& InstrParamSet() const { return instr_param_; }
 
   // `ids`, here and below, shows six ints in the order of Clavis::qOrder.
   CClavisSet& insert(const int* ids, bool all_if_open);
@@ -98,7 +98,7 @@ class KESTRIN_API CClavisSet {
   static bool CheckForCompleteness(std::set<int>& selected, const std::set<int>& all);
 
  private:
-  std::array<std::set<int>, Clavis::element_count> elements;
-  std::set<std::pair<int, int>> loca_chan;
-  std::set<std::pair<int, int>> instr_param;
+  std::array<std::set<int>, Clavis::element_count> elements_;
+  std::set<std::pair<int, int>> loca_chan_;
+  std::set<std::pair<int, int>> instr_param_;
 };

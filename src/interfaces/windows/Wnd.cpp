@@ -17,25 +17,25 @@ namespace {
 class HandleTable {
  public:
   WindowHandle Add(CWnd* window) {
-    const std::lock_guard guard(lock);
-    last = WindowHandle{static_cast<std::uint64_t>(last) + 1};
-    windows.emplace(last, window);
-    return last;
+    const std::lock_guard guard(lock_);
+    last_ = WindowHandle{static_cast<std::uint64_t>(last_) + 1};
+    windows_.emplace(last_, window);
+    return last_;
   }
   void Remove(WindowHandle handle) {
-    const std::lock_guard guard(lock);
-    windows.erase(handle);
+    const std::lock_guard guard(lock_);
+    windows_.erase(handle);
   }
   CWnd* Find(WindowHandle handle) const {
-    const std::lock_guard guard(lock);
-    const auto found = windows.find(handle);
-    return found == windows.end() ? nullptr : found->second;
+    const std::lock_guard guard(lock_);
+    const auto found = windows_.find(handle);
+    return found == windows_.end() ? nullptr : found->second;
   }
 
  private:
-  mutable std::mutex lock;
-  std::unordered_map<WindowHandle, CWnd*> windows;
-  WindowHandle last = WindowHandle::none;
+  mutable std::mutex lock_;
+  std::unordered_map<WindowHandle, CWnd*> windows_;
+  WindowHandle last_ = WindowHandle::none;
 };
 
 // Never destroyed, like the numbers of messages below: a static object of the host may hold a
