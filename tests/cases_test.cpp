@@ -15,23 +15,11 @@
 //     2 = "Run" 3 | 9 = "" -1
 //
 // Lines that begin with a semicolon are comments.
-
-#include <gtest/gtest.h>
-
-#include <array>
 #include <cctype>
-#include <filesystem>
-#include <fstream>
-#include <map>
 #include <regex>
-#include <sstream>
-#include <string>
-#include <thread>
-#include <vector>
 
-#include "interfaces/text/Number.h"
 #include "queries.h"
-#include "test_store.h"
+#include "support.h"
 
 namespace {
 
@@ -171,7 +159,7 @@ class Replay {
   int line_ = 0;
   std::map<std::string, std::string> sections_;
   std::vector<Question> questions_;
-  testing_support::TestStore data_;
+  TestStore data_;
 };
 
 void ReplayAll(int threads) {
@@ -190,7 +178,7 @@ TEST(Cases, AreAnsweredAsTheyTell) { ReplayAll(1); }
 TEST(CaseThreads, AreAnsweredAsTheyTell) { ReplayAll(8); }
 
 TEST(CaseThreads, AnswerWhileAnotherDataBaseIsLoaded) {
-  testing_support::TestStore data;
+  TestStore data;
   ASSERT_TRUE(data.LoadSample());
   CParameterLake::Lake().read(Text::FromUtf8(KESTRIN_SAMPLES "/gearbox.par"));
   const std::jthread other([] {

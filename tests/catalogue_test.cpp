@@ -1,14 +1,5 @@
 // The tables as the list declares them. (What each holds is told in docs/tables.md.)
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <ctime>
-#include <functional>
-#include <utility>
-
-#include "inspect/TableCatalogue.h"
-#include "test_store.h"
+#include "support.h"
 
 namespace {
 
@@ -28,7 +19,7 @@ TEST(Catalogue, FieldsOfARowLieInTheOrderOfItsText) {
 }
 
 TEST(Catalogue, TheManagerHasTheTablesInTheirOrder) {
-  const testing_support::TestStore data;
+  const TestStore data;
   const CQTableManager& manager = data.store.Manager();
   for (const auto& info : TableCatalogue::Tables()) {
     const auto place = static_cast<unsigned>(info.reading_place);
@@ -43,7 +34,7 @@ TEST(Catalogue, TheManagerHasTheTablesInTheirOrder) {
 
 TEST(Catalogue, LearnTimesAreThoseOfTheLoad) {
   const long long before = std::time(nullptr);
-  testing_support::TestStore data("<TIpLearnParams>: {\n1 1 1 1 1 1 5\n3 1 1 1 1 1 7 42 8 43\n}\n");
+  TestStore data("<TIpLearnParams>: {\n1 1 1 1 1 1 5\n3 1 1 1 1 1 7 42 8 43\n}\n");
   auto row = data.params.IpLearnParameter().begin();
   EXPECT_GE(row->second.time_1, before);
   EXPECT_LE(row->second.time_1, std::time(nullptr));

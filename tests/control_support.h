@@ -2,23 +2,18 @@
 // ask, and pictures as text.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cstddef>
-#include <string>
-#include <vector>
 
 #include "frame/strings/ModuleStrings.h"
 #include "interfaces/windows/ComboBoxX.h"
 #include "interfaces/windows/TextView.h"
-#include "test_store.h"
+#include "support.h"
 
 // A data base of the process and a user who reads English.
 class ProcessBase : public testing::Test {
  protected:
   explicit ProcessBase(const std::string& sections) {
-    kestrin::SetUserLanguage("en");
+    SetUserLanguage("en");
     Load(sections);
   }
   ~ProcessBase() override {
@@ -27,12 +22,12 @@ class ProcessBase : public testing::Test {
   }
 
   void Load(const std::string& sections) {
-    const testing_support::Log log;
+    const Log log;
     params_.PurgeTables();
-    testing_support::FillCandidateLake(testing_support::version + sections);
+    FillCandidateLake(version + sections);
     EXPECT_TRUE(params_.ReadTablesFromCandidateLake());
     CParameterLake::Lake().clear();
-    EXPECT_TRUE(log.lines.empty()) << kestrin::Text::ToUtf8(log.Text());
+    EXPECT_TRUE(log.lines.empty()) << Text::ToUtf8(log.Text());
   }
 
  private:
@@ -41,7 +36,7 @@ class ProcessBase : public testing::Test {
 
 // Puts a blank, a mark and "text=id" behind what is there.
 inline void AddEntry(std::string& all, const char* mark, const CString& text, int id) {
-  all += " " + (mark + kestrin::Text::ToUtf8(text)) + "=" + std::to_string(id);
+  all += " " + (mark + Text::ToUtf8(text)) + "=" + std::to_string(id);
 }
 
 // Every entry with its data, the selected one behind a *.
@@ -57,12 +52,11 @@ inline std::string Entries(const CComboBox& combo) {
 inline std::string SideBySide(const std::vector<TextView::Lines>& pictures) {
   std::string out = "\n";
   std::size_t height = 0;
-  for (const kestrin::TextView::Lines& picture : pictures)
-    height = std::max(height, picture.size());
+  for (const TextView::Lines& picture : pictures) height = std::max(height, picture.size());
   for (std::size_t y = 0; y < height; ++y) {
-    for (const kestrin::TextView::Lines& picture : pictures) {
-      const auto width = static_cast<std::size_t>(kestrin::TextColumns(picture.at(0)));
-      out += kestrin::Text::ToUtf8(y < picture.size() ? picture[y] : CString(width, L' '));
+    for (const TextView::Lines& picture : pictures) {
+      const auto width = static_cast<std::size_t>(TextColumns(picture.at(0)));
+      out += Text::ToUtf8(y < picture.size() ? picture[y] : CString(width, L' '));
       out += &picture == &pictures.back() ? "\n" : "  ";
     }
   }

@@ -1,16 +1,7 @@
 // What fuzzing starts from and what it has found: every kept input is put through its target again,
 // without a fuzzer, so that a mended fault stays mended under every compiler.
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <filesystem>
-#include <random>
-#include <string>
-#include <vector>
-
 #include "Fuzz.h"
-#include "lake_bytes.h"
+#include "support.h"
 
 namespace {
 

@@ -1,31 +1,20 @@
 // Files in, files out: if this breaks, a parameter file is misread, damaged, or crashes its host.
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <locale>
-#include <random>
-#include <sstream>
-#include <string>
-#include <string_view>
-#include <vector>
 
-#include "lake/Lake.h"
-#include "lake/LakeReader.h"
 #include "lake/Utf8ToUcs2.h"
-#include "lake_bytes.h"
+#include "support.h"
 
 namespace {
 
 const std::string kMark = "\xEF\xBB\xBF";
 using namespace std::string_literals;
-using kestrin::Refusal;
 
 std::wstring Texts(const CLake::CNode& line) {
   return line.key() + L"|" + line.value() + L"|" + line.comment();
 }
 
 // The lines of a lake, one after the other.
-std::wstring Lines(const CLake& lake) {
+std::wstring LineTexts(const CLake& lake) {
   std::wstring text;
   for (const auto& line : lake) text += Texts(line) + L"/";
   return text;
@@ -67,7 +56,8 @@ TEST(LakeFile, BytesBecomeLines) {
   const struct {
     std::string bytes;
     std::wstring lines;
-    bool result = true;
+    Refusal::Reason reason = Refusal::none;
+    int line = 0;
   } cases[] = {
       {"", L""},
       {"a\r\nb\n", L"|a|/|b|/"},
@@ -81,50 +71,63 @@ TEST(LakeFile, BytesBecomeLines) {
        L"\xFEFF\u00E4|\u20AC\xD83D\xDE00|/"},
       {kMark + "\xC1\x81\xF8\x80\x80\x80\x81\xFC\x80\x80\x80\x80\x82", L"|A\x01\x02|/"},
       {kMark + "\xED\xA0\x80", L"|\xD800|/"},
-      {kMark + "a\nbc\xC3(d\ne\n", L"|a|/|bc|/"},  // no continuation
-      {kMark + "a\nbc\x80"
-               "d\ne\n",
-       L"|a|/|bc|/"},                                 // no lead
-      {kMark + "a\n\xF4\x90\x80\x80\ne\n", L"|a|/"},  // beyond U+10FFFF, nothing of the line
-      {kMark + "a\n\xFF\x80\x80\x80\x80\x80\ne\n", L"|a|/"},
-      {kMark + "a\nb\xF0\x9F\x98", L"|a|/|b|/"},  // cut by the end
-      {"\xEF", L"|old|/", false},
-      {"\xEF\xBBx\n", L"|old|/", false},
-      {"\xEF\xBF\xBB", L"|old|/", false},
+      // No continuation, no lead, beyond U+10FFFF, cut by the end; nothing behind it is read.
+      {kMark + "a\nbc\xC3(d\ne\n", L"|a|/|bc|/", Refusal::broken_text, 2},
+      {kMark + "a\nbc\x80 d\ne\n", L"|a|/|bc|/", Refusal::broken_text, 2},
+      {kMark + "a\n\xF4\x90\x80\x80\ne\n", L"|a|/", Refusal::broken_text, 2},
+      {kMark + "a\n\xFF\x80\x80\x80\x80\x80\ne\n", L"|a|/", Refusal::broken_text, 2},
+      {kMark + "a\nb\xF0\x9F\x98", L"|a|/|b|/", Refusal::broken_text, 2},
+      {"\xEF", L"|old|/", Refusal::broken_mark, 1},
+      {"\xEF\xBBx\n", L"|old|/", Refusal::broken_mark, 1},
+      {"\xEF\xBF\xBB", L"|old|/", Refusal::broken_mark, 1},
   };
   for (const auto& c : cases) {
-    for (Medium medium :
-         {Medium{9999, Medium::End::of_file}, Medium{1, Medium::End::of_file},
-          Medium{1, Medium::End::reports_failure}, Medium{1, Medium::End::throws}}) {
+    for (const std::size_t piece : {1U, 9999U}) {
       SCOPED_TRACE(c.bytes);
-      medium.rest = c.bytes;
       CLake lake = FromBytes("old");
-      const bool stops_before = c.bytes.find("\ne\n") != std::string::npos;  // at what is no text
-      try {
-        const bool result = LakeReader::read(lake, std::ref(medium));
-        EXPECT_EQ(Lines(lake), c.lines);
-        EXPECT_EQ(result, c.result && (medium.end == Medium::End::of_file || stops_before));
-        const bool is_cut = c.bytes.ends_with("\x9F\x98") && medium.end == Medium::End::of_file;
-        EXPECT_EQ(lake.last_refusal().reason, !c.result                ? Refusal::broken_mark
-                                              : stops_before || is_cut ? Refusal::broken_text
-                                              : !result                ? Refusal::broken_medium
-                                                                       : Refusal::none);
-        if (lake.last_refusal().reason == Refusal::broken_text) {
-          const std::string before = c.bytes.substr(0, c.bytes.find("\ne\n"));
-          const auto line = 1 + std::count(before.begin(), before.end(), '\n');
-          EXPECT_EQ(lake.last_refusal().line, static_cast<int>(line));
-        }
-      } catch (const std::runtime_error&) {
-        EXPECT_TRUE(medium.end == Medium::End::throws && !stops_before);
-        EXPECT_EQ(Lines(lake), L"|old|/");
-      }
-      EXPECT_FALSE(lake[L"none"].exists());
+      EXPECT_EQ(LakeReader::read(lake, Medium{piece, Medium::End::of_file, c.bytes}),
+                c.reason != Refusal::broken_mark);
+      EXPECT_EQ(LineTexts(lake), c.lines);
+      EXPECT_EQ(lake.last_refusal().reason, c.reason);
+      EXPECT_EQ(lake.last_refusal().line, c.line);
     }
+  }
+}
+
+// Until the failure the medium is a file that ends there, but for a broken mark.
+TEST(LakeFile, AMediumThatFailsLeavesTheLinesReadUntilThere) {
+  const std::string whole = kMark + "<TMode>: {\n\t1 \"H\xC3\xB6he\"\n}\t; <TMode>\nk: v\n";
+  for (std::size_t good = 0; good <= whole.size(); ++good) {
+    SCOPED_TRACE(good);
+    const std::string front = whole.substr(0, good);
+    CLake lake = FromBytes("old");
+    EXPECT_THROW(LakeReader::read(lake, Medium{7, Medium::End::throws, front}), std::runtime_error);
+    EXPECT_EQ(LineTexts(lake), L"|old|/");
+    EXPECT_FALSE(LakeReader::read(lake, Medium{7, Medium::End::reports_failure, front}));
+    EXPECT_EQ(LineTexts(lake), LineTexts(FromBytes(good == 1 || good == 2 ? "old" : front)));
+  }
+  EXPECT_FALSE(CLake().read(L"/proc/self/mem")) << "it fails at once";
+}
+
+TEST(LakeFile, AFullDiskKeepsTheFrontAndHarmsNoMoreThanTheFile) {
+  const CLake lake = FromBytes(std::string(100'000, 'k') + ": 1\n");
+  const std::string whole = ToBytes(lake);
+  for (const std::size_t room : {0U, 2U, 4096U, 99'999U}) {
+    const ScratchFile file(whole + "old");
+    const auto write = [&] {
+      const FullDisk disk(room);
+      return lake.write(file.name());
+    };
+    EXPECT_TRUE(write()) << "only a file that can't be opened is told";
+    EXPECT_TRUE(file.bytes() == whole.substr(0, room)) << room;
+    EXPECT_TRUE(lake.write({}) && file.bytes() == whole) << "there is room again";
   }
 }
 
 TEST(LakeFile, WhatCannotBeOpenedOrReadLosesNothing) {
   const CString missing = Text::FromUtf8(testing::TempDir()) + L"there/is/none";
+  const ScratchFile file("b: 2\n");
+  const CString cut = file.name() + L'\0' + L"x";
   CLake lake = FromBytes("a: 1\n");
   EXPECT_TRUE(lake.read(missing));
   EXPECT_EQ(lake.filename(), missing);
@@ -132,25 +135,16 @@ TEST(LakeFile, WhatCannotBeOpenedOrReadLosesNothing) {
   EXPECT_TRUE(lake.read(L""));
   EXPECT_TRUE(lake.read(Text::FromUtf8(testing::TempDir())));
   EXPECT_EQ(lake.last_refusal().reason, Refusal::folder);
-  EXPECT_FALSE(lake.write(L""));
-  EXPECT_FALSE(lake.write(missing));
-  const ScratchFile file("b: 2\n");
-  EXPECT_TRUE(lake.read(file.name() + L'\0' + L"x"));
+  EXPECT_TRUE(lake.read(cut));
   EXPECT_EQ(lake.last_refusal().reason, Refusal::unopened);
-  EXPECT_FALSE(lake.write(file.name() + L'\0' + L"x"));
+  for (const CString& name : {CString(), missing, cut}) EXPECT_FALSE(lake.write(name));
   EXPECT_EQ(int(lake[L"a"]), 1);
   EXPECT_EQ(file.bytes(), "b: 2\n");
-  EXPECT_TRUE(lake.write(L"/dev/full"));
   EXPECT_EQ(int(CLake(file.name())[L"b"]), 2);
-  EXPECT_FALSE(CLake().read(L"/proc/self/mem")) << "a medium that fails at once";
-  EXPECT_EQ(&CParameterLake::Lake(), &CParameterLake::Lake());
-  EXPECT_TRUE(CParameterLake::Lake().empty());
 }
 
 TEST(LakeFile, WrittenAndReadBackIsTheSame) {
-  const struct {
-    std::string read, written;
-  } cases[] = {
+  const std::pair<std::string, std::string> cases[] = {
       {"", ""},
       {"   a: 1\r\n  <T>: {\n{\n1\n}\n\n; c\n} ;d\n}\nout\n",
        kMark + "a: 1\n<T>: {\n\t{\n\t\t1\n\t}\n\t\n\t\t; c\n}\t; d\n}\nout\n"},
@@ -158,19 +152,14 @@ TEST(LakeFile, WrittenAndReadBackIsTheSame) {
       {kMark + "\xED\xA0\xBD\xED\xB8\x80 \xED\xA0\xBDx\n\xED\xA0\xBD\nz",  // a pair, then lone ones
        kMark + "\xF0\x9F\x98\x80 \xEF\xBF\xBDx\n\xEF\xBF\xBD\nz\n"},
       {"\xE4", kMark + "\xC3\xA4\n"},
-      {std::string(3000000, 'k') + ": 1\n", kMark + std::string(3000000, 'k') + ": 1\n"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(ToBytes(FromBytes(c.read)), c.written);
-    EXPECT_EQ(ToBytes(FromBytes(c.written)), c.written);
+  for (const auto& [read, written] : cases) {
+    EXPECT_EQ(ToBytes(FromBytes(read)), written);
+    EXPECT_EQ(ToBytes(FromBytes(written)), written);
   }
   CLake beyond;
-  beyond.root().push_back(std::wstring(L"a") + static_cast<wchar_t>(0x10000) +
-                          L"\xDC00"
-                          L"b");
-  EXPECT_EQ(ToBytes(beyond), kMark +
-                                 "a\xEF\xBF\xBD\xED\xB0\x80"
-                                 "b\n");
+  beyond.root().push_back(std::wstring(L"a") + static_cast<wchar_t>(0x10000) + L'\xDC00');
+  EXPECT_EQ(ToBytes(beyond), kMark + "a\xEF\xBF\xBD\xED\xB0\x80\n");
 }
 
 // Characters of every length at every place of a block's edge.

@@ -1,19 +1,10 @@
 // Numbers in text: what is read, how much of the text it takes, and what is refused.
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <bit>
 #include <cerrno>
-#include <climits>
-#include <cmath>
 #include <cstdint>
-#include <cstdlib>
-#include <random>
-#include <tuple>
 
 #include "interfaces/Support.h"
-#include "interfaces/text/Number.h"
+#include "support.h"
 
 namespace {
 
@@ -30,96 +21,69 @@ Result<T> Of(const Number::Scanned<T>& scanned) {
   return {scanned.value, scanned.used, scanned.state};
 }
 
-template <class T>
-using Cases = std::vector<std::pair<std::wstring, Result<T>>>;
-
-// The short cases of the grammar are left to the random texts below.
+// What random texts below don't meet: other scripts' digits and blanks, and the bounds.
 TEST(Numbers, IntegersStopWhereTheNumberEndsAndKeepTo32Or64Bits) {
-  for (const auto& [text, wanted] : Cases<int>{
-           {L" \t\n\v\f\r-7 8", {-7, 8, kOk}},
-           {L"\u3000\u20057", {7, 3, kOk}},
-           {L"2147483647", {INT_MAX, 10, kOk}},
-           {L"2147483648 5", {INT_MAX, 10, kRange}},
-           {L"-2147483648", {INT_MIN, 11, kOk}},
-           {L"-2147483649", {INT_MIN, 11, kRange}},
-           {L"99999999999999999999999999x", {INT_MAX, 26, kRange}},
-           {L"\u00A05", {0, 0, kNone}},       // no-break space is no white space
-           {L"\u0663\u0664", {0, 0, kNone}},  // Arabic digits are no digits
-           {L"1\uFF12", {1, 1, kOk}},
-       }) {
-    EXPECT_EQ(Of(Number::ScanInt(text)), wanted) << text;
-  }
-  for (const auto& [text, wanted] : Cases<long long>{
-           {L"9223372036854775807", {LLONG_MAX, 19, kOk}},
-           {L"9223372036854775808", {LLONG_MAX, 19, kRange}},
-           {L"-9223372036854775808", {LLONG_MIN, 20, kOk}},
-           {L"-9223372036854775809", {LLONG_MIN, 20, kRange}},
-       }) {
-    EXPECT_EQ(Of(Number::ScanLongLong(text)), wanted) << text;
-  }
-  for (const auto& [text, wanted] : Cases<unsigned>{
-           {L"4294967295", {UINT_MAX, 10, kOk}},
-           {L"4294967296", {UINT_MAX, 10, kRange}},
-           {L" -1", {UINT_MAX, 3, kOk}},
-           {L"-4294967295", {1, 11, kOk}},
-           {L"-4294967296", {UINT_MAX, 11, kRange}},
-       }) {
+  const std::pair<std::wstring, Result<int>> narrow[] = {
+      {L" \t\n\v\f\r-7 8", {-7, 8, kOk}},
+      {L"\u3000\u20057", {7, 3, kOk}},
+      {L"2147483648 5", {INT_MAX, 10, kRange}},
+      {L"-2147483648", {INT_MIN, 11, kOk}},
+      {L"-2147483649", {INT_MIN, 11, kRange}},
+      {L"\u00A05", {0, 0, kNone}},       // no-break space is no white space
+      {L"\u0663\u0664", {0, 0, kNone}},  // Arabic digits are no digits
+      {L"1\uFF12", {1, 1, kOk}}};
+  for (const auto& [text, wanted] : narrow) EXPECT_EQ(Of(Number::ScanInt(text)), wanted) << text;
+  const std::pair<std::wstring, Result<long long>> wide[] = {
+      {L"9223372036854775807", {LLONG_MAX, 19, kOk}},
+      {L"9223372036854775808", {LLONG_MAX, 19, kRange}},
+      {L"-9223372036854775808", {LLONG_MIN, 20, kOk}},
+      {L"-9223372036854775809", {LLONG_MIN, 20, kRange}}};
+  for (const auto& [text, wanted] : wide) EXPECT_EQ(Of(Number::ScanLongLong(text)), wanted) << text;
+  const std::pair<std::wstring, Result<unsigned>> positive[] = {
+      {L"4294967295", {UINT_MAX, 10, kOk}},
+      {L" -1", {UINT_MAX, 3, kOk}},
+      {L"-4294967295", {1, 11, kOk}},
+      {L"-4294967296", {UINT_MAX, 11, kRange}}};
+  for (const auto& [text, wanted] : positive) {
     EXPECT_EQ(Of(Number::ScanUnsigned(text)), wanted) << text;
   }
 }
 
-TEST(Numbers, FloatsFollowTheGrammarAndTellBothEndsOfTheRange) {
+TEST(Numbers, FloatsTellBothEndsOfTheRange) {
   const std::wstring zeros(400, L'0');
-  for (const auto& [text, wanted] : Cases<double>{
-           {L"-iNf", {-kInf, 4, kOk}},
-           {L"infinite", {kInf, 3, kOk}},
-           {L"InFiNiTyx", {kInf, 8, kOk}},
-           {L"\u0661.5", {0, 0, kNone}},
-           {L"1e400", {kInf, 5, kRange}},
-           {L"-1e99999999999999999999", {-kInf, 23, kRange}},
-           {L"1e-400", {0, 6, kRange}},
-           {L"1e-99999999999999999999", {0, 23, kRange}},
-           {L"1e+9223372036854775807", {kInf, 22, kRange}},
-           {L"4.9e-324", {4.9406564584124654e-324, 8, kOk}},
-           {L"1e-310", {1e-310, 6, kOk}},
-           {L"2e-324", {0, 6, kRange}},
-           {L"1.7976931348623159e308", {kInf, 22, kRange}},
-           {L"0x1p1024", {kInf, 8, kRange}},
-           {L"0x1p-1075", {0, 9, kRange}},
-           {L"0e999999999999999999999", {0, 23, kOk}},
-           {L"1" + zeros, {kInf, 401, kRange}},
-           {L"0." + zeros + L"1", {0, 403, kRange}},
-           {L"0." + zeros + L"1e401", {1, 407, kOk}},
-           {L"1" + zeros + L"e-400 ", {1, 406, kOk}},
-           {L"0x1" + zeros, {kInf, 403, kRange}},
-           {L"0x1" + zeros + L"p-500", {kInf, 408, kRange}},
-       }) {
-    EXPECT_EQ(Of(Number::ScanDouble(text)), wanted) << text;
-  }
+  const std::pair<std::wstring, Result<double>> cases[] = {
+      {L"InFiNiTyx", {kInf, 8, kOk}},
+      {L"\u0661.5", {0, 0, kNone}},
+      {L"-1e99999999999999999999", {-kInf, 23, kRange}},
+      {L"1e-99999999999999999999", {0, 23, kRange}},
+      {L"1e+9223372036854775807", {kInf, 22, kRange}},
+      {L"4.9e-324", {4.9406564584124654e-324, 8, kOk}},
+      {L"2e-324", {0, 6, kRange}},
+      {L"1.7976931348623159e308", {kInf, 22, kRange}},
+      {L"0x1p-1075", {0, 9, kRange}},
+      {L"0e999999999999999999999", {0, 23, kOk}},
+      {L"1" + zeros, {kInf, 401, kRange}},
+      {L"0." + zeros + L"1", {0, 403, kRange}},
+      {L"0." + zeros + L"1e401", {1, 407, kOk}},
+      {L"1" + zeros + L"e-400 ", {1, 406, kOk}},
+      {L"0x1" + zeros, {kInf, 403, kRange}}};
+  for (const auto& [text, wanted] : cases) EXPECT_EQ(Of(Number::ScanDouble(text)), wanted) << text;
   EXPECT_TRUE(std::signbit(Number::ScanDouble(L"-1e-999").value));
-  const std::vector<std::pair<std::wstring, std::size_t>> nans = {
-      {L"NaN", 3}, {L"-nan(ind_9)x", 11}, {L"nan(", 3}, {L"nan(a b)", 3}};
-  for (const auto& [text, used] : nans) {
-    const auto nan = Number::ScanDouble(text);
-    EXPECT_TRUE(std::isnan(nan.value)) << text;
-    EXPECT_EQ(std::signbit(nan.value), text.front() == L'-') << text;
-    EXPECT_EQ(nan.used, used) << text;
-  }
+  EXPECT_EQ(Number::ScanDouble(L"-nan(ind_9)x").used, 11U);
 }
 
 // The C library is the judge. Texts are made of what numbers are made of, so most of them are near
 // misses; the program never calls setlocale, which makes the judge's locale the classic one.
 TEST(Numbers, AgreeWithTheCLibraryOnRandomTexts) {
   std::mt19937 random(20240611);  // NOLINT(cert-msc51-cpp): the same texts in every run
-  const std::vector<std::string> pieces = {
-      "0",          "1",  "9",   "7",   "25",  "4503599627370497",
-      "2147483648", ".",  ".",   "e",   "E-3", "e+",
-      "p-",         "p1", "-",   "+",   " ",   "0x",
-      "f",          "A",  "_",   "nan", "inf", "(",
-      ")",          "00", "308", "-32"};
+  const std::string pieces[] = {"0",          "1",  "9",   "7",   "25",  "4503599627370497",
+                                "2147483648", ".",  ".",   "e",   "E-3", "e+",
+                                "p-",         "p1", "-",   "+",   " ",   "0x",
+                                "f",          "A",  "_",   "nan", "inf", "(",
+                                ")",          "00", "308", "-32"};
   for (int round = 0; round < 100000 && !HasFailure(); ++round) {
     std::string text;
-    for (auto n = random() % 9; n > 0; --n) text += pieces[random() % pieces.size()];
+    for (auto n = random() % 9; n > 0; --n) text += pieces[random() % std::size(pieces)];
     SCOPED_TRACE(text);
     const std::wstring wide(text.begin(), text.end());
     char* end = nullptr;
@@ -172,16 +136,14 @@ TEST(Numbers, RoundAsInTheCLibrary) {
 }
 
 TEST(Numbers, AreWrittenInTheDefaultFormOfAStream) {
-  const std::vector<std::pair<float, std::wstring>> cases = {
-      {1234567.F, L"1.23457e+06"}, {100000.F, L"100000"}, {1e6F, L"1e+06"}, {0.0001F, L"0.0001"},
-      {1e-5F, L"1e-05"},           {1.5F, L"1.5"},        {0.1F, L"0.1"},   {-0.F, L"-0"},
-      {1e-45F, L"1.4013e-45"},     {HUGE_VALF, L"inf"},   {-NAN, L"-nan"},  {999999.5F, L"1e+06"}};
-  for (const auto& [value, want] : cases) {
-    std::wstring text = L">";
-    Number::Append(text, value);
-    EXPECT_EQ(text, L">" + want);
-  }
   std::wstring text;
+  for (const float value : {1234567.F, 100000.F, 1e6F, 0.0001F, 1e-5F, 1.5F, 0.1F, -0.F, 1e-45F,
+                            HUGE_VALF, -NAN, 999999.5F}) {
+    Number::Append(text, value);
+    text += L' ';
+  }
+  EXPECT_EQ(text, L"1.23457e+06 100000 1e+06 0.0001 1e-05 1.5 0.1 -0 1.4013e-45 inf -nan 1e+06 ");
+  text.clear();
   Number::Append(text, LLONG_MIN);
   Number::Append(text, 0);
   Number::Append(text, UINT_MAX);

@@ -1,14 +1,6 @@
 // What docs/order-definitions.md says of order definitions comes true.
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <set>
-#include <sstream>
-#include <string>
-#include <vector>
-
 #include "spec/OrderInterpreter.h"
-#include "test_store.h"
+#include "support.h"
 
 namespace {
 

@@ -1,24 +1,42 @@
 // What a host loses when memory runs out, at any allocation: that one operation, and nothing else.
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <functional>
-#include <iterator>
 #include <limits>
-#include <memory>
 #include <new>
-#include <string>
-#include <vector>
 
-#include "allocation_count.h"
-#include "inspect/ParameterCheck.h"
-#include "inspect/TableCatalogue.h"
-#include "interfaces/sea/ResourceSea.h"
 #include "queries.h"
+#include "support.h"
 #include "tables/Allocators.h"
-#include "test_store.h"
+
+namespace {
+
+// The memory of this thread, in blocks from operator new. Plain numbers: they are ready before the
+// first of them.
+constexpr std::size_t never = std::numeric_limits<std::size_t>::max();
+thread_local std::size_t taken = 0;
+thread_local std::ptrdiff_t live = 0;
+thread_local std::size_t first_refused = never;
+thread_local std::size_t end_refused = never;
+
+void* Take(std::size_t size) noexcept {
+  const std::size_t number = taken++;
+  if (number >= first_refused && number < end_refused) return nullptr;
+  void* const block = std::malloc(std::max<std::size_t>(size, 1));
+  if (block != nullptr) ++live;
+  return block;
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+  if (void* block = Take(size)) return block;
+  throw std::bad_alloc();
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return Take(size); }
+void operator delete(void* block) noexcept {
+  if (block != nullptr) --live;
+  std::free(block);
+}
+void operator delete(void* block, const std::nothrow_t&) noexcept { operator delete(block); }
+void operator delete(void* block, std::size_t) noexcept { operator delete(block); }
 
 namespace {
 
@@ -51,7 +69,7 @@ struct Host {
     store.ReadTablesFromCandidateLake();
   }
 
-  ScratchFile file{testing_support::version + std::string(small_text)};
+  ScratchFile file{version + std::string(small_text)};
   ScratchFile sea_file{small_sea};
   CLake lake;
   CResourceSea sea;
@@ -62,13 +80,11 @@ struct Host {
 struct Operation {
   const char* name;
   std::function<void(Host&)> run;
-  bool also_for_good = false;  // with a memory that stays exhausted, too
-  bool loses_file = false;     // that of the lake, or its name
 };
 
 const Operation operations[] = {
-    {"ReadLake", [](Host& host) { host.lake.read({}); }, true},
-    {"ReadNoFile", [](Host& host) { host.lake.read(L"/nowhere"); }, false, true},
+    {"ReadLake", [](Host& host) { host.lake.read({}); }},
+    {"ReadNoFile", [](Host& host) { host.lake.read(L"/nowhere"); }},
     {"CopyLake", [](Host& host) { host.lake = CLake(host.lake); }},
     {"MergeLakes",
      [](Host& host) {
@@ -86,10 +102,10 @@ const Operation operations[] = {
        host.lake[L"<TMode>"].push_back(L"a row that is longer than a short text");
        host.lake[L"<TNew>"].push_back(L"3");
      }},
-    {"WriteLake", [](Host& host) { static_cast<void>(host.lake.write({})); }, false, true},
+    {"WriteLake", [](Host& host) { static_cast<void>(host.lake.write({})); }},
     {"MakeAndLoad",
      [](Host&) { static_cast<void>(CQtParamDistillery().ReadTablesFromCandidateLake()); }},
-    {"LoadAgain", [](Host& host) { host.params.ReadTablesFromCandidateLake(); }, true},
+    {"LoadAgain", [](Host& host) { host.params.ReadTablesFromCandidateLake(); }},
     {"Dump", [](Host& host) { host.params.DumpTables(0); }},
     {"Ask",
      [](Host& host) {
@@ -105,8 +121,7 @@ const Operation operations[] = {
      [](Host& host) {
        CResourceList(&host.sea, L"a list").AddLineTail()->SetSeaLine(L"another line");
        host.sea.Save(host.sea_file.name());
-     },
-     true},
+     }},
 };
 
 // The nodes of trees come from pools, which keep what they once had: emptied, they ask for memory
@@ -128,9 +143,9 @@ class Pools {
  private:
   static int Empty(Pool& pool) {
     for (int count = 0;; ++count) {
-      const std::size_t before = AllocationCount();
+      const std::size_t before = taken;
       ::operator delete(pool.Take());
-      if (AllocationCount() != before) return count;
+      if (taken != before) return count;
     }
   }
 
@@ -141,7 +156,7 @@ class OutOfMemory : public testing::TestWithParam<Operation> {
  protected:
   // The log stays out of the way, and allocates nothing.
   OutOfMemory() : log_(PrWin::SetSink([](std::wstring_view, auto, auto) {})) {
-    testing_support::FillCandidateLake(testing_support::version + std::string(small_text));
+    FillCandidateLake(version + std::string(small_text));
     const auto host = std::make_unique<Host>();
     content_ = Content(host->lake, host->store);
   }
@@ -150,19 +165,21 @@ class OutOfMemory : public testing::TestWithParam<Operation> {
     PrWin::SetSink(std::move(log_));
   }
 
-  // Whether memory ran out. What happened then must be bad_alloc, or nothing at all where there is
-  // a way around it.
-  bool Round(MemoryFailure::Kind kind, std::size_t block) {
+  // Whether memory ran out, for so many blocks from that one on. What happened then must be
+  // bad_alloc, or nothing at all where there is a way around it.
+  bool Round(std::size_t block, std::size_t count) {
     Host host;
     pools_.Empty();
+    first_refused = taken + block;
+    end_refused = first_refused + std::min(count, never - first_refused);
     bool happened = false;
     try {
-      const MemoryFailure failure(kind, block);
       GetParam().run(host);
-      happened = failure.happened();
+      happened = taken > first_refused;
     } catch (const std::bad_alloc&) {
       happened = true;
     }
+    first_refused = end_refused = never;
     ExpectUsable(host);
     return happened;
   }
@@ -179,7 +196,7 @@ class OutOfMemory : public testing::TestWithParam<Operation> {
 
   void ExpectUsable(Host& host) {
     ExpectLinked(host.lake);
-    host.lake.read(GetParam().loses_file ? file_.name() : CString());
+    host.lake.read(file_.name());
     host.params.PurgeTables();
     EXPECT_TRUE(host.params.ReadTablesFromCandidateLake());
     EXPECT_EQ(Content(host.lake, host.store), content_);
@@ -190,21 +207,20 @@ class OutOfMemory : public testing::TestWithParam<Operation> {
 
  private:
   PrWin::Sink log_;
-  const ScratchFile file_{testing_support::version + std::string(small_text)};
+  const ScratchFile file_{version + std::string(small_text)};
   std::wstring content_;
 };
 
 TEST_P(OutOfMemory, CostsOneOperationAndNoMemory) {
-  for (const auto kind : {MemoryFailure::Kind::one, MemoryFailure::Kind::all_from}) {
-    if (kind == MemoryFailure::Kind::all_from && !GetParam().also_for_good) break;
-    Round(kind, std::numeric_limits<std::size_t>::max() / 2);  // what is made once is made now
+  for (const std::size_t count : {std::size_t{1}, never}) {
+    Round(never / 2, 1);  // what is made once is made now
     pools_ = Pools();
     std::size_t block = 0;
     for (bool happened = true; happened; ++block) {
-      const std::ptrdiff_t live = LiveBlocks();
-      happened = Round(kind, block);
+      const std::ptrdiff_t before = live;
+      happened = Round(block, count);
       pools_.Empty();
-      ASSERT_EQ(LiveBlocks(), live) << "block " << block;
+      ASSERT_EQ(live, before) << "block " << block;
       ASSERT_FALSE(HasFailure()) << "block " << block;
     }
     EXPECT_GT(block, 1U) << "nothing was refused";

@@ -1,17 +1,7 @@
 // What is wrong in a file is told at its line, and nothing is told of a good one.
-
-#include <gtest/gtest.h>
-
-#include <string>
-
-#include "inspect/ParameterCheck.h"
-#include "inspect/TableCatalogue.h"
-#include "test_store.h"
+#include "support.h"
 
 namespace {
-
-using testing_support::TestStore;
-using testing_support::version;
 
 // "line kind" of each finding, with the line that it speaks of besides.
 std::string Findings(const CLake& lake) {

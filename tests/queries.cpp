@@ -172,6 +172,34 @@ std::string IndexRange(const P& params, int mode, int speed_source, int assembly
   return Join(results[result], start, stop, first, last);
 }
 
+// Of pairs of bounds: the lines next to them, cut out of the first.
+std::string CutOut(P& /*asked for sound bounds only*/, Name bounds) {
+  std::istringstream words(Text::ToUtf8(bounds));
+  std::vector<CQtSpecInterval::IndexInterval> intervals;
+  const auto line = [](double bound) {
+    return static_cast<unsigned>(std::clamp(bound + 0.5, 0.0, 4294967295.0));
+  };
+  for (double start = 0, stop = 0; words >> start >> stop;) {
+    intervals.push_back(
+        {static_cast<float>(start), static_cast<float>(stop), line(start), line(stop)});
+  }
+  CQtSpecInterval::InvertIndexIntervalCollection(intervals);
+  return JoinRows(intervals, [](const auto& piece) {
+    const auto& [start, stop, first, last] = piece;
+    return Join(start, stop, first, last);
+  });
+}
+
+// How many intervals a host reads from a definition of so many positions at most, and the last.
+std::string Range(P& /*logs each time*/, Name definition, unsigned most) {
+  std::vector<QVSpecIntervalEntry> ranges(16);
+  const unsigned count = CQtSpecIntervalStore::Range(definition, ranges.data(), most);
+  if (count == 0) return "none";
+  std::wstring last;
+  RowText::AppendRecord(last, ranges[count - 1]);
+  return Join(count, Text::ToUtf8(last));
+}
+
 // ---- triggers: by their rows, or by their axes where that differs ----
 
 using Triggers = CTriggerStore;
@@ -390,6 +418,8 @@ Map MakeAll() {
   });
   add("Interpret", Interpret);
   add("IndexRange", IndexRange);
+  add("CutOut", CutOut);
+  add("Range", Range);
   add("TriggerAxes", Axes);
   add("TriggerCell", Cell);
   add("TriggerEdges", Edges);

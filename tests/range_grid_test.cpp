@@ -1,13 +1,9 @@
 // What a user marks in the grid is what the owner gets: the rules of clicks, Ctrl, Shift, headings,
 // masks and focus, always worked through the user's gestures.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <utility>
-
 #include "controls/KestrinRangeSelectCtrl.h"
 #include "interfaces/signal/Clavis.h"
 #include "interfaces/windows/TextView.h"
+#include "support.h"
 
 namespace {
 
@@ -127,19 +123,15 @@ TEST(RangeGrid, ClicksFollowTheRulesInTheirOwnColumnOnly) {
 TEST(RangeGrid, ClicksThatHitNoEntryChangeNothing) {
   Grid grid;
   Work(grid, "1");
-  CRect cell;
-  ASSERT_TRUE(grid.GetSubItemRect(2, 0, CellArea::bounds, cell));
   grid.SetEnabled(2, false);
   for (const unsigned int flags : {1U, 5U, 9U, 13U}) {
-    for (const CPoint outside : {CPoint{-1, 40}, {6 * 100, 40}, {cell.left, 20 + 6 * 16}}) {
+    for (const CPoint outside : {CPoint{-1, 40}, {600, 40}, {8, 116}, {2147483647, 2147483647}}) {
       grid.Click(outside, flags);
     }
-    grid.Click({2147483647, 2147483647}, flags);
     EXPECT_TRUE(grid.ClickCell(5, 1, flags));  // the empty tail of a shorter column
     EXPECT_TRUE(grid.ClickCell(0, 2, flags));  // a column without entries
     EXPECT_FALSE(grid.ClickCell(0, 6, flags));
     EXPECT_FALSE(grid.ClickCell(2, 0, flags));
-    grid.Click({cell.left, cell.top}, flags);
   }
   EXPECT_EQ(Flags(grid), ".#....|....|");
   Work(grid, "S3");  // the anchor is still row 1, and a range takes disabled rows in
@@ -150,8 +142,6 @@ TEST(RangeGrid, ClicksThatHitNoEntryChangeNothing) {
   SetList(grid.lists, 0, 2, 10);
   Work(grid, "R S1");
   EXPECT_EQ(Active(grid)[0], (Ids{{-1, true}, {10, false}, {11, true}}));
-  grid.DestroyWindow();
-  EXPECT_EQ(Flags(grid), "||");
 }
 
 TEST(RangeGrid, AMaskDecidesWhichListsMakeColumns) {
@@ -164,12 +154,9 @@ TEST(RangeGrid, AMaskDecidesWhichListsMakeColumns) {
   EXPECT_EQ(grid.GetItemCount(), 4);
   EXPECT_EQ(grid.GetColumn(0)->heading + grid.GetColumn(1)->heading, L"E1E5");
   Work(grid, "3 > H");
-  EXPECT_EQ(Active(grid),
-            (std::array<Ids, 6>{Ids{{20, false}, {21, false}, {22, false}, {23, true}},
-                                Ids{{-1, false}, {50, true}, {51, true}}}));
-  grid.set_mask(0);
-  grid.fill();
-  EXPECT_EQ(grid.GetColumnCount() + grid.GetItemCount(), 0);
+  const auto active = Active(grid);
+  EXPECT_EQ(active[0], (Ids{{20, false}, {21, false}, {22, false}, {23, true}}));
+  EXPECT_EQ(active[1], (Ids{{-1, false}, {50, true}, {51, true}}));
 }
 
 TEST(RangeGrid, ShowsTheSelectionInTheColoursOfTheFocus) {

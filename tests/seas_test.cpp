@@ -1,30 +1,14 @@
 // The seas: lists and their views, and the file, which must lose nothing: not on the way out and
 // back, not on a full disk, not by a slip of the editor.
-
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
-#include "full_disk.h"
-#include "interfaces/sea/ResourceSea.h"
-#include "test_store.h"
+#include "support.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-using testing_support::AddLines;
-using testing_support::Lines;
-using testing_support::LinesOf;
-
 TEST(Sea, ListsGrowUnderTheirViewsAndEntriesStayInPlace) {
   CResourceSea sea;
   const CResourceSea* const reader = &sea;
-  EXPECT_FALSE(sea.IsListEntry(L"<T>"));
   EXPECT_FALSE(CResourceList(reader, L"<T>").IsValid());
   EXPECT_FALSE(sea.IsListEntry(L"<T>")) << "a look made the list";
 
@@ -35,33 +19,25 @@ TEST(Sea, ListsGrowUnderTheirViewsAndEntriesStayInPlace) {
   CResourceEntry* const first = list.AddLineTail();
   first->SetSeaLine(L"first");
   for (int i = 0; i < 5000; ++i) list.AddLineTail()->SetSeaLine(nullptr);
-  CString text;
-  first->GetLine(text);
-  EXPECT_EQ(text, L"first");
-
   CResourceList view(reader, L"<T>");
   EXPECT_EQ(view.GetCurrentLine(), first);
   EXPECT_EQ(view.AddLineTail(), nullptr);
   view.RemoveAll();
-  EXPECT_EQ(LinesOf(sea, L"<T>").size(), 5001U);
-  while (view.GotoNext()) {
-  }
-  EXPECT_FALSE(view.GotoNext());
-  EXPECT_TRUE(view.GotoHead());
-
+  Lines lines(5001);
+  lines[0] = L"first";
+  EXPECT_EQ(LinesOf(sea, L"<T>"), lines);
   list.RemoveAll();
   EXPECT_FALSE(view.IsValid());
   EXPECT_TRUE(sea.IsListEntry(L"<T>"));
   AddLines(sea, nullptr, {L"nameless"});
   EXPECT_EQ(LinesOf(sea, L""), Lines{L"nameless"});
-  CResourceSea* const nowhere = nullptr;
-  EXPECT_NE(CResourceList(nowhere, L"x").AddLineTail(), nullptr);
 }
 
 TEST(Sea, BooleansAreStoredByTheirAccessCodeAndReadByOthers) {
   CResourceSea sea;
   bool value = true;
   EXPECT_EQ(sea.LookupBool(1, L"Show", value, 0), lookup::result::missing);
+  EXPECT_TRUE(value);
   EXPECT_FALSE(sea.LookupGetBool(L"Show", 0, false)) << "stored by a foreign code";
   for (const bool stored : {true, false}) {
     value = stored;
@@ -77,11 +53,9 @@ TEST(Sea, TheProcessHasBothSeasAndTakesAHostsOwn) {
   CResourceSea own;
   CResourceSea* const application = CSeaBase::ApplicationSea();
   CResourceSea* const messages = CSeaBase::MessagesSea();
-  ASSERT_TRUE(application && messages);
-  EXPECT_NE(application, messages);
+  EXPECT_TRUE(application && messages && application != messages);
   EXPECT_EQ(CSeaBase::SetApplicationSea(nullptr), application);
-  EXPECT_EQ(CSeaBase::ApplicationSea(), nullptr);
-  CSeaBase::SetApplicationSea(application);
+  EXPECT_EQ(CSeaBase::SetApplicationSea(application), nullptr);
   EXPECT_EQ(CSeaBase::SetMessagesSea(&own), messages);
   EXPECT_EQ(CSeaBase::SetMessagesSea(nullptr), &own);
   EXPECT_EQ(CSeaBase::MessagesSea(), messages);
@@ -108,26 +82,21 @@ class SeaFile : public testing::Test {
   }
 
   const fs::path folder_ = testing::TempDir() + "seas_" + std::to_string(getpid());
-  testing_support::Log log_;
+  Log log_;
 };
 
 TEST_F(SeaFile, EveryTextComesBack) {
   std::wstring all;
   for (wchar_t c = 1; c < 0x300; ++c) all += c;
-  const std::wstring large(100000, L'x');
   const Lines texts = {all,
-                       large,
+                       std::wstring(100000, L'x'),
                        L"",
-                       L"  blanks  ",
-                       L"\r\n\"\\n\"\\",
                        L"; no comment",
                        L"end",
-                       L"\xD83D\xDE00 \xFEFF\xFFFF",
-                       L"\xD83D",
-                       L"\xDE00\xD83D",
-                       L"\xD83D\xD83D\xDE00",
                        L"\\0041",
-                       L"\x3000"};
+                       L"\x3000",
+                       L"\xD83D\xDE00 \xFEFF\xFFFF",
+                       L"\xDE00\xD83D\xD83D\xDE00"};
   CResourceSea out;
   for (const std::wstring& name : texts) AddLines(out, name.c_str(), texts);
   AddLines(out, L"empty", {});
@@ -141,9 +110,7 @@ TEST_F(SeaFile, EveryTextComesBack) {
   CResourceList view(&in, L"old");  // is open over the load and keeps its list
   ASSERT_TRUE(in.Load(Name(L"\u00E4\xD83D\xDE00.sea"))) << Text::ToUtf8(log_.Text());
   for (const std::wstring& name : texts) EXPECT_EQ(LinesOf(in, name.c_str()), texts);
-  EXPECT_TRUE(in.IsListEntry(L"empty"));
-  EXPECT_FALSE(in.IsListEntry(L"old"));
-  EXPECT_TRUE(view.IsValid());
+  EXPECT_TRUE(in.IsListEntry(L"empty") && !in.IsListEntry(L"old") && view.IsValid());
   EXPECT_TRUE(in.LookupGetBool(L"list \xD800\n", 0, false));
 }
 
@@ -167,12 +134,9 @@ TEST_F(SeaFile, IsTheOneThatIsDescribedAndTakesWhatEditorsDo) {
 
 TEST_F(SeaFile, ABadFileLeavesTheSeaAndNamesTheLine) {
   const std::string head = "sea 2\nlist new\n";
-  const std::vector<std::pair<std::string, std::wstring>> cases = {
-      {"", L"line 0: the last line 'end' is missing"},
+  std::vector<std::pair<std::string, std::wstring>> cases = {
       {"sea 1\nend\n", L"line 1: it is not 'sea 2'"},
-      {head + "- 1\n", L"line 3: the last line 'end' is missing"},
       {head + "- 1\\\nend\n", L"line 3: a backslash"},
-      {head + "- \\12\nend\n", L"line 3: a backslash"},
       {head + "- \\12g4\nend\n", L"line 3: a backslash"},
       {head + "- \\-123\nend\n", L"line 3: a backslash"},
       {head + "- \\0000\nend\n", L"line 3: a backslash"},
@@ -182,6 +146,9 @@ TEST_F(SeaFile, ABadFileLeavesTheSeaAndNamesTheLine) {
       {head + "end now\n", L"line 3: it is no list"},
       {"sea 2\n- 1\nend\n", L"line 2: it is no list"},
       {head + "end\nlist late\n", L"line 4: it stands behind"}};
+  const std::string whole = "\xEF\xBB\xBFsea 2\nlist new\n- \xC3\xBC \\00fc\ntrue B\nend\n";
+  for (std::size_t cut = 0; cut + 1 < whole.size(); ++cut)
+    cases.push_back({whole.substr(0, cut), L"line"});
   CResourceSea sea;
   AddLines(sea, L"old", {L"kept"});
   for (const auto& [bytes, why] : cases) {
@@ -189,30 +156,13 @@ TEST_F(SeaFile, ABadFileLeavesTheSeaAndNamesTheLine) {
     Put(bytes);
     EXPECT_FALSE(sea.Load(Name(L"a.sea"))) << bytes;
     EXPECT_NE(log_.Text().find(why), std::wstring::npos) << bytes;
+    EXPECT_EQ(log_.lines.size(), 1U) << bytes;
   }
-  fs::create_directory(folder_ / "d");
-  for (const wchar_t* const name : {L"missing", L"d", L"d/x/y"}) {
+  for (const wchar_t* const name : {L"missing", L"", L"d/x/y"}) {
     EXPECT_FALSE(sea.Load(Name(name))) << name;
   }
   EXPECT_EQ(LinesOf(sea, L"old"), Lines{L"kept"});
-  EXPECT_FALSE(sea.IsListEntry(L"new"));
-}
-
-TEST_F(SeaFile, IsRefusedWhereverItIsCut) {
-  const std::string whole = "\xEF\xBB\xBFsea 2\nlist new\n- \xC3\xBC \\00fc\ntrue B\nend\n";
-  CResourceSea sea;
-  AddLines(sea, L"old", {L"kept"});
-  for (std::size_t size = 0; size + 1 < whole.size(); ++size) {
-    Put(whole.substr(0, size));
-    log_.lines.clear();
-    EXPECT_FALSE(sea.Load(Name(L"a.sea"))) << size;
-    EXPECT_EQ(log_.lines.size(), 1U) << size;
-    EXPECT_EQ(LinesOf(sea, L"old"), Lines{L"kept"}) << size;
-    EXPECT_FALSE(sea.IsListEntry(L"new") || sea.LookupGetBool(L"B", 0, false)) << size;
-  }
-  Put(whole.substr(0, whole.size() - 1));  // the last line is whole without its line feed
-  EXPECT_TRUE(sea.Load(Name(L"a.sea")));
-  EXPECT_EQ(LinesOf(sea, L"new"), Lines{L"\u00FC \u00FC"});
+  EXPECT_FALSE(sea.IsListEntry(L"new") || sea.LookupGetBool(L"B", 0, false));
 }
 
 TEST_F(SeaFile, ASaveThatFailsLeavesTheOldFileAndNothingElse) {
@@ -221,46 +171,34 @@ TEST_F(SeaFile, ASaveThatFailsLeavesTheOldFileAndNothingElse) {
   ASSERT_TRUE(sea.Save(Name(L"a.sea")));
   const std::string old = Bytes();
   AddLines(sea, L"<T>", {std::wstring(100000, L'n')});
-  const auto save_into = [&](rlim_t room) {
-    const FullDisk disk(room);
-    return sea.Save(Name(L"a.sea"));
-  };
   for (const rlim_t room : {0U, 10U, 5000U}) {
-    EXPECT_FALSE(save_into(room)) << room;
+    const auto save = [&] {
+      const FullDisk disk(room);
+      return sea.Save(Name(L"a.sea"));
+    };
+    EXPECT_FALSE(save()) << room;
     EXPECT_EQ(Bytes(), old);
     EXPECT_EQ(Files(), 1);
   }
   EXPECT_NE(log_.Text().find(L"can't be replaced: File too large."), std::wstring::npos);
 
   // A process that dies in the middle of it; what it left is no hindrance.
-  const pid_t child = fork();
-  if (child == 0) {
-    const rlimit small = {5000, 5000};
-    setrlimit(RLIMIT_FSIZE, &small);
+  if (fork() == 0) {
+    const FullDisk disk(5000);
     std::signal(SIGXFSZ, SIG_DFL);
     sea.Save(Name(L"a.sea"));
     _exit(0);
   }
   int status = 0;
-  waitpid(child, &status, 0);
+  wait(&status);
   EXPECT_TRUE(WIFSIGNALED(status));
   EXPECT_EQ(Bytes(), old);
-  EXPECT_EQ(Files(), 2);
-
-  fs::create_directory(folder_ / "d");
-  for (const std::wstring& name :
-       {Name(L"d"), Name(L"missing/a.sea"), Name(L"a.sea/b.sea"), std::wstring(),
-        std::wstring(L"/dev/full"), std::wstring(L"/proc/a.sea")}) {
+  for (const std::wstring& name : {Name(L""), Name(L"missing/a.sea"), Name(L"a.sea/b.sea"),
+                                   std::wstring(), std::wstring(L"/dev/full")}) {
     EXPECT_FALSE(sea.Save(name)) << name;
   }
   EXPECT_TRUE(fs::is_character_file("/dev/full"));
-  if (geteuid() != 0) {  // root may write into every folder
-    fs::permissions(folder_ / "d", fs::perms::owner_read | fs::perms::owner_exec);
-    EXPECT_FALSE(sea.Save(Name(L"d/a.sea")));
-    EXPECT_TRUE(fs::is_empty(folder_ / "d"));
-    fs::permissions(folder_ / "d", fs::perms::owner_all);
-  }
-  EXPECT_EQ(Files(), 3);
+  EXPECT_EQ(Files(), 2);
   EXPECT_TRUE(sea.Save(Name(L"a.sea"))) << "there is room again";
 }
 

@@ -4,17 +4,10 @@
 // do the lines behind "> " that go on with it. What it shows stands below, until the next "$ ", the
 // end of a block (```) or a comment (;). There "..." is any number of lines, and an exit status
 // other than 0 stands in brackets.
-
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <regex>
-#include <string>
-#include <vector>
+
+#include "support.h"
 
 namespace {
 

@@ -1,12 +1,7 @@
 // Triggers beyond what cases/triggers.txt tells: axes and cells that a host puts together itself.
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <cmath>
 #include <cstdint>
-#include <tuple>
 
-#include "test_store.h"
+#include "support.h"
 #include "trigger/TriggerStore.h"
 
 namespace {
@@ -30,7 +25,7 @@ TEST(Triggers, PackOneValueIntoTheCellThatIsGiven) {
   EXPECT_TRUE(CTriggerStore::cell(axis, 0, 3, cell, false));
   EXPECT_EQ(cell, 0x00050007) << "ORed";
   EXPECT_FALSE(CTriggerStore::cell(axis, 0, -3, cell, false));
-  const testing_support::TestStore data("<TTriggerParam>: {\n10 1 1 2 0 30 10 1 0 3\n}\n");
+  const TestStore data("<TTriggerParam>: {\n10 1 1 2 0 30 10 1 0 3\n}\n");
   const CTriggerStore store(data.params);
   for (const int mode : {10, 10 + 2048}) {
     EXPECT_TRUE(store.cell(mode, 1, 0, 36, cell, false)) << "from the row's own start";

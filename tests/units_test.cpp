@@ -1,11 +1,6 @@
 // A misread unit shows a measured value a thousand times too large.
-#include <gtest/gtest.h>
-
-#include <climits>
-#include <string>
-#include <vector>
-
 #include "interfaces/signal/MeasuringUnit.h"
+#include "support.h"
 
 namespace {
 
