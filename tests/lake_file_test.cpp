@@ -20,38 +20,6 @@ std::wstring LineTexts(const CLake& lake) {
   return text;
 }
 
-TEST(LakeFile, LinesAreTakenApart) {
-  const std::pair<const wchar_t*, const wchar_t*> cases[] = {
-      {L" <QType><FBaseName> : \"Gear: box\" ", L"<QType><FBaseName>|\"Gear: box\"|"},
-      {L"a: b: c", L"a|b: c|"},
-      {L"\"a:b\": c", L"\"a:b\"|c|"},
-      {L"5 \"a:b\"", L"|5 \"a:b\"|"},
-      {L"5 \"x\" ; note: z", L"|5 \"x\" ; note: z|"},
-      {L"\t} ; note ", L"|}|note"},
-      {L"} x ; n", L"|} x|n"},
-      {L"} \"a;b\" ; n", L"|} \"a;b\"|n"},
-      {L"\v\f; a: b\r", L"||a: b"},
-      {L"key: value ; note", L"key|value ; note|"},
-      {L"\"unclosed: x", L"|\"unclosed: x|"},
-      {L": x", L"|x|"},
-      {L"k:", L"k||"},
-      {L"a\rb", L"|a\rb|"},
-      {L"\u00A0x", L"|\u00A0x|"},
-      {L"\u3000k\u2003:\u1680 v\u2028", L"k|v|"},
-      {L"<T>: { ; x", L"<T>|{ ; x|"},
-      {L" { ", L"|{|"},
-  };
-  CLake::CNode node;  // one for all, so that nothing of a line may stay for the next
-  for (const auto& [line, texts] : cases) {
-    std::wistringstream(line) >> node;
-    EXPECT_EQ(Texts(node), texts) << line;
-    EXPECT_EQ(node.is_section(), node.value() == L"{") << line;
-  }
-  std::wostringstream out;
-  out << CLake::CNode(*std::make_unique<CLake::NodeList>(), L"k", L"v", L"c");
-  EXPECT_EQ(out.str(), L"k: v\t; c\n");
-}
-
 TEST(LakeFile, BytesBecomeLines) {
   const struct {
     std::string bytes;

@@ -21,55 +21,16 @@ Result<T> Of(const Number::Scanned<T>& scanned) {
   return {scanned.value, scanned.used, scanned.state};
 }
 
-// What random texts below don't meet: other scripts' digits and blanks, and the bounds.
-TEST(Numbers, IntegersStopWhereTheNumberEndsAndKeepTo32Or64Bits) {
-  const std::pair<std::wstring, Result<int>> narrow[] = {
-      {L" \t\n\v\f\r-7 8", {-7, 8, kOk}},
-      {L"\u3000\u20057", {7, 3, kOk}},
-      {L"2147483648 5", {INT_MAX, 10, kRange}},
-      {L"-2147483648", {INT_MIN, 11, kOk}},
-      {L"-2147483649", {INT_MIN, 11, kRange}},
-      {L"\u00A05", {0, 0, kNone}},       // no-break space is no white space
-      {L"\u0663\u0664", {0, 0, kNone}},  // Arabic digits are no digits
-      {L"1\uFF12", {1, 1, kOk}}};
-  for (const auto& [text, wanted] : narrow) EXPECT_EQ(Of(Number::ScanInt(text)), wanted) << text;
-  const std::pair<std::wstring, Result<long long>> wide[] = {
-      {L"9223372036854775807", {LLONG_MAX, 19, kOk}},
-      {L"9223372036854775808", {LLONG_MAX, 19, kRange}},
-      {L"-9223372036854775808", {LLONG_MIN, 20, kOk}},
-      {L"-9223372036854775809", {LLONG_MIN, 20, kRange}}};
-  for (const auto& [text, wanted] : wide) EXPECT_EQ(Of(Number::ScanLongLong(text)), wanted) << text;
-  const std::pair<std::wstring, Result<unsigned>> positive[] = {
-      {L"4294967295", {UINT_MAX, 10, kOk}},
-      {L" -1", {UINT_MAX, 3, kOk}},
-      {L"-4294967295", {1, 11, kOk}},
-      {L"-4294967296", {UINT_MAX, 11, kRange}}};
-  for (const auto& [text, wanted] : positive) {
-    EXPECT_EQ(Of(Number::ScanUnsigned(text)), wanted) << text;
-  }
-}
-
-TEST(Numbers, FloatsTellBothEndsOfTheRange) {
+// The ends of the range are told in cases/numbers.txt.
+TEST(Numbers, MayHaveMoreDigitsThanAnyExponent) {
   const std::wstring zeros(400, L'0');
   const std::pair<std::wstring, Result<double>> cases[] = {
-      {L"InFiNiTyx", {kInf, 8, kOk}},
-      {L"\u0661.5", {0, 0, kNone}},
-      {L"-1e99999999999999999999", {-kInf, 23, kRange}},
-      {L"1e-99999999999999999999", {0, 23, kRange}},
-      {L"1e+9223372036854775807", {kInf, 22, kRange}},
-      {L"4.9e-324", {4.9406564584124654e-324, 8, kOk}},
-      {L"2e-324", {0, 6, kRange}},
-      {L"1.7976931348623159e308", {kInf, 22, kRange}},
-      {L"0x1p-1075", {0, 9, kRange}},
-      {L"0e999999999999999999999", {0, 23, kOk}},
       {L"1" + zeros, {kInf, 401, kRange}},
       {L"0." + zeros + L"1", {0, 403, kRange}},
       {L"0." + zeros + L"1e401", {1, 407, kOk}},
       {L"1" + zeros + L"e-400 ", {1, 406, kOk}},
       {L"0x1" + zeros, {kInf, 403, kRange}}};
   for (const auto& [text, wanted] : cases) EXPECT_EQ(Of(Number::ScanDouble(text)), wanted) << text;
-  EXPECT_TRUE(std::signbit(Number::ScanDouble(L"-1e-999").value));
-  EXPECT_EQ(Number::ScanDouble(L"-nan(ind_9)x").used, 11U);
 }
 
 // The C library is the judge. Texts are made of what numbers are made of, so most of them are near

@@ -138,6 +138,33 @@ std::string Unit(const CMeasuringUnit& unit) {
   return Join(static_cast<int>(unit.Unit()), unit.Prefix(), unit.Power(), unit.prefixunit(false));
 }
 
+template <class T>
+std::string ShowScanned(const Number::Scanned<T>& number) {
+  static const char* const states[] = {"", " no digits", " out of range"};
+  return Join(number.value, number.used) + states[static_cast<int>(number.state)];
+}
+
+// A line that a field of this kind reads: its value then, what is left of the line, a failure.
+std::string Field(unsigned kind, Name line) {
+  int integer = 77;
+  unsigned positive = 77;
+  int long_int = 77;
+  long long long_long = 77;
+  float real = 77;
+  wchar_t text[TableType::text_width] = L"old";
+  QClavis key{7, 7, 7, 7, 7, 7};
+  void* const places[] = {&integer, &positive, &long_int, &long_long, &real, text, &key};
+  kind %= static_cast<unsigned>(std::size(places));
+  const TableType::FieldRef field{static_cast<TableType::FieldKind>(kind), places[kind]};
+  std::wstring_view rest = line;
+  const RowText::Result result = RowText::ReadFields({&field, 1}, rest);
+  std::wstring value;
+  const TableType::FieldView view{field.kind, field.place};
+  RowText::Append(value, {&view, 1});
+  const std::string failure = result.reason == nullptr ? "" : std::string(" ") + result.reason;
+  return Join(Text::ToUtf8(value), std::wstring(rest)) + (result.ok ? "" : failure);
+}
+
 using Definition = QVSpecIntervalEntry::Definition;
 
 std::string Interpret(Name definition, unsigned room) {
@@ -372,6 +399,23 @@ Map MakeAll() {
   });
   add("SetUserLanguage",
       [](P&, Name tag) { return std::string(SetUserLanguage(Text::ToUtf8(tag)).tag); });
+  add("SetUserLanguage", [](P&, int id) { return std::string(SetUserLanguage(id).tag); });
+  add("String", [](int id) {
+    const auto of = [id](auto module) {
+      return CLibMgr(module).LoadStringW(static_cast<unsigned>(id));
+    };
+    return Join(of(ModuleHandle::lKestrinDb), of(ModuleHandle::none));
+  });
+  add("Int", [](Name text) { return ShowScanned(Number::ScanInt(text)); });
+  add("LongLong", [](Name text) { return ShowScanned(Number::ScanLongLong(text)); });
+  add("Unsigned", [](Name text) { return ShowScanned(Number::ScanUnsigned(text)); });
+  add("Double", [](Name text) { return ShowScanned(Number::ScanDouble(text)); });
+  add("Field", Field);
+  add("Line", [](Name text) {
+    CLake::CNode line;
+    std::wistringstream(text) >> line;
+    return Text::ToUtf8(line.key() + L"|" + line.value() + L"|" + line.comment());
+  });
   add("GetCalcParamEnumTexts", [] {
     std::list<CString> texts = {L"what was there"};
     const unsigned count = QVIpCalcParameter::GetCalcParamEnumTexts(texts);

@@ -64,46 +64,6 @@ TEST(Strings, FilesHoldNoDamagedText) {
   }
 }
 
-TEST(Strings, AreFoundByTheirNumbersInTheUsersLanguage) {
-  SetUserLanguage("de");
-  CString headings;
-  for (unsigned id = 10; id < 18; ++id) {
-    headings += CLibMgr(ModuleHandle::lKestrinDb).LoadStringW(id) + L", ";
-    EXPECT_EQ(CLibMgr(ModuleHandle::none).LoadStringW(id), L"");
-  }
-  EXPECT_EQ(headings,
-            L", alle Prüfschritte, alle Instrumente, alle Kanäle, alle Objekte, alle Parameter, "
-            L"alle Sensoren, alle (reserviert), ");
-  for (const int missing : {0, 10, 143, 3002, INT_MAX, INT_MIN}) {
-    EXPECT_EQ(FindModuleString(missing), std::nullopt) << missing;
-  }
-}
-
-TEST(Strings, FallFromRegionToLanguageToEnglish) {
-  constexpr std::pair<const char*, int> tags[] = {{"de_AT.UTF-8", 1031},
-                                                  {"DE-ch", 1031},
-                                                  {"de@euro", 1031},
-                                                  {"pt_BR", 22},
-                                                  {"zh_CN.GB18030", 2052},
-                                                  {"zh-Hant-TW", 2052},
-                                                  {"es_419", 3082},
-                                                  {"default", 2048},
-                                                  {"C.UTF-8", 9},
-                                                  {"", 9},
-                                                  {"d", 9},
-                                                  {"deu", 9},
-                                                  {"_", 9},
-                                                  {".", 9}};
-  for (const auto& [tag, id] : tags) EXPECT_EQ(SetUserLanguage(tag).id, id) << tag;
-  constexpr std::pair<int, int> ids[] = {{3079, 1031}, {7, 1031},       {1046, 22}, {2048, 2048},
-                                         {2058, 3082}, {1025, 9},       {0, 9},     {-1, 9},
-                                         {INT_MAX, 9}, {INT_MIN + 7, 9}};
-  for (const auto& [wish, id] : ids) {
-    SetUserLanguage(wish);
-    EXPECT_EQ(UserLanguage().id, id) << wish;
-  }
-}
-
 // The environment is read once in a process, so each case has one of its own. The statement of the
 // test prints the language that it found, and ends.
 using StringsDeathTest = testing::Test;
