@@ -141,24 +141,6 @@ TEST(LakeTree, WhatIsMadeInMemoryIsReadBackTheSame) {
   EXPECT_EQ((*lake[L"made"])[L"k"].exists(), false);
 }
 
-// "t" is the section that a later line opens, until that line belongs to another section or to
-// none.
-TEST(LakeTree, LinkedAnewALineIsASectionOnlyIfABracketOpensIt) {
-  for (const wchar_t* const bracket : {L"{", L"}"}) {
-    CLake lake = FromBytes("t: x\na\nt: {\n1\n}\n");
-    ASSERT_TRUE(lake[L"t"]->is_section());
-    CLake::CNode& row = **lake.root().begin_unnamed();
-    row.value(bracket);
-    EXPECT_TRUE(lake.read(L"/there/is/none"));  // which links the lines anew
-    EXPECT_FALSE(lake[L"t"]->is_section());
-    EXPECT_EQ(lake[L"t"]->unnamed_size(), 0U);
-    row.clear_section();
-    lake[L"t"]->clear_section();
-    EXPECT_EQ(lake[L"t"].push_back(L"2"), 0U);
-    EXPECT_EQ(Shape(FromBytes(ToBytes(lake)).root()), Shape(CLake(lake).root()));
-  }
-}
-
 TEST(LakeTree, FaultsOfTheCallerChangeNothing) {
   CLake lake = FromBytes("s: {\n1\n}\np: 1\n");
   const CLake& constant = lake;

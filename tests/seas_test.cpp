@@ -86,30 +86,23 @@ class SeaFile : public testing::Test {
 };
 
 TEST_F(SeaFile, EveryTextComesBack) {
+  const std::wstring name = Name(L"\u00E4\xD83D\xDE00.sea");
   std::wstring all;
   for (wchar_t c = 1; c < 0x300; ++c) all += c;
-  const Lines texts = {all,
-                       std::wstring(100000, L'x'),
-                       L"",
-                       L"; no comment",
-                       L"end",
-                       L"\\0041",
-                       L"\x3000",
-                       L"\xD83D\xDE00 \xFEFF\xFFFF",
-                       L"\xDE00\xD83D\xD83D\xDE00"};
+  const Lines texts = {all, L"", L"; no comment", L"end", L"\\0041", L"\x3000", L"\xDE00\xD83D"};
   CResourceSea out;
-  for (const std::wstring& name : texts) AddLines(out, name.c_str(), texts);
+  for (const std::wstring& text : texts) AddLines(out, text.c_str(), texts);
   AddLines(out, L"empty", {});
   bool yes = true;
   out.LookupBool(2, L"list \xD800\n", yes, 0);
-  ASSERT_TRUE(out.Save(Name(L"\u00E4\xD83D\xDE00.sea")));
+  ASSERT_TRUE(out.Save(name));
   EXPECT_TRUE(fs::exists(folder_ / "\xC3\xA4\xF0\x9F\x98\x80.sea")) << "file names are UTF-8";
 
   CResourceSea in;
   AddLines(in, L"old", {L"gone"});
   CResourceList view(&in, L"old");  // is open over the load and keeps its list
-  ASSERT_TRUE(in.Load(Name(L"\u00E4\xD83D\xDE00.sea"))) << Text::ToUtf8(log_.Text());
-  for (const std::wstring& name : texts) EXPECT_EQ(LinesOf(in, name.c_str()), texts);
+  ASSERT_TRUE(in.Load(name)) << Text::ToUtf8(log_.Text());
+  for (const std::wstring& text : texts) EXPECT_EQ(LinesOf(in, text.c_str()), texts);
   EXPECT_TRUE(in.IsListEntry(L"empty") && !in.IsListEntry(L"old") && view.IsValid());
   EXPECT_TRUE(in.LookupGetBool(L"list \xD800\n", 0, false));
 }
@@ -123,8 +116,7 @@ TEST_F(SeaFile, IsTheOneThatIsDescribedAndTakesWhatEditorsDo) {
   EXPECT_EQ(Bytes(),
             "sea 2\nlist <T>\n- 1 \"a\"\\0009\\007f\n- \xC3\xBC\\dc00\\0020\n-\nfalse B\nend\n");
 
-  Put("\xEF\xBB\xBFsea 2\r\n; mended by hand\r\n\r\n list\t<T> \r\n-\xE3\x80\x80\\00FC\r\n; "
-      "more\r\n"
+  Put("\xEF\xBB\xBFsea 2\r\n; mended\r\n\r\n list\t<T> \r\n-\xE3\x80\x80\\00FC\r\n; by hand\r\n"
       "- 2\r\ntrue  B\r\nlist <U>\nlist <T>\n- 3\nend");
   ASSERT_TRUE(sea.Load(Name(L"a.sea"))) << Text::ToUtf8(log_.Text());
   EXPECT_EQ(LinesOf(sea, L"<T>"), (Lines{L"\u00FC", L"2", L"3"}));
