@@ -117,11 +117,11 @@ TEST(Keys, MatchWhereEqualOrWithoutValue) {
 }
 
 TEST(Keys, ElementWordsAreTextForEveryNumber) {
-  const auto name = [](int element, int form) {
+  const auto name = [](unsigned element, unsigned form) {
     return std::wstring(Clavis::ElementName(static_cast<Clavis::qOrder>(element), form));
   };
   EXPECT_EQ(name(3, 1) + name(0, 2), L"objectTest step");
-  EXPECT_EQ(name(0, 3) + name(-1, 1) + name(6, 2), L"");
+  EXPECT_EQ(name(0, 3) + name(7, 1) + name(6, 2), L"");
 }
 
 }  // namespace

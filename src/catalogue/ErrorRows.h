@@ -3,6 +3,7 @@
 
 #include "tables/RowRecords.h"
 
+// <TErrorCode>, by error code: what an error of a test means.
 struct QVErrorCode : QValueBase, TableType::Fields<QVErrorCode> {
   int first = 0;
   wchar_t text[TableType::text_width] = {};
@@ -20,6 +21,7 @@ struct QVErrorCode : QValueBase, TableType::Fields<QVErrorCode> {
   }
 };
 
+// <TExternalError>, by error code.
 struct QVExternalError : QValueBase, TableType::Fields<QVExternalError> {
   int first = -1;
   int second = -1;
@@ -40,7 +42,7 @@ struct QVExternalError : QValueBase, TableType::Fields<QVExternalError> {
   }
 };
 
-// A severity class of errors.
+// <TErrorGroup>, by severity: a severity class of errors.
 struct QVErrorGroup : QValueBase, TableType::Fields<QVErrorGroup> {
   int first = 0;
   int second = 4;
@@ -56,6 +58,7 @@ struct QVErrorGroup : QValueBase, TableType::Fields<QVErrorGroup> {
   }
 };
 
+// <TShadowGroupProperty>, by shadow group.
 struct QVShadowGroupProperty : QValueBase, TableType::Fields<QVShadowGroupProperty> {
   int first = 0;
 

@@ -1,5 +1,5 @@
-// The calculation parameters of instrument parameters: numbered settings that are all stored as
-// text. Whoever reads a value decides whether it is a number, a float or a text.
+// The calculation parameters of instrument parameters, <TIpCalcParameter>: numbered settings that
+// are all stored as text. Whoever reads a value decides whether it is a number, a float or a text.
 //
 // What the numbers and their values are called comes from the library's string table, in the
 // language of the user (frame/strings/ModuleStrings.h). These texts may be asked for from any
@@ -25,6 +25,8 @@ struct KESTRIN_API QVIpCalcParameter : QValueBase, TableType::Fields<QVIpCalcPar
   static constexpr unsigned s_version = 1;
   static constexpr unsigned NumEnums = 6;  // calculation parameters with a list of values
 
+  // A copy takes over the text as TableType::strcopy does: a text that a host has left without its
+  // closing zero is cut, and the cut logged.
   QVIpCalcParameter() = default;
   QVIpCalcParameter(const QVIpCalcParameter& other);
   QVIpCalcParameter& operator=(const QVIpCalcParameter& other);

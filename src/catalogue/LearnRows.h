@@ -5,8 +5,8 @@
 
 #include "tables/RowRecords.h"
 
-// The learn parameters of a key. Both times are that at which the record was made, until a row's
-// text says otherwise.
+// <TIpLearnParams>: the learn parameters of a key. Both times are that at which the record was
+// made, until a row's text says otherwise.
 struct QVIpLearnParameter : QValueBase, TableType::Fields<QVIpLearnParameter> {
   int first = -1;
   long long time_1 = std::time(nullptr);  // seconds since 1970
@@ -22,6 +22,7 @@ struct QVIpLearnParameter : QValueBase, TableType::Fields<QVIpLearnParameter> {
   }
 };
 
+// <TLearnProcedures>, by procedure.
 struct QVLearnProcedures : QValueBase, TableType::Fields<QVLearnProcedures> {
   int first = 0;
   unsigned second = 0;

@@ -4,6 +4,7 @@
 
 #include "tables/RowRecords.h"
 
+// <TIpParamAndStore>, by key: the list of measured quantities, and how each is stored.
 struct QVIpParamAndStore : QValueBase, TableType::Fields<QVIpParamAndStore> {
   int first = 0;
   float second = 0.0F;
@@ -20,7 +21,7 @@ struct QVIpParamAndStore : QValueBase, TableType::Fields<QVIpParamAndStore> {
   }
 };
 
-// The run test setting of a key.
+// <TGrex11>: the run test setting of a key.
 struct QVIpRunTest : QValueBase, TableType::Fields<QVIpRunTest> {
   int first = 1;
 
@@ -40,7 +41,7 @@ struct QVLimitBase : QValueBase {
 };
 inline QVLimitBase::~QVLimitBase() = default;
 
-// A limit with two float values.
+// <TLimSValue>, by key: a limit with two float values.
 struct QVLimSValue : QVLimitBase, TableType::Fields<QVLimSValue> {
   float second = 0.0F;
   float third = 0.0F;
@@ -52,7 +53,7 @@ struct QVLimSValue : QVLimitBase, TableType::Fields<QVLimSValue> {
   }
 };
 
-// A limit with integer values.
+// <TLimCValue>, by key: a limit with integer values.
 struct QVLimCValue : QVLimitBase, TableType::Fields<QVLimCValue> {
   int second = -1;
   int third = -1;
@@ -68,7 +69,7 @@ struct QVLimCValue : QVLimitBase, TableType::Fields<QVLimCValue> {
   }
 };
 
-// A limit of an area.
+// <TLimArea>, by key: a limit of an area.
 struct QVLimArea : QVLimitBase, TableType::Fields<QVLimArea> {
   float second = 0.0F;
   float third = 0.0F;
@@ -80,7 +81,7 @@ struct QVLimArea : QVLimitBase, TableType::Fields<QVLimArea> {
   }
 };
 
-// A relative limit of a key.
+// <TGrex15>: a relative limit of a key, whose instrument the load fills in from the parameter.
 struct QVRelativeLimit : QValueBase, TableType::Fields<QVRelativeLimit> {
   float first = 0.0F;
   float second = 0.0F;

@@ -3,13 +3,15 @@
 // users gave to measured quantities. (Names themselves are rows of CDynNameIdTable.)
 //
 // In all rows of the catalogue, fields that are named after their position (third, fourth, ...) are
-// carried for the programs that load the library; their meaning belongs to those programs.
+// carried for the programs that load the library; their meaning belongs to those programs. Rows are
+// plain values: any thread may read them beside others, a host that writes one keeps readers away.
 #pragma once
 
 #include "interfaces/Export.h"
 #include "tables/RowRecords.h"
 
-// A parameter: one result of an instrument. Its id is unique over all instruments.
+// <TInstrumentParam>, by parameter: one result of an instrument. Ids are unique over all
+// instruments.
 struct QVInstrumentParam : QValueBase, TableType::Fields<QVInstrumentParam> {
   int instrument = -1;
   wchar_t name[TableType::text_width] = {};
@@ -26,7 +28,7 @@ struct QVInstrumentParam : QValueBase, TableType::Fields<QVInstrumentParam> {
   }
 };
 
-// The properties of a test step.
+// <TModeProperty>: the properties of a test step.
 struct QVModeProps : QValueBase, TableType::Fields<QVModeProps> {
   enum modeFlag : unsigned {
     mode_hidden = 0x400,  // the test step isn't offered in selections
@@ -45,7 +47,7 @@ struct QVModeProps : QValueBase, TableType::Fields<QVModeProps> {
   }
 };
 
-// The properties of a channel.
+// <TChannelProperty>: the properties of a channel.
 struct QVChannelProperty : QValueBase, TableType::Fields<QVChannelProperty> {
   unsigned resampling_type = 0;  // a set of CQtParamInstance::channelFlag
   int second = -1;
@@ -69,7 +71,7 @@ struct QVRefIdx : QValueBase, TableType::Fields<QVRefIdx> {
   }
 };
 
-// The properties of an object.
+// <TLocationProperty>: the properties of an object.
 struct QVLocationProperty : QValueBase, TableType::Fields<QVLocationProperty> {
   int flags = 0;
   int second = 0;
@@ -82,6 +84,7 @@ struct QVLocationProperty : QValueBase, TableType::Fields<QVLocationProperty> {
   }
 };
 
+// <TInstrumentProperty>: the properties of an instrument.
 struct QVInstrumentProperty : QValueBase, TableType::Fields<QVInstrumentProperty> {
   int first = -1;
   int second = 0;
@@ -94,7 +97,7 @@ struct QVInstrumentProperty : QValueBase, TableType::Fields<QVInstrumentProperty
   }
 };
 
-// The name that users gave to a measured quantity, for all test steps.
+// <TClavisUserNames>: the name that users gave to a measured quantity, for all test steps.
 struct KESTRIN_API QVClavisUserNames : QValueBase, TableType::Fields<QVClavisUserNames> {
   wchar_t name[TableType::text_width] = {};
   int second = 0;

@@ -3,7 +3,7 @@
 
 #include "tables/RowRecords.h"
 
-// A polygon: a named curve of points.
+// <TIpPolygon>, by polygon id: a named curve of points.
 struct QVClassIdName : QValueBase, TableType::Fields<QVClassIdName> {
   int class_id = -1;
   wchar_t name[TableType::text_width] = {};
@@ -14,6 +14,7 @@ struct QVClassIdName : QValueBase, TableType::Fields<QVClassIdName> {
   }
 };
 
+// <TIpPolygonProperty>, by polygon id.
 struct QVIpPolygonProperty : QValueBase, TableType::Fields<QVIpPolygonProperty> {
   int first = -1;
   int second = 1;
@@ -24,7 +25,7 @@ struct QVIpPolygonProperty : QValueBase, TableType::Fields<QVIpPolygonProperty> 
   }
 };
 
-// The y value of a point of a polygon; polygon and x are its key.
+// <TIpPolygonValue>: the y value of a point of a polygon; polygon and x are its key.
 struct QVIpY : QValueBase, TableType::Fields<QVIpY> {
   float y = 0.0F;
 
@@ -34,7 +35,7 @@ struct QVIpY : QValueBase, TableType::Fields<QVIpY> {
   static constexpr auto fields() { return TableType::FieldList(TableType::Field("y", &QVIpY::y)); }
 };
 
-// The track polygon of a key.
+// <TGrex10001>: the track polygon of a key; an element of -1 stands for any value.
 struct QVIpSvTrackPolygon : QValueBase, TableType::Fields<QVIpSvTrackPolygon> {
   static constexpr unsigned s_version = 1;
 

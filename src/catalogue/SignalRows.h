@@ -4,7 +4,7 @@
 
 #include "tables/RowRecords.h"
 
-// The speed value of a rotor in a physical mode. Only ratios of two of them matter.
+// <TRotorSpeed>: the speed value of a rotor in a physical mode. Only ratios of two of them matter.
 struct QVRotorSpeeds : QValueBase, TableType::Fields<QVRotorSpeeds> {
   float speed = 0.0F;
 
@@ -13,7 +13,7 @@ struct QVRotorSpeeds : QValueBase, TableType::Fields<QVRotorSpeeds> {
   }
 };
 
-// The base order of a physical gear: for a gear wheel its number of teeth.
+// <TBaseOrder>: the base order of a physical gear: for a gear wheel its number of teeth.
 struct QVBaseOrder : QValueBase, TableType::Fields<QVBaseOrder> {
   float base_order = 0.0F;
 
@@ -22,7 +22,8 @@ struct QVBaseOrder : QValueBase, TableType::Fields<QVBaseOrder> {
   }
 };
 
-// How a signal is resampled. All fields belong to the programs that load the library.
+// <TResampling> and <TResamplingM>, by a job or set and the physical mode or test step: how a
+// signal is resampled. All fields belong to the programs that load the library.
 struct QVResampling : QValueBase, TableType::Fields<QVResampling> {
   int first = -1;
   int second = -1;
@@ -47,7 +48,7 @@ struct QVResampling : QValueBase, TableType::Fields<QVResampling> {
   }
 };
 
-// A member of a sensor group.
+// <TSensorGroupList>, by sensor group: a member, in the order of the lines.
 struct QVSensorGroupList : QValueBase, TableType::Fields<QVSensorGroupList> {
   int first = -1;
   int second = -1;
@@ -58,9 +59,9 @@ struct QVSensorGroupList : QValueBase, TableType::Fields<QVSensorGroupList> {
   }
 };
 
-// The properties of an application signal. A row's text gives the unit text in front of the float
-// and ends with the unit's prefix; the fields behind that are never in a file, and only programs
-// that load the library fill them.
+// <TAppSignalProperty>: the properties of an application signal. A row's text gives the unit text
+// in front of the float and ends with the unit's prefix; the fields behind that are never in a
+// file, and only programs that load the library fill them.
 struct QVAppSignalProperty : QValueBase, TableType::Fields<QVAppSignalProperty> {
   int signal_type = 0;  // a set of bits; the value 4 marks the time signal
   float third = 1.0F;
@@ -84,6 +85,7 @@ struct QVAppSignalProperty : QValueBase, TableType::Fields<QVAppSignalProperty> 
   }
 };
 
+// <TTpSensorConfigProperty>, by three ids; the names of configurations stand in <TTpSensorConfig>.
 struct QVSensorConfiguration : QValueBase, TableType::Fields<QVSensorConfiguration> {
   int first = -1;
 
@@ -92,6 +94,7 @@ struct QVSensorConfiguration : QValueBase, TableType::Fields<QVSensorConfigurati
   }
 };
 
+// <TSignalDispatch>, by one id.
 struct QVSignalDispatch : QValueBase, TableType::Fields<QVSignalDispatch> {
   int first = -1;
 

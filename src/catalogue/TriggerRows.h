@@ -3,6 +3,7 @@
 
 #include "tables/RowRecords.h"
 
+// <TTrigger>, by trigger id: the name of a trigger.
 struct QVTrigger : QValueBase, TableType::Fields<QVTrigger> {
   wchar_t name[TableType::text_width] = {};
   int second = 0;
@@ -13,7 +14,8 @@ struct QVTrigger : QValueBase, TableType::Fields<QVTrigger> {
   }
 };
 
-// One axis of a trigger in a test step: the running values on which results are taken.
+// <TTriggerParam>, by test step, trigger and the number of the axis, from 1 to 4: the running
+// values on which results are taken.
 struct QVTriggerParams : QValueBase, TableType::Fields<QVTriggerParams> {
   enum axisDirection : int { no_direction = 1, raising_direction = 2, falling_direction = 3 };
 
@@ -42,7 +44,8 @@ struct QVTriggerParams : QValueBase, TableType::Fields<QVTriggerParams> {
   }
 };
 
-// A signal from whose values virtual modes are made, in bands.
+// <TAutoModeParam>, by application signal: from the bands of its values virtual test steps are
+// made.
 struct QVAutoModeParams : QValueBase, TableType::Fields<QVAutoModeParams> {
   float start = 0.0F;  // signal value at which band 0 begins
   float second = 10.0F;
@@ -61,6 +64,7 @@ struct QVAutoModeParams : QValueBase, TableType::Fields<QVAutoModeParams> {
   }
 };
 
+// <TAutoMode>, by one id.
 struct QVAutoMode : QValueBase, TableType::Fields<QVAutoMode> {
   int first = -1;
 
@@ -69,6 +73,7 @@ struct QVAutoMode : QValueBase, TableType::Fields<QVAutoMode> {
   }
 };
 
+// <TAutoModeSelector>, by one id, which may stand on several lines.
 struct QVAutoModeSelector : QValueBase, TableType::Fields<QVAutoModeSelector> {
   QClavis clavis;
   float second = 0.0F;

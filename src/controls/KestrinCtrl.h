@@ -81,7 +81,7 @@ class KESTRIN_API CKestrinCtrl : public CXListCtrl {
   void PreSubclassWindow() override;
 
  private:
-  // A callback of a host's would be replaced by the next fill, so there is no way to set one.
+  // A callback of a host's would be replaced by the next fill, so an editor has no way to set one.
   using CXListCtrl::on_entry_chosen;
 
   struct ExtraRow {

@@ -35,6 +35,7 @@ class KESTRIN_API CQtParamDistillery : public CQtParamStore {
   // Why the last load gave false; no reason after one that gave true, and before any.
   const kestrin::Refusal& LastRefusal() const { return last_refusal_; }
 
+  // For the library's own use: hosts ask the handle.
   const CQtParamDerived& Derived() const { return *derived_; }
 
   // The application signal that carries time, as the last load of the process found it; -1 if there

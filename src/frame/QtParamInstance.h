@@ -55,11 +55,15 @@ class KESTRIN_API CQtParamInstance {
   // Erases the rows of all tables and the four names. What the last load derived stays.
   void PurgeTables();
 
-  // Logs all tables and what is derived from them; of each all rows with limit 0.
+  // Logs all tables and what is derived from them; of each all rows with limit 0, else one more
+  // than the limit.
   void DumpTables(int limit) const;
 
   // --- The documents that belong to the data base -------------------------------------------
 
+  // As the last load read them from the lines <QType><FBaseName>, <QType><FAliasName>,
+  // <QCalib><FCalibFileName> and <QLearn><FLearnArcName>: what stands between the quotes, or the
+  // first word. Empty without such a line, before a load and after a purge.
   CString BaseType() const;
   CString AliasType() const;
   CString CalibFileName() const;
@@ -246,7 +250,8 @@ class KESTRIN_API CQtParamInstance {
 
   // The name made for a virtual mode: the physical mode and a fragment for each signal, or if
   // <TAutoModeParam> is empty the base mode and the extension. Empty for an id that isn't virtual
-  // or has no physical mode.
+  // or has no physical mode. A digit of 0 for a row shows as the position of no band, which means
+  // nothing: VirtModeDigit tells.
   CString VirtModeName(int id) const;
 
   // The name to show for any test step: the one in <TMode>, good until the table is purged, or
@@ -293,7 +298,8 @@ class KESTRIN_API CQtParamInstance {
 
   // --- Key texts ----------------------------------------------------------------------------
 
-  // When an element's id stands behind its name, as in "Main [3]".
+  // When an element's id stands behind its name, as in "Main [3]". Any other value is a fault of
+  // the caller and shows no id.
   enum show_id_t : int {
     show_id_never = 0,
     show_id_always = 1,

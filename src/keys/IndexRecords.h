@@ -29,7 +29,8 @@
 #include "interfaces/Export.h"
 #include "interfaces/signal/Clavis.h"
 
-// The base of every key record and every row record. The destructor is its one virtual operation.
+// The base of every key record and every row record. The destructor is its one virtual operation:
+// hosts delete records by their base, so even a QIdx1 with its 4 bytes of id takes 16.
 class KESTRIN_API QValueBase {
  public:
   virtual ~QValueBase() = 0;

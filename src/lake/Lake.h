@@ -52,13 +52,15 @@ class KESTRIN_API CLake {
   // one is stored. A file that can't be opened (missing, a folder, no right to read) leaves the
   // lines as they are and gives true. False is given for a file that begins with a broken UTF-8
   // mark, which leaves the lines too, and when the medium fails: then the lines read until there
-  // are the lake. Bytes that are not UTF-8 in a file with the mark end the text at that place.
+  // are the lake. A file with the mark is read as UTF-8, one without as Latin-1; bytes that are not
+  // UTF-8 in a file with the mark end the text at that place.
   bool read(const CString& filename);
 
   // Why the last `read` of this lake got no lines or not all; no reason before any.
   const kestrin::Refusal& last_refusal() const { return last_refusal_; }
 
-  // Writes all lines, as UTF-8 behind the mark; without lines, a file of zero bytes. The file name
+  // Writes all lines in their order, as UTF-8 behind the mark and ended by LF alone; those outside
+  // of every section too, at the margin. Without lines, a file of zero bytes. The file name
   // as in `read`. False if the file can't be opened; a failure while writing ends the writing and
   // is not reported. A high surrogate that no low one follows and an element above 0xFFFF become
   // U+FFFD.
@@ -169,7 +171,8 @@ class KESTRIN_API CLake::CNode {
   // and returns the place behind its closing line; nesting costs no stack.
   NodeList::iterator link(NodeList::iterator first);
   void set_collection(NodeList& list) { collection_ = &list; }
-  // Everything goes but the comment and the place of the closing line.
+  // Everything goes but the comment, which stays with the line that the node becomes next, and the
+  // place of the closing line.
   void clear();
 
   // A stream holds one node a line.
@@ -247,7 +250,7 @@ class KESTRIN_API CLake::CNodeProxy {
   template <std::size_t size>
   friend void operator+(const CNodeProxy&, const wchar_t (&)[size]) = delete;
 
-  // The node found; only if it exists.
+  // The node found; only if it exists. That of a constant lake must not be changed.
   CNode& operator*();
   CNode* operator->() { return &**this; }
   const CNode& operator*() const;

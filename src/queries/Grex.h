@@ -1,5 +1,8 @@
 // Which track polygon applies to which measured quantity, and the points of all polygons.
 //
+// "Grex" is the suite's word for a table over whole keys that has a number in its section's name:
+// <TGrex10001>, <TGrex11>, <TGrex15>.
+//
 // <TIpParamAndStore> lists the measured quantities by key. <TGrex10001> gives track polygons by
 // keys in which -1 stands for any value; in a listed key, too, -1 matches any value. Each listed
 // key takes the first row, in table order, that matches it. A row either names a polygon that is
@@ -7,7 +10,8 @@
 // polygon of its own.
 //
 // Polygons of both sorts share one range of ids: the made ones come behind the highest stored id,
-// in the order of the keys. If the ids end there, made polygons take those that are free from 0 up.
+// or from 0 if none is stored, in the order of the keys. If the ids end there, made polygons take
+// those that are free from 0 up.
 //
 // Init must not run beside readers. Between loads nothing changes, and any thread may read.
 #pragma once

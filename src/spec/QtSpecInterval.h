@@ -44,9 +44,9 @@ class KESTRIN_API CQtSpecInterval {
   explicit CQtSpecInterval(const CQtParamInstance& params) : instance_(params) {}
   explicit CQtSpecInterval(const CQtParamInstance&& temporary) = delete;
 
-  // Takes base order and ratio for a test step, virtual or not, and two order sources; 0 where the
-  // tables have no answer. The same three again, or another virtual mode of the same base, change
-  // nothing, even after another data base was loaded.
+  // Takes base order and ratio for a test step, virtual or not, the rotor of a speed source and
+  // that of an assembly; 0 where the tables have no answer. The same three again, or another
+  // virtual mode of the same base, change nothing, even after another data base was loaded.
   void LoadTransformParams(int mode, int speed_source, int assembly);
 
   // Never negative.

@@ -63,6 +63,7 @@ void CQtSpecIntervalStore::ProcessTables(int id, const wchar_t* definition, unsi
   Positions positions;
   const unsigned count = ReadPositions(definition, positions, nr_orders);
   if (count > 1 && count % 2 != 0) {
+    // The suite knows the line by its words, as they are spelt.
     PrWin::Output(PrWin::category_data_base, PrWin::style_bad_line,
                   L"CQtSpecIntervalStore::ProcessTables():\nIpSvOfSpec contains entry with %u "
                   L"terms. Number of terms has to be one ore even. Entrys id is %d. Definition "

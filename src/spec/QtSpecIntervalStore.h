@@ -36,6 +36,8 @@ namespace kestrin {
 using CSpecIntervalMap = std::map<QIdx2, QVSpecIntervalEntry>;
 }  // namespace kestrin
 
+// Each data base makes its own and fills it in a load. A host asks the handle for what is stored,
+// and calls Range alone.
 class CQtSpecIntervalStore {
  public:
   using Records = std::map<QIdx1, QVIpSvOfSpec>;  // by instrument parameter

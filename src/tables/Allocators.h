@@ -63,7 +63,8 @@ class NodePool {
 
 template <class T>
 class allocator_unbounded {
-  static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
+  static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__,
+                "the pool has no blocks for types that are aligned beyond what new gives");
 
  public:
   using value_type = T;

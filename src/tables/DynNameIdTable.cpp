@@ -23,7 +23,8 @@ const wchar_t* CDynNameIdTable::Name(int id) const {
 
 bool CDynNameIdTable::IsValidId(int id) const { return contains(id); }
 
-std::pair<CNameMap::iterator, bool> CDynNameIdTable::Insert(int id, const QIdxName& name_text) {
+std::pair<CDynNameIdTable::iterator, bool> CDynNameIdTable::Insert(int id,
+                                                                   const QIdxName& name_text) {
   const std::wstring_view text = TableType::TextIn(name_text.text);
   if (text.size() == QIdxName::width) {
     QIdxName cut;

@@ -199,9 +199,7 @@ bool CQParamSeaTypedTable<Map>::WriteTable(CResourceSea* target) {
   return true;
 }
 
-using CNameMap = CUniqueTreeMap<QIdx1, QIdxName>;
-
-class KESTRIN_API CDynNameIdTable : public CQParamSeaTypedTable<CNameMap> {
+class KESTRIN_API CDynNameIdTable : public CQParamSeaTypedTable<CUniqueTreeMap<QIdx1, QIdxName>> {
  public:
   explicit CDynNameIdTable(const wchar_t* section_name);
 
@@ -217,7 +215,7 @@ class KESTRIN_API CDynNameIdTable : public CQParamSeaTypedTable<CNameMap> {
 
   // Adds a row, and its name to the index if the row was new. A name without its closing zero is
   // cut, and the cut logged.
-  std::pair<CNameMap::iterator, bool> Insert(int id, const QIdxName& name_text);
+  std::pair<iterator, bool> Insert(int id, const QIdxName& name_text);
 
   bool ReadTable(const CResourceSea* source) override;
   bool ReadTable(CLake& lake) override;

@@ -11,7 +11,7 @@ using namespace kestrin;
 
 namespace {
 
-constexpr std::size_t expected_tables = 100;
+constexpr std::size_t expected_tables = 100;  // of the suite; the data base has 56 of them
 constexpr int supported_major = CQTableManager::supported_major;
 constexpr int least_minor = CQTableManager::least_minor;
 
@@ -34,7 +34,7 @@ void LogRefusal(int major, int minor) {
         L"\tIf the load still fails, please contact Tavrel.\n");
   } else {
     text.append(L" is greater than highest supported major version ");
-    Number::Append(text, supported_major);
+    Number::Append(text, supported_major);  // no line end behind it, as the suite's readers know it
     text.append(L"\tPlease contact Tavrel for a software update.\n");
   }
   PrWin::Output(text.c_str(), PrWin::category_data_base, PrWin::style_refusal);

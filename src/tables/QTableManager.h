@@ -17,9 +17,9 @@ class CResourceSea;
 class CQParamBaseTableInterface {
  public:
   virtual ~CQParamBaseTableInterface() = default;
-  virtual void Clear() = 0;
-  virtual void Purge() = 0;
-  virtual void Dump(int limit) = 0;
+  virtual void Clear() = 0;          // erases the rows and forgets the local sea, for good
+  virtual void Purge() = 0;          // erases the rows
+  virtual void Dump(int limit) = 0;  // logs the rows: all with limit 0, else one more than limit
 };
 
 class CQParamSeaTable : public virtual CQParamBaseTableInterface {
@@ -27,6 +27,7 @@ class CQParamSeaTable : public virtual CQParamBaseTableInterface {
   // Both read operations replace the rows; false if a line was bad or there was nothing to read.
   virtual bool ReadTable(const CResourceSea* sea) = 0;
   virtual bool ReadTable(CLake& lake) = 0;
+  // Into the sea given, or the local sea if that is null; false if both are null.
   virtual bool WriteTable(CResourceSea* sea) = 0;
 
  protected:

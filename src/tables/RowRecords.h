@@ -14,9 +14,9 @@
 //   };
 //
 // The mixin makes tuple() from it: a std::tuple of references to the fields, a text as a pointer to
-// its buffer. Key records give a tuple() of their own and no list. Reading, writing, dumping and
-// describing a record (RowText.h, TableCatalogue.h) see its fields as kinds and places alone, so
-// that one piece of code serves every record.
+// its buffer, and constant ones from a constant record. Key records give a tuple() of their own and
+// no list. Reading, writing, dumping and describing a record (RowText.h, TableCatalogue.h) see its
+// fields as kinds and places alone, so that one piece of code serves every record.
 #pragma once
 
 #include <array>
@@ -53,6 +53,8 @@ using FieldView = BasicFieldRef<const void*>;  // for writing the record as text
 template <class T>
 constexpr FieldKind KindOf() {
   using Plain = std::remove_cv_t<T>;
+  static_assert(!std::is_same_v<Plain, long>,
+                "a field of kind long is an int, and the record's list of fields says long_int");
   if constexpr (std::is_same_v<Plain, int>) return FieldKind::integer;
   if constexpr (std::is_same_v<Plain, unsigned>) return FieldKind::unsigned_int;
   if constexpr (std::is_same_v<Plain, long long>) return FieldKind::long_long;

@@ -15,7 +15,7 @@
 namespace Clavis {
 
 // The positions of the elements in a key. Masks over a key are std::bitset<6> on these numbers.
-enum qOrder : int {
+enum qOrder {
   Mode,        // test step
   Instrument,  // instrument
   Channel,     // channel
