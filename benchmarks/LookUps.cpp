@@ -50,8 +50,7 @@ struct Fixture {
       const std::string section(reinterpret_cast<const char*>(sections.Text(0)));
       auto count = sqlite.Prepare("select count(*) from \"" + section + "\"");
       count.Step();
-      const std::size_t rows =
-          TableCatalogue::Find(Text::FromUtf8(section))->row_count(data_base.Store());
+      const std::size_t rows = TableCatalogue::Find(section)->row_count(data_base.Store());
       Require(static_cast<std::size_t>(count.Integer(0)) == rows, "SQLite has other rows");
     }
   }

@@ -40,8 +40,7 @@ class RowParser {
   void Line(std::string_view line) {
     SkipBlanks(line);
     if (line.ends_with(": {")) {
-      const auto* table =
-          kestrin::TableCatalogue::Find(kestrin::Text::FromUtf8(line.substr(0, line.size() - 3)));
+      const auto* table = kestrin::TableCatalogue::Find(line.substr(0, line.size() - 3));
       if (table == nullptr) throw std::runtime_error("no such table: " + std::string(line));
       kinds_ = FieldKinds(*table);
       in_table_ = true;

@@ -57,7 +57,7 @@ class SqliteDataBase::Sink {
       values += i == 0 ? "?" : ", ?";
       if (i < table.key.size()) key += (i == 0 ? "" : ", ") + column;
     }
-    const std::string name = "\"" + ::Text::ToUtf8(table.section) + "\"";
+    const std::string name = "\"" + table.section + "\"";
     data_base_.Run("create table " + name + " (" + columns + "primary key (" + key +
                    ")) without rowid");
     insert_ = data_base_.Prepare("insert or ignore into " + name + " values (" + values + ")");

@@ -8,12 +8,12 @@ TEST(Catalogue, FieldsOfARowLieInTheOrderOfItsText) {
   for (const auto& table : TableCatalogue::Tables()) {
     const auto made = table.new_row();
     // The one record in which the float lies in front of the unit's text.
-    if (table.section == L"<TAppSignalProperty>") std::swap(made->row[1], made->row[2]);
+    if (table.section == "<TAppSignalProperty>") std::swap(made->row[1], made->row[2]);
     for (const auto& fields : {made->key, made->row}) {
       EXPECT_EQ(
           std::ranges::adjacent_find(fields, std::greater_equal(), &TableType::FieldRef::place),
           fields.end())
-          << Text::ToUtf8(table.section);
+          << table.section;
     }
   }
 }
@@ -25,11 +25,45 @@ TEST(Catalogue, TheManagerHasTheTablesInTheirOrder) {
     const auto place = static_cast<unsigned>(info.reading_place);
     const auto* table = dynamic_cast<const CQParamBaseTable*>(manager.Table(place - 1));
     ASSERT_NE(table, nullptr) << place;
-    EXPECT_EQ(table->name, info.section);
+    EXPECT_EQ(Text::ToUtf8(table->name), info.section);
     EXPECT_EQ(TableCatalogue::Find(info.section), &info);
   }
   EXPECT_EQ(manager.Table(56), nullptr);
-  EXPECT_EQ(TableCatalogue::Find(L"<TNothing>"), nullptr);
+  EXPECT_EQ(TableCatalogue::Find("<TNothing>"), nullptr);
+}
+
+// Columns of a table in a data base, or fields of an object, that have one name lose a value.
+TEST(Catalogue, RowsComeAsValuesUnderNamesOfTheirOwn) {
+  TestStore data;
+  ASSERT_TRUE(data.LoadSample());
+  std::vector<const TableCatalogue::RowsInfo*> all;
+  for (const auto& table : TableCatalogue::Tables()) all.push_back(&table);
+  for (const auto& derived : TableCatalogue::DerivedTables()) all.push_back(&derived);
+  EXPECT_EQ(all.size(), 62U);
+  for (const auto* info : all) {
+    std::set<std::string> names;
+    for (const auto& column : info->columns) names.insert(column.name);
+    EXPECT_EQ(names.size(), info->columns.size()) << info->section;
+    std::size_t rows = 0;
+    info->walk(data.store, [&](const auto& columns) {
+      ++rows;
+      ASSERT_EQ(columns.size(), info->columns.size()) << info->section;
+      for (std::size_t i = 0; i < columns.size(); ++i) {
+        EXPECT_EQ(columns[i].kind, info->columns[i].kind) << info->section;
+      }
+    });
+    EXPECT_EQ(rows, info->row_count(data.store)) << info->section;
+    EXPECT_GT(rows, 0U) << info->section;
+  }
+}
+
+TEST(Catalogue, NumbersAreWrittenInTheFewestDigitsThatReadBackTheSame) {
+  const auto text = [](float number) { return TableCatalogue::ToText(number); };
+  const float numbers[] = {0.1F, -0.0F, 16777217.0F, 1e20F, 100000.0F, 1e-45F, 1.0F / 3, 0.0001F};
+  std::string texts;
+  for (const float number : numbers) texts += text(number) + ' ';
+  EXPECT_EQ(texts, "0.1 -0 16777216 1e+20 100000 1e-45 0.33333334 0.0001 ");
+  EXPECT_EQ(text(-INFINITY) + text(INFINITY) + text(NAN), "-infinfnan");
 }
 
 TEST(Catalogue, LearnTimesAreThoseOfTheLoad) {

@@ -126,7 +126,7 @@ TEST(Load, TheSampleFillsEveryTable) {
   ASSERT_TRUE(data.LoadSample());
   EXPECT_EQ(data.log.Text(), L"");
   for (const auto& table : TableCatalogue::Tables()) {
-    EXPECT_GT(table.row_count(data.store), 0U) << Text::ToUtf8(table.section);
+    EXPECT_GT(table.row_count(data.store), 0U) << table.section;
   }
 }
 

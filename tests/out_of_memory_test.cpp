@@ -53,7 +53,7 @@ constexpr const char* small_sea =
     "sea 2\nlist a list\n- a line that is longer than a short text\nend\n";
 
 // Each line of a lake, and the number of rows of each table.
-std::wstring Content(const CLake& lake, const CQtParamStore& store) {
+std::wstring Content(const CLake& lake, const CQtParamDistillery& store) {
   std::wstring text;
   for (const auto& line : lake) text += line.key() + L"|" + line.value() + L"\n";
   for (const auto& table : TableCatalogue::Tables()) {

@@ -84,7 +84,7 @@ TEST(ParameterCheck, LosesNoLine) {
     for (const auto& finding : ParameterCheck::Check(FromBytes(version + text))) {
       if (finding.other_line != 0) ++dropped;
     }
-    const auto* table = TableCatalogue::Find(Text::FromUtf8(section));
+    const auto* table = TableCatalogue::Find(section);
     EXPECT_EQ(table->row_count(data.store) + dropped, 9U) << section;
   }
 }

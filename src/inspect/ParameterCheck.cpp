@@ -106,7 +106,7 @@ class TableCheck {
 
  private:
   Finding& Tell(Kind kind, std::size_t line, std::string message) {
-    findings_.push_back({kind, line, 0, table_.section, "", 0, std::move(message)});
+    findings_.push_back({kind, line, 0, Text::FromUtf8(table_.section), "", 0, std::move(message)});
     return findings_.back();
   }
 
@@ -249,7 +249,7 @@ class TableCheck {
 };
 
 bool IsTable(const std::wstring& key) {
-  return key.starts_with(L'<') && TableCatalogue::Find(key) != nullptr;
+  return key.starts_with(L'<') && TableCatalogue::Find(Text::ToUtf8(key)) != nullptr;
 }
 
 // Checks how the lines nest and what stands at the top.
@@ -364,7 +364,7 @@ void CheckRelativeLimits(const CLake& lake, const LineNumbers& numbers,
   const auto parameters = lake[L"<TInstrumentParam>"];
   const auto limits = lake[L"<TGrex15>"];
   if (!limits.exists()) return;
-  const auto ids_of = [](const CLake::CNode& section, const wchar_t* table, std::size_t field,
+  const auto ids_of = [](const CLake::CNode& section, const char* table, std::size_t field,
                          auto use) {
     const auto buffer = TableCatalogue::Find(table)->new_row();
     for (auto child = section.begin_unnamed(); child != section.end_unnamed(); ++child) {
@@ -375,10 +375,10 @@ void CheckRelativeLimits(const CLake& lake, const LineNumbers& numbers,
   };
   std::set<int> known;
   if (parameters.exists()) {
-    ids_of(*parameters, L"<TInstrumentParam>", 0,
+    ids_of(*parameters, "<TInstrumentParam>", 0,
            [&](int id, const CLake::CNode&) { known.insert(id); });
   }
-  ids_of(*limits, L"<TGrex15>", Clavis::Parameter, [&](int id, const CLake::CNode& node) {
+  ids_of(*limits, "<TGrex15>", Clavis::Parameter, [&](int id, const CLake::CNode& node) {
     if (known.contains(id)) return;
     findings.push_back({Kind::unknown_parameter, numbers.at(&node), 0, L"<TGrex15>", "parameter",
                         Clavis::Parameter + 1,
@@ -406,7 +406,7 @@ std::vector<Finding> Check(const CLake& lake) {
   CheckVersion(lake, numbers, findings);
   NestingCheck(findings).Run(lake);
   for (const TableInfo& table : TableCatalogue::Tables()) {
-    const auto section = lake[table.section];
+    const auto section = lake[Text::FromUtf8(table.section)];
     if (section.exists() && section->is_section()) {
       TableCheck(table, numbers, findings).Run(*section);
     }

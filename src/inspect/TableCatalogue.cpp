@@ -1,15 +1,24 @@
 #include "inspect/TableCatalogue.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <iterator>
 #include <sstream>
 #include <type_traits>
+#include <utility>
 
-#include "frame/QtParamStore.h"
+#include "frame/QtParamDerived.h"
+#include "frame/QtParamDistillery.h"
 #include "interfaces/text/Text.h"
 #include "tables/RowText.h"
 
 namespace kestrin::TableCatalogue {
 namespace {
+
+using TableType::FieldKind;
+using TableType::FieldView;
 
 template <std::size_t n>
 std::string Utf8(const tables::Word<n>& word) {
@@ -23,18 +32,40 @@ std::vector<std::string> Words(const std::string& text) {
   return words;
 }
 
-std::string DefaultText(const TableType::FieldView& field) {
+std::string DefaultText(const FieldView& field) {
   std::wstring text;
   RowText::Append(text, {&field, 1});
   return Text::ToUtf8(text);
 }
 
-// The fields of a new record by what its tuple() tells, under the names given.
+// The fields of a record; some that a load derives are no records of a table.
+template <class Record>
+auto FieldsOf(const Record& record) {
+  return TableType::Refs(record);
+}
+std::array<FieldView, 2> FieldsOf(const std::pair<int, int>& ids) {
+  return {{{FieldKind::integer, &ids.first}, {FieldKind::integer, &ids.second}}};
+}
+std::array<FieldView, 2> FieldsOf(const CVPoint& point) {
+  return {{{FieldKind::real, &point.x}, {FieldKind::real, &point.y}}};
+}
+std::array<FieldView, 3> FieldsOf(const CVIpSvTrackPolygon& polygon) {
+  return {{{FieldKind::integer, &polygon.track_a},
+           {FieldKind::integer, &polygon.track_c},
+           {FieldKind::integer, &polygon.polygon_id}}};
+}
+std::array<FieldView, 3> FieldsOf(const QVIpSvOfSpec& record) {
+  return {{{FieldKind::integer, &record.interpretation},
+           {FieldKind::text, record.definition != nullptr ? record.definition : L""},
+           {FieldKind::integer, &record.reference}}};
+}
+
+// The fields of a new record under the names given.
 template <class Record>
 std::vector<FieldInfo> Describe(const std::vector<std::string>& names) {
-  const Record record;
+  const Record record{};
   std::vector<FieldInfo> fields;
-  for (const TableType::FieldView& field : TableType::Refs(record)) {
+  for (const FieldView& field : FieldsOf(record)) {
     fields.push_back({names[fields.size()], field.kind, DefaultText(field)});
   }
   return fields;
@@ -95,21 +126,72 @@ class TypedRow : public RowBuffer {
   Row row_;
 };
 
+void AddColumns(std::vector<FieldInfo>& columns, const std::vector<FieldInfo>& fields) {
+  for (const FieldInfo& field : fields) {
+    if (field.kind != FieldKind::key) {
+      columns.push_back(field);
+      continue;
+    }
+    for (FieldInfo& id : Describe<QClavis>(Words(Utf8(tables::clavis)))) {
+      id.name.insert(0, field.name + "_");
+      columns.push_back(std::move(id));
+    }
+  }
+}
+
+void AddValues(std::vector<FieldView>& values, std::span<const FieldView> fields) {
+  for (const FieldView& field : fields) {
+    if (field.kind == FieldKind::key) {
+      for (const FieldView& id : FieldsOf(*static_cast<const QClavis*>(field.place))) {
+        values.push_back(id);
+      }
+    } else {
+      values.push_back(field);
+    }
+  }
+}
+
+// `rows_of` finds the rows in a data base, and is the same for every one.
+template <class RowsOf>
+RowsInfo DescribeRows(std::string section, std::vector<FieldInfo> key, std::vector<FieldInfo> row,
+                      bool unique_keys, RowsOf) {
+  std::vector<FieldInfo> columns;
+  AddColumns(columns, key);
+  const std::size_t key_columns = columns.size();
+  AddColumns(columns, row);
+  return {std::move(section),
+          std::move(key),
+          std::move(row),
+          unique_keys,
+          std::move(columns),
+          key_columns,
+          [](const CQtParamDistillery& data) { return RowsOf()(data).size(); },
+          [](const CQtParamDistillery& data, const RowVisitor& visit) {
+            std::vector<FieldView> values;
+            for (const auto& [row_key, row_values] : RowsOf()(data)) {
+              values.clear();
+              AddValues(values, FieldsOf(row_key));
+              AddValues(values, FieldsOf(row_values));
+              visit(values);
+            }
+          }};
+}
+
 template <class Entry>
 TableInfo Describe(int making_place) {
   using Table = typename Entry::Table;
   const ContainerInfo container = Container(static_cast<const Table*>(nullptr));
   return {
+      DescribeRows(Utf8(Entry::section),
+                   Describe<typename Table::key_type>(Words(Utf8(Entry::key_fields))),
+                   DescribeRow<typename Table::mapped_type>(), container.unique_keys,
+                   [](const CQtParamDistillery& data) -> const Table& {
+                     return data.Table<Entry::section>();
+                   }),
       making_place,
       Entry::reading_place,
-      Entry::section.text,
       Utf8(Entry::accessor),
       container.name,
-      Describe<typename Table::key_type>(Words(Utf8(Entry::key_fields))),
-      DescribeRow<typename Table::mapped_type>(),
-      container.unique_keys,
-      [](const CQtParamStore& store) { return store.Table<Entry::section>().size(); },
-      [](const CQtParamStore& store, int limit) { DumpRows(store.Table<Entry::section>(), limit); },
       []() -> std::unique_ptr<RowBuffer> {
         return std::make_unique<TypedRow<typename Table::key_type, typename Table::mapped_type>>();
       }};
@@ -126,6 +208,50 @@ std::vector<TableInfo> DescribeAll() {
   return tables;
 }
 
+template <class RowsOf>
+RowsInfo DescribeDerived(const char* section, const std::string& key, const std::string& row,
+                         RowsOf rows_of) {
+  using Rows = std::remove_cvref_t<decltype(rows_of(std::declval<const CQtParamDerived&>()))>;
+  return DescribeRows(
+      section, Describe<typename Rows::key_type>(Words(key)),
+      Describe<typename Rows::mapped_type>(Words(row)), true,
+      [](const CQtParamDistillery& data) -> const Rows& { return RowsOf()(data.Derived()); });
+}
+
+std::vector<RowsInfo> DescribeAllDerived() {
+  using Derived = CQtParamDerived;
+  const std::string clavis = Utf8(tables::clavis);
+  return {DescribeDerived(
+              "<PiBaseChannelId>", "mode channel", "ref flags",
+              [](const Derived& d) -> auto& { return d.ChannelInfo().BaseChannels(); }),
+          DescribeDerived(
+              "<PiSpecIntervalStore>", "parameter index",
+              "lower_frequency lower_order lower_harmonic lower_modulation lower_lines "
+              "upper_frequency upper_order upper_harmonic upper_modulation upper_lines",
+              [](const Derived& d) -> auto& { return d.SpecIntervals().Intervals(); }),
+          DescribeDerived(
+              "<PiRotor2OrderSources>", "phys_mode speed_source rotor number", "ref",
+              [](const Derived& d) -> auto& { return d.RotorInfo().OrderSources(); }),
+          DescribeDerived(
+              "<IpTrackPolygon>", clavis, "track_a track_c polygon_id",
+              [](const Derived& d) -> auto& { return d.GrexInfo().IpTrackPolygon; }),
+          DescribeDerived(
+              "<IpPolygonValues>", "polygon point", "x y",
+              [](const Derived& d) -> auto& { return d.GrexInfo().IpPolygonValues; }),
+          DescribeDerived(
+              "<IpSvOfSpec>", "parameter", "interpretation definition reference",
+              [](const Derived& d) -> auto& { return d.SpecIntervals().IpSvOfSpec(); })};
+}
+
+template <class Info>
+const Info* FindIn(const std::vector<Info>& all, std::string_view section) {
+  const auto found = std::find_if(all.begin(), all.end(), [&](const Info& info) {
+    const std::string_view name(info.section);
+    return name == section || name.substr(1, name.size() - 2) == section;
+  });
+  return found == all.end() ? nullptr : &*found;
+}
+
 }  // namespace
 
 const std::vector<TableInfo>& Tables() {
@@ -133,13 +259,16 @@ const std::vector<TableInfo>& Tables() {
   return tables;
 }
 
-const TableInfo* Find(std::wstring_view section) {
-  const auto& all = Tables();
-  const auto found = std::find_if(all.begin(), all.end(), [&](const TableInfo& table) {
-    const std::wstring_view name(table.section);
-    return name == section || name.substr(1, name.size() - 2) == section;
-  });
-  return found == all.end() ? nullptr : &*found;
+const std::vector<RowsInfo>& DerivedTables() {
+  static const std::vector<RowsInfo> derived = DescribeAllDerived();
+  return derived;
+}
+
+const TableInfo* Find(std::string_view section) { return FindIn(Tables(), section); }
+
+const RowsInfo* FindRows(std::string_view section) {
+  const RowsInfo* const table = Find(section);
+  return table != nullptr ? table : FindIn(DerivedTables(), section);
 }
 
 const char* KindName(TableType::FieldKind kind) {
@@ -148,6 +277,42 @@ const char* KindName(TableType::FieldKind kind) {
       "integer", "unsigned", "long", "long long", "float", "text", "key (6 integers)"};
   const auto index = static_cast<std::size_t>(kind);
   return index < std::size(names) ? names[index] : "";
+}
+
+Value ValueOf(const FieldView& column) {
+  switch (column.kind) {
+    case FieldKind::integer:
+    case FieldKind::long_int:
+      return static_cast<long long>(*static_cast<const int*>(column.place));
+    case FieldKind::unsigned_int:
+      return static_cast<long long>(*static_cast<const unsigned*>(column.place));
+    case FieldKind::long_long:
+      return *static_cast<const long long*>(column.place);
+    case FieldKind::real:
+      return *static_cast<const float*>(column.place);
+    case FieldKind::text:
+    case FieldKind::key:
+      break;
+  }
+  std::wstring text;
+  RowText::Append(text, {&column, 1});
+  return Text::ToUtf8(text);
+}
+
+std::string ToText(const Value& value) {
+  if (const auto* text = std::get_if<std::string>(&value)) return *text;
+  std::array<char, 32> digits;
+  char* end = digits.data() + digits.size();
+  if (const auto* number = std::get_if<float>(&value)) {
+    // Left to itself, to_chars prefers "1e+05" to "100000", since it is shorter.
+    const float size = std::abs(*number);
+    const bool is_plain = size == 0 || (size >= 1e-4F && size < 1e7F);
+    end = is_plain ? std::to_chars(digits.data(), end, *number, std::chars_format::fixed).ptr
+                   : std::to_chars(digits.data(), end, *number).ptr;
+  } else {
+    end = std::to_chars(digits.data(), end, std::get<long long>(value)).ptr;
+  }
+  return {digits.data(), end};
 }
 
 }  // namespace kestrin::TableCatalogue

@@ -1,24 +1,50 @@
-// The tables of the data base described, for programs that show them to people: what each section
-// is called, what its lines hold, how many rows it has.
+// The tables of the data base described, for programs that show, export or compare them without
+// knowing one of them when they are compiled: what each section is called, what its lines hold, and
+// all of its rows as values.
+//
+// What a load derives from the tables is described in the same manner. Texts are UTF-8 here, as in
+// all of this folder.
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include "interfaces/Export.h"
 #include "tables/RowRecords.h"
 
-class CQtParamStore;
+class CQtParamDistillery;
 
 namespace kestrin::TableCatalogue {
 
 struct FieldInfo {
-  std::string name;
+  std::string name;  // unique in its table
   TableType::FieldKind kind;
-  std::string default_text;  // value of the field in a new row, UTF-8; "-1 ... -1" of a key
+  std::string default_text;  // value of the field in a new row; "-1 ... -1" of a key
+};
+
+// Takes the values of a row in the order of its columns. They stand in the data base: good until a
+// load, purge or clear.
+using RowVisitor = std::function<void(std::span<const TableType::FieldView>)>;
+
+// Rows as a program meets them that knows nothing of their types.
+struct RowsInfo {
+  std::string section;         // with its angle brackets
+  std::vector<FieldInfo> key;  // as a line has the fields
+  std::vector<FieldInfo> row;
+  bool unique_keys;
+  // Key and row as a table of a data base has them, the key in front: a field of kind key is six
+  // integers here, "clavis_mode" to "clavis_sensor" in place of "clavis".
+  std::vector<FieldInfo> columns;
+  std::size_t key_columns;
+
+  std::size_t (*row_count)(const CQtParamDistillery& data);
+  void (*walk)(const CQtParamDistillery& data, const RowVisitor& visit);  // in the order of keys
 };
 
 // A new row of a table, to read lines into: the places of its fields.
@@ -29,28 +55,35 @@ class RowBuffer {
   std::vector<TableType::FieldRef> row;
 };
 
-struct TableInfo {
-  int making_place;   // in the order of construction, from 1
-  int reading_place;  // in the order of reading, writing and dumping, from 1
-  std::wstring section;
+struct TableInfo : RowsInfo {
+  int making_place;       // in the order of construction, from 1
+  int reading_place;      // in the order of reading, writing and dumping, from 1
   std::string accessor;   // operation of CQtParamInstance; empty if there is none
   std::string container;  // "sorted vector", "tree" or "multi map"
-  std::vector<FieldInfo> key;
-  std::vector<FieldInfo> row;
-
-  bool unique_keys;
-  std::size_t (*row_count)(const CQtParamStore& store);
-  void (*dump)(const CQtParamStore& store, int limit);  // logs the rows; all with limit 0
   std::unique_ptr<RowBuffer> (*new_row)();
 };
 
-// All tables in the order of reading. Any thread.
+// All tables in the order of reading. Any thread, as all here.
 KESTRIN_API const std::vector<TableInfo>& Tables();
 
-// The table of that section, with or without its angle brackets; null if there is none.
-KESTRIN_API const TableInfo* Find(std::wstring_view section);
+// What a load derives: <PiBaseChannelId>, <PiSpecIntervalStore> and <PiRotor2OrderSources>, and the
+// maps <IpTrackPolygon>, <IpPolygonValues> and <IpSvOfSpec>. None of them is a section of a file.
+KESTRIN_API const std::vector<RowsInfo>& DerivedTables();
+
+// The table of that section, with or without its angle brackets; null if there is none. FindRows
+// looks among the derived ones too.
+KESTRIN_API const TableInfo* Find(std::string_view section);
+KESTRIN_API const RowsInfo* FindRows(std::string_view section);
 
 // "integer", "unsigned", "long", "long long", "float", "text", "key (6 integers)".
 KESTRIN_API const char* KindName(TableType::FieldKind kind);
+
+// The value of a column apart from its row.
+using Value = std::variant<long long, float, std::string>;
+KESTRIN_API Value ValueOf(const TableType::FieldView& column);
+
+// A number in the fewest digits that read back the same: "0.1", "1e+20", "inf", "-inf", "nan". A
+// text as it is.
+KESTRIN_API std::string ToText(const Value& value);
 
 }  // namespace kestrin::TableCatalogue

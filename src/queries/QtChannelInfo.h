@@ -45,6 +45,9 @@ class CQtChannelInfo {
   // Logs the derived table; all rows with limit 0.
   void Dump(int limit) const { kestrin::DumpRows(base_channels_, limit); }
 
+  // The derived table.
+  const CQParamTypedTable<CBaseChannels>& BaseChannels() const { return base_channels_; }
+
   // Read from the tables as they are: the direct parent or -1, and the channel's own type or 0.
   int ParentChannel(int mode, int channel) const;
   unsigned ResamplingType(int channel) const;

@@ -31,6 +31,9 @@ class CQtRotorInfo {
   // a line of the log says so.
   void Build();
 
+  // The derived table.
+  const CQParamTypedTable<CRotor2OrderSources>& OrderSources() const { return rotor2OrderSources_; }
+
   // The order sources that the channel sees of this rotor, or by way of it; the mode is a base
   // mode. Both at the table's end if the channel is neither sync nor mix.
   Range OrderSourceRange(int mode, int channel, int rotor) const;

@@ -69,6 +69,9 @@ class CQtSpecIntervalStore {
   // All intervals of a parameter, ascending by index; empty if it has none.
   IntervalRange SpecIntervalRange(int id) const;
 
+  // The derived table.
+  const CQParamTypedTable<kestrin::CSpecIntervalMap>& Intervals() const { return table_; }
+
   const Records& IpSvOfSpec() const { return ip_sv_of_spec_; }
 
   // Reads any definition without touching a store: each pair of positions goes into one element of

@@ -30,15 +30,38 @@ void Element(CLI::App& command, Request& request) {
       ->transform(CLI::CheckedTransformer(numbers, CLI::ignore_case));
 }
 
+// What `find` finds of that name.
+template <class Find>
+auto Found(Find find, const std::string& section) {
+  const auto* const found = find(section);
+  if (found != nullptr) return found;
+  throw Failure(data_bad, "There is no table '" + section + "'; see kestrindb tables.");
+}
+
 void Table(CLI::App& command, Request& request) {
   command.add_option_function<std::string>(
       "TABLE",
-      [&request](const std::string& section) {
-        request.table = TableCatalogue::Find(Wide(section));
-        if (request.table != nullptr) return;
-        throw Failure(data_bad, "There is no table '" + section + "'; see kestrindb tables.");
-      },
+      [&request](const std::string& name) { request.table = Found(TableCatalogue::Find, name); },
       "Section of one table, such as TMode");
+}
+
+void Rows(CLI::App& command, Request& request) {
+  std::string derived;
+  for (const auto& info : TableCatalogue::DerivedTables()) {
+    derived += (derived.empty() ? "" : ", ") + info.section.substr(1, info.section.size() - 2);
+  }
+  command.add_option_function<std::string>(
+      "TABLE",
+      [&request](const std::string& name) { request.rows = Found(TableCatalogue::FindRows, name); },
+      "Section of one table, such as TMode, or what the load derives: " + derived);
+}
+
+void Csv(CLI::App& command, Request& request) {
+  command
+      .add_flag("--csv", request.csv,
+                "Give comma-separated values under the names of the fields; without TABLE all "
+                "tables that have rows, each under its section")
+      ->excludes("--json");
 }
 
 void Limit(CLI::App& command, Request& request) {
@@ -150,8 +173,8 @@ const std::vector<Command>& Commands() {
        {File, Time}, DescribeLoad, PrintLoad},
       {"names", "Ids and names of a key element",
        {File, Element}, DescribeNames, PrintNames},
-      {"dump", "The rows of one table or of all",
-       {File, Table, Limit}, DescribeDump, PrintDump},
+      {"dump", "The rows of one table or of all, for people or as data",
+       {File, Rows, Limit, Csv}, DescribeDump, PrintDump},
       {"tables", "The catalogue: what the lines of each section hold",
        {Table}, DescribeTables, PrintTables},
       {"check", "What is wrong in a file, and what a load passes over in silence, by line",

@@ -32,6 +32,8 @@ struct Request {
   int element = 0;       // of a key
   std::vector<int> ids;  // of a key: none or six
   const kestrin::TableCatalogue::TableInfo* table = nullptr;
+  const kestrin::TableCatalogue::RowsInfo* rows = nullptr;  // a table or a derived one
+  bool csv = false;
   std::string separator = "|";
   std::string definition;
 

@@ -45,7 +45,7 @@ Answer DescribeLoad(const Request& request) {
   json["tables"] = Json::array();
   for (const auto& table : TableCatalogue::Tables()) {
     json["tables"].push_back(
-        {{"section", Utf8(table.section)}, {"rows", table.row_count(data.params.Store())}});
+        {{"section", table.section}, {"rows", table.row_count(data.params.Store())}});
   }
   json["log"] = data.log;
   if (request.time) json["cost"] = Cost(data);

@@ -20,7 +20,7 @@ Json ToJson(const std::vector<TableCatalogue::FieldInfo>& fields) {
 }
 
 Json ToJson(const TableCatalogue::TableInfo& table) {
-  return {{"section", Utf8(table.section)},    {"accessor", table.accessor},
+  return {{"section", table.section},          {"accessor", table.accessor},
           {"container", table.container},      {"unique_keys", table.unique_keys},
           {"registered", table.reading_place}, {"made", table.making_place},
           {"key", ToJson(table.key)},          {"row", ToJson(table.row)}};
