@@ -73,8 +73,7 @@ const Hostile files[] = {
      "<TIpParamAndStore>: {\n[1 2 3 4 # 6\n]}\n<TGrex10001>: {\n[-1 9# -1 -1 -1 -1\n]}\n"},
     {"OrderDefinitions",
      "<TIpCalcParameter>: {\n[# 2 1\n# 3 Hx-M1;Hx+M1\n# 4 1\n]}\n"
-     "<TInstrumentParam>: {\n[# 1 a\n]}\n"},
-};
+     "<TInstrumentParam>: {\n[# 1 a\n]}\n"}};
 
 // Reads, checks and loads it into a store that is thrown away; the processor seconds that it took.
 double SecondsOf(const std::string& bytes) {

@@ -89,8 +89,7 @@ TEST_F(KeyControls, TheComboOffersWhatTheFilterLetsThrough) {
       {Clavis::Location, 2, 4, " *Gear=2"},
       {Clavis::Sensor, 0, 0, " Acceleration=21 Sound=22 Bare=23 *(sensor 0)=0"},
       {Clavis::Sensor, 23, 3, " Acceleration=21 Sound=22 *(sensor 23)=23"},
-      {Clavis::Parameter, 10, 0, " *(parameter 10)=10"},
-  };
+      {Clavis::Parameter, 10, 0, " *(parameter 10)=10"}};
   CClavisComboBox combo;
   EXPECT_EQ(combo.Retrieve(), -1);
   ASSERT_TRUE(combo.Create(nullptr));
@@ -126,15 +125,13 @@ TEST_F(KeyControls, TheCheckListGivesBackWhatIsChecked) {
   const char* const all_parameters = "all parameters";
   const char* const parameters = " RMS=10 +RMS track low=11 RMS track high=12";
   const std::tuple<Clavis::qOrder, const char*, Ids, unsigned, const char*, Ids, unsigned> cases[] =
-      {
-          {Clavis::Mode, "all test steps", {9, 5}, 0, " Run-up=7 +Coast=9", {9}, 1},
-          {Clavis::Mode, "all test steps", {7, 9, 12}, 0, " +Run-up=7 +Coast=9", {-1}, 2},
-          {Clavis::Instrument, "all instruments", {-1}, 1, " +RMS=1001", {-1}, 1},
-          {Clavis::Location, "all objects", {2}, 8, "", {-1}, 0},
-          {Clavis::Parameter, all_parameters, {11}, 8, parameters, {11}, 1},
-          {Clavis::Sensor, "all sensors", {22, 23}, 3, " Acceleration=21 +Sound=22", {22}, 1},
-          {no_element, "all (reserved)", {}, 0, "", {-1}, 0},
-      };
+      {{Clavis::Mode, "all test steps", {9, 5}, 0, " Run-up=7 +Coast=9", {9}, 1},
+       {Clavis::Mode, "all test steps", {7, 9, 12}, 0, " +Run-up=7 +Coast=9", {-1}, 2},
+       {Clavis::Instrument, "all instruments", {-1}, 1, " +RMS=1001", {-1}, 1},
+       {Clavis::Location, "all objects", {2}, 8, "", {-1}, 0},
+       {Clavis::Parameter, all_parameters, {11}, 8, parameters, {11}, 1},
+       {Clavis::Sensor, "all sensors", {22, 23}, 3, " Acceleration=21 +Sound=22", {22}, 1},
+       {no_element, "all (reserved)", {}, 0, "", {-1}, 0}};
   CClavisListCtrl list;
   ASSERT_TRUE(list.Create(nullptr));
   Ids ids = {99};
@@ -191,8 +188,7 @@ TEST_F(KeyControls, EveryChoiceIsToldAndAnotherInstrumentEmptiesTheParameter) {
       {5, -1, " 5:-1 [5:-1]", Key(9, 2001, 3, 1, 11, -1), " —=-1 *low=11 high=12"},
       {1, 1001, " 1:1001 [1:1001]", Key(9, 1001, 3, 1, -1, -1), " *—=-1 RMS=10"},
       {4, 10, " 4:10 [4:10]", Key(9, 1001, 3, 1, 10, -1), " —=-1 *RMS=10"},
-      {1, -1, " 1:-1 [1:-1]", Key(9, -1, 3, 1, -1, -1), " *—=-1"},
-  };
+      {1, -1, " 1:-1 [1:-1]", Key(9, -1, 3, 1, -1, -1), " *—=-1"}};
   for (const auto& [row, id, heard, chosen, parameters] : cases) {
     EXPECT_TRUE(editor.ChooseEntry(row, 1, id));
     EXPECT_EQ(parent.Heard(), heard);

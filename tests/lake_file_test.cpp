@@ -47,8 +47,7 @@ TEST(LakeFile, BytesBecomeLines) {
       {kMark + "a\nb\xF0\x9F\x98", L"|a|/|b|/", Refusal::broken_text, 2},
       {"\xEF", L"|old|/", Refusal::broken_mark, 1},
       {"\xEF\xBBx\n", L"|old|/", Refusal::broken_mark, 1},
-      {"\xEF\xBF\xBB", L"|old|/", Refusal::broken_mark, 1},
-  };
+      {"\xEF\xBF\xBB", L"|old|/", Refusal::broken_mark, 1}};
   for (const auto& c : cases) {
     for (const std::size_t piece : {1U, 9999U}) {
       SCOPED_TRACE(c.bytes);
@@ -119,8 +118,7 @@ TEST(LakeFile, WrittenAndReadBackIsTheSame) {
       {kMark + "\xF0\x9F\x98\x80" + kMark, kMark + "\xF0\x9F\x98\x80" + kMark + "\n"},
       {kMark + "\xED\xA0\xBD\xED\xB8\x80 \xED\xA0\xBDx\n\xED\xA0\xBD\nz",  // a pair, then lone ones
        kMark + "\xF0\x9F\x98\x80 \xEF\xBF\xBDx\n\xEF\xBF\xBD\nz\n"},
-      {"\xE4", kMark + "\xC3\xA4\n"},
-  };
+      {"\xE4", kMark + "\xC3\xA4\n"}};
   for (const auto& [read, written] : cases) {
     EXPECT_EQ(ToBytes(FromBytes(read)), written);
     EXPECT_EQ(ToBytes(FromBytes(written)), written);

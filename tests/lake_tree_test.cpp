@@ -21,23 +21,21 @@ TEST(LakeTree, LinesNestAndDuplicatesResolve) {
   const struct {
     std::string_view file;
     std::wstring_view shape;
-  } cases[] = {
-      {"", L""},
-      {"\n", L","},
-      {"b: 1\n5 x\na: 2\n; c\nb: 3\n", L"a=2,b=1,5 x,,"},
-      {"s: {\n1\n}\ns: {\n2\n}\n3\n", L"s=[2,],3,"},
-      {"s: {\n1\nt: {\n9\n}\n}\ns: {\n}\n", L"s=[],"},
-      {"s: x\ns: {\n1\n}\n2\n", L"s=x[1,],2,"},
-      {"s: {\n1\n}\ns: x\n2\n", L"s=[1,],2,"},
-      {"{\n1\n{\n2\n}\n}\n3\n", L"[1,[2,],],3,"},
-      {": {\n1\n: }\n2\n", L"[1,],2,"},
-      {"k: } x\n1\n", L"k=} x,1,"},
-      {"s: {\n1\n} x\n2\n", L"s=[1,],2,"},
-      {"1\n}\n2\nk: 3\n", L"1,"},
-      {"s: {\n1\nt: {\n2\n", L"s=[t=[2,],1,],"},
-      {"s: {\n\n; c\n1\n}\n", L"s=[,,1,],"},
-      {"s: {\n}: x\n}\n", L"s=[}=x,],"},
-  };
+  } cases[] = {{"", L""},
+               {"\n", L","},
+               {"b: 1\n5 x\na: 2\n; c\nb: 3\n", L"a=2,b=1,5 x,,"},
+               {"s: {\n1\n}\ns: {\n2\n}\n3\n", L"s=[2,],3,"},
+               {"s: {\n1\nt: {\n9\n}\n}\ns: {\n}\n", L"s=[],"},
+               {"s: x\ns: {\n1\n}\n2\n", L"s=x[1,],2,"},
+               {"s: {\n1\n}\ns: x\n2\n", L"s=[1,],2,"},
+               {"{\n1\n{\n2\n}\n}\n3\n", L"[1,[2,],],3,"},
+               {": {\n1\n: }\n2\n", L"[1,],2,"},
+               {"k: } x\n1\n", L"k=} x,1,"},
+               {"s: {\n1\n} x\n2\n", L"s=[1,],2,"},
+               {"1\n}\n2\nk: 3\n", L"1,"},
+               {"s: {\n1\nt: {\n2\n", L"s=[t=[2,],1,],"},
+               {"s: {\n\n; c\n1\n}\n", L"s=[,,1,],"},
+               {"s: {\n}: x\n}\n", L"s=[}=x,],"}};
   for (const auto& c : cases) {
     const CLake lake = FromBytes(c.file);
     EXPECT_EQ(Shape(lake.root()), c.shape) << c.file;

@@ -117,12 +117,10 @@ const Operation operations[] = {
      }},
     {"Check", [](Host& host) { static_cast<void>(ParameterCheck::Check(host.lake)); }},
     {"LoadSea", [](Host& host) { host.sea.Load(host.sea_file.name()); }},
-    {"SaveSea",
-     [](Host& host) {
+    {"SaveSea", [](Host& host) {
        CResourceList(&host.sea, L"a list").AddLineTail()->SetSeaLine(L"another line");
        host.sea.Save(host.sea_file.name());
-     }},
-};
+     }}};
 
 // The nodes of trees come from pools, which keep what they once had: emptied, they ask for memory
 // again, and what they hold is no leak.

@@ -52,8 +52,7 @@ TEST(ParameterCheck, TellsEachFaultAtItsLine) {
       {"}\n<TMode>: {\nx\n}\n", "3 unreachable_lines/6\n"},
       {"}", "3 unreachable_lines\n"},
       {"<TInstrumentParam>: {\n5 1 p 0 0 0\n}\n<TGrex15>: {\n1 1 1 1 5 1 0 0\n1 1 1 1 6 1 0 0\n}\n",
-       "8 unknown_parameter@5\n"},
-  };
+       "8 unknown_parameter@5\n"}};
   for (const Case& c : cases) {
     EXPECT_EQ(Findings(FromBytes("\xEF\xBB\xBF" + (version + c.sections))), c.findings)
         << c.sections;

@@ -111,8 +111,7 @@ TEST(RangeGrid, ClicksFollowTheRulesInTheirOwnColumnOnly) {
       {"1 I", "#.##.#|.#.#|"},
       {"1 I S2 > S3", ".##...|..##|"},
       {"1 A", "####.#|####|"},
-      {"1 A S2 > S3", "..#...|...#|"},
-  };
+      {"1 A S2 > S3", "..#...|...#|"}};
   for (const auto& [gestures, expected] : cases) {
     Grid grid;
     for (const char* work : {"> 0 C2", gestures, "F", "f"}) Work(grid, work);
