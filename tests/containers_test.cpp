@@ -84,12 +84,11 @@ TEST(Containers, PoolsServeAllThreadsWithBlocksOfTheirOwn) {
       taken.push_back(blocks.allocate(1));
       taken.back()->fill(mark);
       if (i % 3 != 0) continue;
-      blocks.deallocate(taken.front(), 1);
-      std::swap(taken.front(), taken.back());
+      blocks.deallocate(std::exchange(taken.front(), taken.back()), 1);
       taken.pop_back();
     }
     for (Block* block : taken) {
-      touched += static_cast<int>(std::ranges::count(*block, mark) != 10);
+      if (std::ranges::count(*block, mark) != 10) ++touched;
       blocks.deallocate(block, 1);
     }
   };

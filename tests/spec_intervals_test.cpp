@@ -25,13 +25,13 @@ TEST(SpecIntervals, KeepTheirTestStepAndAssembly) {
       "<TModeProperty>: {\n7 1\n8 2\n}\n<TRotorSpeed>: {\n1 1 2\n1 2 1\n2 1 2\n2 2 -2\n}\n";
   TestStore base(machine + "<TBaseOrder>: {\n2 20\n}\n");
   Spec evaluation(base.params);
-  Entry::Definition harmonic;
-  harmonic.harmonic() = 1;
+  Entry harmonic;
+  harmonic.lower().harmonic() = harmonic.upper().harmonic() = 1;
   const auto place = [&](int mode, int assembly) {
     evaluation.LoadTransformParams(mode, 1, assembly);
     float low = -1;
     float high = -1;
-    evaluation.FrequencyRange({harmonic, harmonic}, 1, 1, low, high);
+    evaluation.FrequencyRange(harmonic, 1, 1, low, high);
     return low;
   };
   EXPECT_EQ(place(8, 2), 20);
@@ -42,14 +42,6 @@ TEST(SpecIntervals, KeepTheirTestStepAndAssembly) {
   EXPECT_EQ(place(CQtParamInstance::VirtModeGenerateId(7, 1), 2), 10);
   EXPECT_EQ(place(8, 2), 90);
   EXPECT_EQ(place(8, 9), -1);
-
-  // A lower bound below 0 is written all the same.
-  Entry line;
-  line.lower().lines() = 1;
-  float low = 0;
-  float high = -1;
-  EXPECT_EQ(evaluation.FrequencyRange(line, -2, 1, low, high), Spec::index_range_invalid);
-  EXPECT_EQ(std::pair(low, high), std::pair(-2.0F, 0.0F));
 }
 
 }  // namespace

@@ -97,30 +97,4 @@ TEST(Tables, DumpsShowOneRowMoreThanTheirLimit) {
   }
 }
 
-// The index only grows until it is purged, and a read with a bad line doesn't reach it.
-TEST(NameTables, OnlyAPurgeEmptiesTheIndex) {
-  const Log log;
-  CDynNameIdTable names(section);
-  const auto ids = [&names] {
-    return std::array{names.Idx(L"one"), names.Idx(L"two"), names.Idx(L"three"),
-                      names.Idx(L"eight")};
-  };
-  CLake first = LakeOf({"1 one", "2 two"});
-  CLake second = LakeOf({"5 one", "3 three"});
-  CLake bad = LakeOf({"8 eight", "x"});
-  names.ReadTable(first);
-  names.ReadTable(second);
-  EXPECT_FALSE(names.IsValidId(2));
-  EXPECT_FALSE(names.ReadTable(bad));
-  names.Clear();
-  EXPECT_EQ(ids(), (std::array{1, 2, 3, -1}));
-  EXPECT_FALSE(names.IsValidId(8));
-  names.Purge();
-  EXPECT_EQ(ids(), (std::array{-1, -1, -1, -1}));
-  names.ReadTable(second);
-  EXPECT_FALSE(names.Insert(5, QIdxName(L"again")).second);
-  EXPECT_EQ(names.Idx(L"again"), -1);
-  EXPECT_EQ(ids(), (std::array{5, -1, 3, -1}));
-}
-
 }  // namespace
