@@ -69,6 +69,7 @@ TEST(Catalogue, NumbersAreWrittenInTheFewestDigitsThatReadBackTheSame) {
 TEST(Catalogue, LearnTimesAreThoseOfTheLoad) {
   const long long before = std::time(nullptr);
   TestStore data("<TIpLearnParams>: {\n1 1 1 1 1 1 5\n3 1 1 1 1 1 7 42 8 43\n}\n");
+  ASSERT_EQ(data.params.IpLearnParameter().size(), 2U);
   auto row = data.params.IpLearnParameter().begin();
   EXPECT_GE(row->second.time_1, before);
   EXPECT_LE(row->second.time_1, std::time(nullptr));

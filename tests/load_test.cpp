@@ -113,6 +113,20 @@ TEST(TwoDataBases, AnswerFromTheirOwnTables) {
   CParameterLake::Lake().clear();
 }
 
+TEST(Load, DataSourcesShowOneNumberOfTheCalculationParameters) {
+  const TestStore data(
+      "<TInstrumentParam>: {\n5 50 a\n6 60 b\n8 50 c\n}\n"
+      "<TIpCalcParameter>: {\n5 1 77\n5 3 H1\n7 1 9\n8 1 12y\n6 1 5\n}\n");
+  DataSource::CCandidateSeaDataSource<int> numbers(data.store, 1);
+  int value = 3;
+  EXPECT_FALSE(numbers.Read(value, 5)) << "the first answer, since nobody knows 7";
+  EXPECT_FALSE(numbers.Read(value, 7));
+  EXPECT_EQ(value, 3);
+  EXPECT_TRUE(numbers.Read(value, 5) && value == 77);
+  DataSource::CCandidateSeaDataSource<const wchar_t*> texts(data.store, 1, 50);
+  EXPECT_STREQ(std::next(texts.begin())->second, L"12y") << "of the instrument 50 alone";
+}
+
 TEST(Load, TheSampleFillsEveryTable) {
   TestStore data;
   ASSERT_TRUE(data.LoadSample());
