@@ -133,6 +133,8 @@ TEST(LakeTree, WhatIsMadeInMemoryIsReadBackTheSame) {
       "\tk: v\n\tinner: {\n\t}\t; inner\n}\t; made\nsibling: 7\nlast\n");
   EXPECT_EQ(Shape(FromBytes(ToBytes(lake)).root()), Shape(lake.root()));
 
+  lake[L"old"]->clear_section();
+  EXPECT_EQ(ToBytes(lake).substr(3, 18), "old: {\n}\nplain: 6\n");
   made->clear_section();
   EXPECT_EQ(made->named_size() + made->unnamed_size(), 0U);
   EXPECT_EQ(made.push_back(L"c"), 0U);
