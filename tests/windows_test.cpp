@@ -115,13 +115,14 @@ TEST(Lists, AHandlerMayRefillDestroyOrDeleteTheList) {
       const auto act = [&](auto...) {
         ++calls;
         list->on_entry_chosen = {};
-        list->tell = {};
         if (what == "refill") list->DeleteAllItems();
         if (what == "destroy") list->DestroyWindow();
         if (what == "delete") list.reset();
       };
       list->on_entry_chosen = act;
-      if (heading) list->tell = act;
+      list->tell = [&](const std::string& told) {
+        if (told.starts_with(' ')) act();  // a row's new state
+      };
       EXPECT_TRUE(heading ? list->ClickHeading(0) : list->ChooseEntry(0, 1, 8));
       EXPECT_TRUE(calls == 1 && (!list || list->GetItemCount() == 0)) << what << heading;
     }
@@ -147,6 +148,8 @@ TEST(Lists, TheHeadingsCheckBoxFollowsTheRowsAndLeadsThem) {
   list.ClickHeading(0);
   EXPECT_EQ(list.CountCheckedItems(0, checked), 0);
   EXPECT_FALSE(list.ToggleCheckbox(2, 0));
+  list.InsertColumn(0, L"in front", format_left, 48);
+  EXPECT_EQ(list.GetItemText(0, 1), L"x");
 }
 
 struct CountingView : WindowView {
