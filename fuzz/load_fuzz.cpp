@@ -277,7 +277,7 @@ Logged Dump(CQtParamDistillery& store, QuietLog& log) {
 
 // The same file with no version but its own.
 void RequireRefusal(CQtParamDistillery& store, const CLake& lake, QuietLog& log) {
-  if (CQTableManager::IsSupported(lake[major_version], lake[minor_version])) return;
+  if (!CQTableManager::WhyRefused(lake)) return;
   const Logged before = Dump(store, log);
   CParameterLake::Lake() = lake;
   Require(!store.ReadTablesFromCandidateLake(), "an unsupported version is refused");

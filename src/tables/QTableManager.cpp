@@ -42,16 +42,12 @@ void LogRefusal(int major, int minor) {
 
 }  // namespace
 
-bool CQTableManager::IsSupported(int major, int minor) {
-  return major == supported_major && minor >= least_minor;
-}
-
 kestrin::Refusal CQTableManager::WhyRefused(const CLake& lake) {
   using kestrin::Refusal;
   if (lake.empty()) return {Refusal::empty_lake, L"There are no lines to load."};
   const auto major = lake[major_key];
   const auto minor = lake[minor_key];
-  if (IsSupported(major, minor)) return {};
+  if (major == supported_major && minor >= least_minor) return {};
   std::wstring text = L"Version ";
   AppendVersion(text, major, minor);
   text.append(L" is refused: ").append(major_key).append(L" must be ");

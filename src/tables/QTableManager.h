@@ -48,9 +48,6 @@ class KESTRIN_API CQTableManager {
   // Why a load of the lake would end in front of the tables, if it would.
   static kestrin::Refusal WhyRefused(const CLake& lake);
 
-  // Whether a data base of this version is read.
-  static bool IsSupported(int major, int minor);
-
   // The number of tables now registered: the table's index in Table() plus 1.
   unsigned int RegisterTable(CQParamSeaTable& table);
 
