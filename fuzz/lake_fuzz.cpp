@@ -20,12 +20,13 @@ using Node = CLake::CNode;
 
 // Hands the bytes on in pieces, whose sizes change, so that cuts fall everywhere.
 bool ReadInPieces(CLake& lake, Bytes bytes, std::size_t piece) {
-  return LakeReader::read(lake, [=](std::span<char> block) mutable -> std::optional<std::size_t> {
-    const std::size_t count = std::min({piece, block.size(), bytes.size()});
-    std::copy_n(bytes.begin(), count, block.begin());
-    bytes = bytes.subspan(count);
-    return count;
-  });
+  return kestrin::LakeReader::read(
+      lake, [=](std::span<char> block) mutable -> std::optional<std::size_t> {
+        const std::size_t count = std::min({piece, block.size(), bytes.size()});
+        std::copy_n(bytes.begin(), count, block.begin());
+        bytes = bytes.subspan(count);
+        return count;
+      });
 }
 
 std::string Written(const CLake& lake) {

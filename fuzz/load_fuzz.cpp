@@ -38,12 +38,13 @@ namespace {
 
 CLake FromBytes(Bytes bytes) {
   CLake lake;
-  LakeReader::read(lake, [bytes](std::span<char> block) mutable -> std::optional<std::size_t> {
-    const std::size_t count = std::min(block.size(), bytes.size());
-    std::copy_n(bytes.begin(), count, block.begin());
-    bytes = bytes.subspan(count);
-    return count;
-  });
+  kestrin::LakeReader::read(lake,
+                            [bytes](std::span<char> block) mutable -> std::optional<std::size_t> {
+                              const std::size_t count = std::min(block.size(), bytes.size());
+                              std::copy_n(bytes.begin(), count, block.begin());
+                              bytes = bytes.subspan(count);
+                              return count;
+                            });
   return lake;
 }
 

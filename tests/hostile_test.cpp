@@ -84,7 +84,7 @@ double SecondsOf(const std::string& bytes) {
   };
   const double start = now();
   CLake lake;
-  LakeReader::read(lake, Medium{bytes.size(), Medium::End::of_file, bytes});
+  kestrin::LakeReader::read(lake, Medium{bytes.size(), Medium::End::of_file, bytes});
   ParameterCheck::Check(lake);
   CLake& candidate = CParameterLake::Lake();
   candidate.clear();

@@ -52,7 +52,7 @@ TEST(LakeFile, BytesBecomeLines) {
     for (const std::size_t piece : {1U, 9999U}) {
       SCOPED_TRACE(c.bytes);
       CLake lake = FromBytes("old");
-      EXPECT_EQ(LakeReader::read(lake, Medium{piece, Medium::End::of_file, c.bytes}),
+      EXPECT_EQ(kestrin::LakeReader::read(lake, Medium{piece, Medium::End::of_file, c.bytes}),
                 c.reason != Refusal::broken_mark);
       EXPECT_EQ(LineTexts(lake), c.lines);
       EXPECT_EQ(lake.last_refusal().reason, c.reason);
@@ -68,9 +68,10 @@ TEST(LakeFile, AMediumThatFailsLeavesTheLinesReadUntilThere) {
     SCOPED_TRACE(good);
     const std::string front = whole.substr(0, good);
     CLake lake = FromBytes("old");
-    EXPECT_THROW(LakeReader::read(lake, Medium{7, Medium::End::throws, front}), std::runtime_error);
+    EXPECT_THROW(kestrin::LakeReader::read(lake, Medium{7, Medium::End::throws, front}),
+                 std::runtime_error);
     EXPECT_EQ(LineTexts(lake), L"|old|/");
-    EXPECT_FALSE(LakeReader::read(lake, Medium{7, Medium::End::reports_failure, front}));
+    EXPECT_FALSE(kestrin::LakeReader::read(lake, Medium{7, Medium::End::reports_failure, front}));
     EXPECT_EQ(LineTexts(lake), LineTexts(FromBytes(good == 1 || good == 2 ? "old" : front)));
   }
   EXPECT_FALSE(CLake().read(L"/proc/self/mem")) << "it fails at once";

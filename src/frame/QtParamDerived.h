@@ -25,7 +25,7 @@ class CQtParamDerived {
   // parameter is not in <TInstrumentParam>: the rows before it are done, those behind it untouched.
   bool CompleteRelativeLimitKeys();
 
-  // Logs the derived tables; all rows with limit 0.
+  // Logs base channels and intervals, and not the order sources; all rows with limit 0.
   void Dump(int limit) const;
 
   // The trigger of an instrument parameter, or -1.

@@ -33,6 +33,10 @@
 #include "interfaces/text/Text.h"
 #include "lake/Refusal.h"
 
+namespace kestrin {
+struct LakeReader;
+}
+
 class KESTRIN_API CLake {
  public:
   class CNode;
@@ -91,7 +95,7 @@ class KESTRIN_API CLake {
   const CNodeProxy operator[](const std::wstring& key) const;
 
  private:
-  friend struct LakeReader;
+  friend struct kestrin::LakeReader;
 
   // A root without lines, which are linked to it as they come.
   static std::unique_ptr<NodeList> new_nodes();
@@ -181,7 +185,7 @@ class KESTRIN_API CLake::CNode {
 
  private:
   friend class CLake;
-  friend struct LakeReader;
+  friend struct kestrin::LakeReader;
   class Linker;
 
   // What only some lines have.

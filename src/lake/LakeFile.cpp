@@ -40,8 +40,8 @@ using lake_encoding::utf8toucs2;
 
 namespace {
 
-constexpr std::size_t kBlock = std::size_t{64} * 1024;
-constexpr std::array<char, 3> kMark = {'\xEF', '\xBB', '\xBF'};
+constexpr std::size_t block_size = std::size_t{64} * 1024;
+constexpr std::array<char, 3> utf8_mark = {'\xEF', '\xBB', '\xBF'};
 
 Refusal Refused(Refusal::Reason reason, const CString& file, std::wstring_view what, int line = 0) {
   return {reason, CString(L"The file '" + file + L"' ").append(what), line};
@@ -125,14 +125,14 @@ class Decoder {
  public:
   explicit Decoder(bool utf8) : utf8_(utf8) {}
 
-  // Takes what it can off the front of the bytes, of which there are at most kBlock, and leaves
+  // Takes what it can off the front of the bytes, of which there are at most block_size, and leaves
   // there a sequence that they cut. The text is good until the next call.
   std::wstring_view decode(std::span<const char>& bytes) {
     wchar_t* end = text_.get();
     if (utf8_) {
       const char* next = nullptr;
       const auto outcome = facet_.in(state_, bytes.data(), bytes.data() + bytes.size(), next,
-                                     text_.get(), text_.get() + kBlock, end);
+                                     text_.get(), text_.get() + block_size, end);
       broken_ = outcome == utf8toucs2::error;
       bytes = bytes.subspan(static_cast<std::size_t>(next - bytes.data()));
     } else {
@@ -151,7 +151,7 @@ class Decoder {
   bool utf8_;
   bool broken_ = false;
   // No byte gives more than one unit, so a block always has room.
-  std::unique_ptr<wchar_t[]> text_ = std::make_unique_for_overwrite<wchar_t[]>(kBlock);
+  std::unique_ptr<wchar_t[]> text_ = std::make_unique_for_overwrite<wchar_t[]>(block_size);
 };
 
 // Cuts text into lines, of which most stand whole in one piece.
@@ -201,14 +201,15 @@ bool FillTo(const LakeReader::Source& source, std::span<char> block, std::size_t
 
 bool LakeReader::read(CLake& lake, const Source& source) {
   lake.last_refusal_ = {};
-  const auto bytes_read = std::make_unique_for_overwrite<char[]>(kBlock);
-  const std::span<char> block(bytes_read.get(), kBlock);
+  const auto bytes_read = std::make_unique_for_overwrite<char[]>(block_size);
+  const std::span<char> block(bytes_read.get(), block_size);
   std::size_t have = 0;
   bool sound = FillTo(source, block, have, 1);
   bool marked = false;
-  if (have > 0 && block[0] == kMark[0]) {
-    sound = FillTo(source, block, have, kMark.size());
-    marked = have >= kMark.size() && std::equal(kMark.begin(), kMark.end(), block.begin());
+  if (have > 0 && block[0] == utf8_mark[0]) {
+    sound = FillTo(source, block, have, utf8_mark.size());
+    marked =
+        have >= utf8_mark.size() && std::equal(utf8_mark.begin(), utf8_mark.end(), block.begin());
     if (!marked) {
       lake.last_refusal_ =
           Refused(Refusal::broken_mark, lake.filename_, L"begins with a broken UTF-8 mark.", 1);
@@ -226,7 +227,7 @@ bool LakeReader::read(CLake& lake, const Source& source) {
   });
   Decoder decoder(marked);
   std::span<const char> bytes(block.data(), have);
-  if (marked) bytes = bytes.subspan(kMark.size());
+  if (marked) bytes = bytes.subspan(utf8_mark.size());
   for (;;) {
     cutter.add(decoder.decode(bytes));
     if (decoder.broken() || !sound) break;
@@ -285,7 +286,7 @@ void Repair(std::wstring& text) {
 
 class Encoder {
  public:
-  explicit Encoder(std::FILE* file) : file_(file), bytes_(kBlock) {}
+  explicit Encoder(std::FILE* file) : file_(file), bytes_(block_size) {}
 
   // Writes whole lines; false when the medium takes no more.
   bool write(std::wstring& text) {
@@ -323,7 +324,7 @@ bool CLake::write(const CString& filename) const {
   std::wstring text;
   for (const CNode& line : *this) {
     line.append_line(text);
-    if (text.size() < kBlock) continue;
+    if (text.size() < block_size) continue;
     if (!encoder.write(text)) return true;
     text.clear();
   }

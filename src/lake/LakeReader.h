@@ -25,7 +25,7 @@ class CLake::CNode::Linker {
   std::vector<CNode*> open_;
 };
 
-struct LakeReader {
+struct kestrin::LakeReader {
   // Puts bytes at the start of the block, which is not empty, and gives their number: 0 at the end,
   // nothing when the medium fails. A block need not be filled.
   using Source = std::function<std::optional<std::size_t>(std::span<char> block)>;

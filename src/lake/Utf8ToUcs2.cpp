@@ -30,29 +30,29 @@ Memory Recall(const std::mbstate_t& state) {
 
 void Store(std::mbstate_t& state, Memory memory) { std::memcpy(&state, &memory, sizeof memory); }
 
-constexpr std::ptrdiff_t kRun = 16;
+constexpr std::ptrdiff_t run_length = 16;
 
 // Both copy whole runs of ASCII as long as there is input and room, and leave the rest to the
 // caller.
 void WidenAscii(const char*& from, const char* from_end, wchar_t*& to, const wchar_t* to_end) {
-  while (from_end - from >= kRun && to_end - to >= kRun) {
+  while (from_end - from >= run_length && to_end - to >= run_length) {
     std::uint64_t words[2];
     std::memcpy(words, from, sizeof words);
     if (((words[0] | words[1]) & 0x8080808080808080U) != 0) return;
-    for (int i = 0; i < kRun; ++i) to[i] = static_cast<unsigned char>(from[i]);
-    from += kRun;
-    to += kRun;
+    for (int i = 0; i < run_length; ++i) to[i] = static_cast<unsigned char>(from[i]);
+    from += run_length;
+    to += run_length;
   }
 }
 
 void NarrowAscii(const wchar_t*& from, const wchar_t* from_end, char*& to, const char* to_end) {
-  while (from_end - from >= kRun && to_end - to >= kRun) {
+  while (from_end - from >= run_length && to_end - to >= run_length) {
     char32_t all = 0;
-    for (int i = 0; i < kRun; ++i) all |= static_cast<char32_t>(from[i]);
+    for (int i = 0; i < run_length; ++i) all |= static_cast<char32_t>(from[i]);
     if (all >= 0x80) return;
-    for (int i = 0; i < kRun; ++i) to[i] = static_cast<char>(from[i]);
-    from += kRun;
-    to += kRun;
+    for (int i = 0; i < run_length; ++i) to[i] = static_cast<char>(from[i]);
+    from += run_length;
+    to += run_length;
   }
 }
 

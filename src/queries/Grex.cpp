@@ -119,7 +119,7 @@ void CGrexInfo::ExpandWildcards() {
   for (const auto& [key, unused] : keys) {
     bool is_first = true;
     finder.ForEachMatch(key, [&, &listed = key](const QVIpSvTrackPolygon& row) {
-      const CVIpSvTrackPolygon record = Record(row, free_id);
+      const CVIpSvTrackPolygon record = TakeRow(row, free_id);
       if (is_first) {
         IpTrackPolygon.try_emplace(IpTrackPolygon.end(), listed, record);
       } else {
@@ -131,7 +131,7 @@ void CGrexInfo::ExpandWildcards() {
   }
 }
 
-CVIpSvTrackPolygon CGrexInfo::Record(const QVIpSvTrackPolygon& row, int& free_id) {
+CVIpSvTrackPolygon CGrexInfo::TakeRow(const QVIpSvTrackPolygon& row, int& free_id) {
   CVIpSvTrackPolygon record{row.track_a, row.track_c, row.polygon_id};
   if (row.polygon_mode != made_of_two_points) return record;
   record.polygon_id = free_id;

@@ -57,7 +57,7 @@ class CGrexInfo {
  private:
   void LayOutStoredPolygons();
   void ExpandWildcards();
-  CVIpSvTrackPolygon Record(const QVIpSvTrackPolygon& row, int& free_id);
+  CVIpSvTrackPolygon TakeRow(const QVIpSvTrackPolygon& row, int& free_id);
   int FreeIdAfter(int id) const;
 
   const CQtParamStore* store_;

@@ -32,7 +32,7 @@ class CQtRotorInfo {
   void Build();
 
   // The derived table.
-  const CQParamTypedTable<CRotor2OrderSources>& OrderSources() const { return rotor2OrderSources_; }
+  const CQParamTypedTable<CRotor2OrderSources>& OrderSources() const { return order_sources_; }
 
   // The order sources that the channel sees of this rotor, or by way of it; the mode is a base
   // mode. Both at the table's end if the channel is neither sync nor mix.
@@ -42,5 +42,5 @@ class CQtRotorInfo {
   const CQtParamStore* store_;
   const CQtSpeedInfo* speed_info_;
   const CQtChannelInfo* channel_info_;
-  CQParamTypedTable<CRotor2OrderSources> rotor2OrderSources_;
+  CQParamTypedTable<CRotor2OrderSources> order_sources_;
 };

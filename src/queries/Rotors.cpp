@@ -25,10 +25,10 @@ CQtRotorInfo::CQtRotorInfo(const CQtParamStore& param_store, const CQtSpeedInfo&
     : store_(&param_store),
       speed_info_(&speeds),
       channel_info_(&channels),
-      rotor2OrderSources_(L"<PiRotor2OrderSources>") {}
+      order_sources_(L"<PiRotor2OrderSources>") {}
 
 void CQtRotorInfo::Build() {
-  rotor2OrderSources_.Purge();
+  order_sources_.Purge();
   int running_number = 0;
   for (const auto& [key, row] : store_->Table<L"<TOrderSource2Rotor>">()) {
     const int order_source = key[0];
@@ -38,13 +38,13 @@ void CQtRotorInfo::Build() {
       continue;
     }
     const int speed_source = speed_info_->SpeedSourceOf(phys_mode, row.ref);
-    rotor2OrderSources_.insert({{phys_mode, speed_source, row.ref, running_number}, order_source});
+    order_sources_.insert({{phys_mode, speed_source, row.ref, running_number}, order_source});
     ++running_number;
   }
 }
 
 CQtRotorInfo::Range CQtRotorInfo::OrderSourceRange(int mode, int channel, int rotor) const {
-  const auto& table = rotor2OrderSources_;
+  const auto& table = order_sources_;
   const auto flags = static_cast<unsigned>(channel_info_->ChannelFlags(mode, channel));
   const int phys_mode = speed_info_->PhysModeOf(mode);
   const int speed_source = speed_info_->SpeedSourceOf(phys_mode, rotor);

@@ -12,15 +12,11 @@ namespace {
 
 constexpr const wchar_t* no_unit = L"----";
 
-CMeasuringUnit DefaultUnit() { return {CMeasuringUnit::none, 0, 1, 1.0F, 0}; }
-
-bool StandsInText(int code) {
-  const auto unit = static_cast<unsigned>(code);
-  return unit == CMeasuringUnit::in_text || unit > CMeasuringUnit::angular_acceleration_rad_s2;
-}
-
-short Prefix(int field) {
-  return field == 1 || field == -1 ? short{0} : static_cast<short>(field);  // its low 16 bits
+// Takes the kind that the row's code names; false if the unit stands in the text instead.
+bool SetByCode(CMeasuringUnit& unit, const QVAppSignalProperty& row) {
+  const bool no_prefix = row.unit_prefix == 1 || row.unit_prefix == -1;
+  const auto prefix = no_prefix ? short{0} : static_cast<short>(row.unit_prefix);  // low 16 bits
+  return unit.set(static_cast<unsigned>(row.unit_code), prefix, 1, 1.0F, 0);
 }
 
 // Into a row with a code.
@@ -34,18 +30,17 @@ void PutText(QVAppSignalProperty& row, const std::wstring& text) {
 }  // namespace
 
 CMeasuringUnit Of(const QVAppSignalProperty& row) {
-  CMeasuringUnit unit = DefaultUnit();
-  if (!StandsInText(row.unit_code)) {
-    unit.set(static_cast<unsigned>(row.unit_code), Prefix(row.unit_prefix), 1, 1.0F, 0);
-  } else if (std::wcscmp(row.unit_text, no_unit) != 0) {
+  CMeasuringUnit unit;
+  if (!SetByCode(unit, row) && std::wcscmp(row.unit_text, no_unit) != 0) {
     unit.set(std::wstring(TableType::TextIn(row.unit_text)).c_str());
   }
   return unit;
 }
 
 std::wstring RefreshText(QVAppSignalProperty& row) {
-  if (StandsInText(row.unit_code)) return std::wstring(TableType::TextIn(row.unit_text));
-  std::wstring text = Of(row).prefixunit(false);
+  CMeasuringUnit unit;
+  if (!SetByCode(unit, row)) return std::wstring(TableType::TextIn(row.unit_text));
+  std::wstring text = unit.prefixunit(false);
   PutText(row, text);
   return text;
 }
@@ -55,9 +50,7 @@ std::wstring RefreshText(QVAppSignalProperty& row) {
 CMeasuringUnit CQtParamInstance::ApplicationSignalUnit(int signal) {
   auto& signals = AppSignalProperty();
   const auto found = signals.find(signal);
-  if (found == signals.end()) return Units::DefaultUnit();
-  QVAppSignalProperty& row = found->second;
-  const CMeasuringUnit unit = Units::Of(row);
-  if (!Units::StandsInText(row.unit_code)) Units::PutText(row, unit.prefixunit(false));
-  return unit;
+  if (found == signals.end()) return {};
+  Units::RefreshText(found->second);
+  return Units::Of(found->second);
 }

@@ -93,15 +93,15 @@ void CTriggerStore::CInterval::clear() {
 
 // ---- on the tables ------------------------------------------------------------------------
 
-std::pair<CTriggerStore::Row, CTriggerStore::Row> CTriggerStore::param_range(int mode,
-                                                                             int trigger) const {
+std::span<const CTriggerStore::Rows::value_type> CTriggerStore::param_range(int mode,
+                                                                            int trigger) const {
   const Rows& rows = params_.TriggerParam();
   const int base = CQtParamInstance::VirtMode2BaseMode(mode);
   const auto first = rows.lower_bound({base, trigger, 1});
   const auto last = std::find_if(first, rows.end(), [base, trigger](const auto& row) {
     return row.first[0] != base || row.first[1] != trigger || Dimension(row.first) >= dimensions_d;
   });
-  return {first, last};
+  return std::span(first, last);
 }
 
 const QVTriggerParams* CTriggerStore::param(int mode, int trigger, unsigned dim) const {
@@ -112,30 +112,28 @@ const QVTriggerParams* CTriggerStore::param(int mode, int trigger, unsigned dim)
 
 int CTriggerStore::dimension(int mode, int trigger) const {
   int running = -1;
-  const auto [first, last] = param_range(mode, trigger);
-  for (Row row = first; row != last; ++row) {
-    if (row->second.direction == QVTriggerParams::no_direction) continue;
+  for (const auto& [key, axis] : param_range(mode, trigger)) {
+    if (axis.direction == QVTriggerParams::no_direction) continue;
     if (running != -1) return -1;
-    running = static_cast<int>(Dimension(row->first));
+    running = static_cast<int>(Dimension(key));
   }
   return running;
 }
 
 bool CTriggerStore::dimensions(int mode, int trigger, unsigned& mask) const {
   mask = 0;
-  const auto [first, last] = param_range(mode, trigger);
-  for (Row row = first; row != last; ++row) mask |= 1U << Dimension(row->first);
+  for (const auto& [key, axis] : param_range(mode, trigger)) mask |= 1U << Dimension(key);
   return mask != 0;
 }
 
 bool CTriggerStore::field(int mode, int trigger, CIntervals& intervals) const {
   intervals.clear();
-  const auto [first, last] = param_range(mode, trigger);
-  for (Row row = first; row != last; ++row) {
-    intervals.interval[Dimension(row->first)] = row->second;
-    intervals.is_set.set(Dimension(row->first));
+  const auto rows = param_range(mode, trigger);
+  for (const auto& [key, axis] : rows) {
+    intervals.interval[Dimension(key)] = axis;
+    intervals.is_set.set(Dimension(key));
   }
-  return first != last;
+  return !rows.empty();
 }
 
 bool CTriggerStore::field(int mode, int trigger, unsigned dim, CInterval& interval) const {
@@ -147,17 +145,16 @@ bool CTriggerStore::field(int mode, int trigger, unsigned dim, CInterval& interv
 bool CTriggerStore::cell(int mode, int trigger, const CDimensions& dimensions, std::int64_t& cell,
                          bool clamp) const {
   std::int64_t packed = 0;
-  const auto [first, last] = param_range(mode, trigger);
-  for (Row row = first; row != last; ++row) {
-    const unsigned dim = Dimension(row->first);
+  const auto rows = param_range(mode, trigger);
+  for (const auto& [key, axis] : rows) {
+    const unsigned dim = Dimension(key);
     if (!dimensions.is_set[dim]) continue;
-    const QVTriggerParams& axis = row->second;
     if (!PackIndex(packed, dim, Index(dimensions.value[dim], axis.start, axis.step, clamp))) {
       return false;
     }
   }
-  if (first != last) cell = packed;
-  return first != last;
+  if (!rows.empty()) cell = packed;
+  return !rows.empty();
 }
 
 bool CTriggerStore::cell(int mode, int trigger, unsigned dim, float value, std::int64_t& cell,
@@ -179,14 +176,13 @@ bool CTriggerStore::position(int mode, int trigger, std::int64_t cell, unsigned 
 bool CTriggerStore::position(int mode, int trigger, std::int64_t cell, std::int64_t offset,
                              CDimensions& dimensions) const {
   dimensions.clear();
-  const auto [first, last] = param_range(mode, trigger);
-  for (Row row = first; row != last; ++row) {
-    const unsigned dim = Dimension(row->first);
-    const QVTriggerParams& axis = row->second;
+  const auto rows = param_range(mode, trigger);
+  for (const auto& [key, axis] : rows) {
+    const unsigned dim = Dimension(key);
     dimensions.value[dim] = PlaceOf(cell, offset, dim, axis.start, axis.stop, axis.step);
     dimensions.is_set.set(dim);
   }
-  return first != last;
+  return !rows.empty();
 }
 
 // ---- on axes that the caller has kept -----------------------------------------------------

@@ -29,6 +29,7 @@
 #include <array>
 #include <bitset>
 #include <cstdint>
+#include <span>
 #include <utility>
 
 #include "frame/TableList.h"
@@ -133,10 +134,9 @@ class KESTRIN_API CTriggerStore {
 
  private:
   using Rows = kestrin::tables::TableOf<L"<TTriggerParam>">;
-  using Row = Rows::const_iterator;
 
   // All rows of the trigger that are axes, in the order of their dimensions.
-  std::pair<Row, Row> param_range(int mode, int trigger) const;
+  std::span<const Rows::value_type> param_range(int mode, int trigger) const;
   // The row of one axis; null without one.
   const QVTriggerParams* param(int mode, int trigger, unsigned dim) const;
 

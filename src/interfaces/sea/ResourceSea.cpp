@@ -18,7 +18,7 @@ namespace {
 
 std::wstring_view NameOf(const wchar_t* name) { return name ? name : L""; }
 
-constexpr std::wstring_view kFirstLine = L"sea 2";
+constexpr std::wstring_view first_line = L"sea 2";
 constexpr std::wstring_view kLastLine = L"end";
 
 void AppendLine(std::wstring& out, std::wstring_view word, std::wstring_view text) {
@@ -62,7 +62,7 @@ bool Log(const std::wstring& what) {
 struct CResourceSea::Reader {
   // Takes the next line, without white space at its ends. Null, or what is wrong with it.
   const wchar_t* Take(std::wstring_view line) {
-    if (++number == 1) return line == kFirstLine ? nullptr : L"it is not 'sea 2'";
+    if (++number == 1) return line == first_line ? nullptr : L"it is not 'sea 2'";
     if (line.empty() || line.front() == L';') return nullptr;
     if (has_ended) return L"it stands behind 'end'";
     const auto space = std::find_if(line.begin(), line.end(), Text::IsSpace) - line.begin();
@@ -116,7 +116,7 @@ bool CResourceSea::Load(const std::wstring& file_name) try {
 
 bool CResourceSea::Save(const std::wstring& file_name) const try {
   std::wstring text;
-  AppendLine(text, kFirstLine, {});
+  AppendLine(text, first_line, {});
   for (const auto& [name, lines] : content_.lists) {
     AppendLine(text, L"list", name);
     for (const CResourceEntry& entry : *lines) AppendLine(text, L"-", entry.text_);

@@ -22,9 +22,11 @@
 namespace kestrin::Number {
 namespace {
 
-constexpr wchar_t kEnd = L'\0';  // stands for "no character"; it belongs to no number
+constexpr wchar_t no_character = L'\0';  // stands for "no character"; it belongs to no number
 
-wchar_t At(std::wstring_view text, std::size_t pos) { return pos < text.size() ? text[pos] : kEnd; }
+wchar_t At(std::wstring_view text, std::size_t pos) {
+  return pos < text.size() ? text[pos] : no_character;
+}
 
 // The value of a digit; above 9 for any other character.
 unsigned DigitOf(wchar_t c) { return static_cast<unsigned>(c) - L'0'; }
@@ -151,8 +153,8 @@ bool IsTooLarge(std::string_view mantissa, std::string_view exponent, int expone
       std::from_chars(exponent.data(), exponent.data() + exponent.size(), shift);
   if (error == std::errc::result_out_of_range) return exponent.front() != '-';
   // No text has so many digits that the product is in danger; the exponent is kept off the bounds.
-  constexpr long long kFar = std::numeric_limits<long long>::max() / 4;
-  return place * exponent_per_digit + std::clamp(shift, -kFar, kFar) > 0;
+  constexpr long long far_away = std::numeric_limits<long long>::max() / 4;
+  return place * exponent_per_digit + std::clamp(shift, -far_away, far_away) > 0;
 }
 
 struct Extent {
@@ -257,12 +259,13 @@ Scanned<double> ScanDouble(std::wstring_view text) {
 float ToFloat(double value) {
   // The conversion of a double beyond the floats is undefined, so the rounding at the upper end is
   // done by hand: up to half a unit of the last place beyond the largest float it is the nearest.
-  constexpr float kMax = std::numeric_limits<float>::max();
-  constexpr double kRoundsToInfinity = 0x1.ffffffp127;
+  constexpr float largest = std::numeric_limits<float>::max();
+  constexpr double rounds_to_infinity = 0x1.ffffffp127;
   const double size = std::fabs(value);
   const float sign = std::signbit(value) ? -1.0F : 1.0F;
-  if (size >= kRoundsToInfinity) return std::copysign(std::numeric_limits<float>::infinity(), sign);
-  if (size > static_cast<double>(kMax)) return std::copysign(kMax, sign);
+  if (size >= rounds_to_infinity)
+    return std::copysign(std::numeric_limits<float>::infinity(), sign);
+  if (size > static_cast<double>(largest)) return std::copysign(largest, sign);
   return static_cast<float>(value);
 }
 

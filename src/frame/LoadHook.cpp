@@ -1,6 +1,7 @@
 // What happens when the library comes into a process and when it leaves: one line each in the
-// developer trace. Where the platform would register the library's resources with an application
-// framework nothing is left to do here, since the texts are compiled in.
+// developer trace, by the name that the suite gives the module on every platform. Where the
+// platform would register the library's resources with an application framework nothing is left to
+// do here, since the texts are compiled in.
 //
 // The hook is an object, so that the language runs it at load and unload, whether the library came
 // with the program or was opened later. The trace is ready before any object of this library and
