@@ -139,6 +139,23 @@ ParseResult ParseSpecPosition(Position& position, std::wstring_view text, Syntax
   return {.ok = true, .harmonic_repeat = harmonic == term_repeat};
 }
 
+// Of each character of a position that could be read: whether it is part of a term.
+std::vector<bool> ReadInPosition(std::wstring_view text) {
+  std::vector<bool> read(text.size());
+  for (const wchar_t letter : {L'F', L'O', L'M', L'L', L'H'}) {
+    const std::size_t at = text.find(letter);
+    if (at == std::wstring_view::npos) continue;
+    const std::wstring_view behind = text.substr(at + 1);
+    const bool repeat = behind.starts_with(L'x') || behind.starts_with(L'X');
+    const std::size_t used = repeat           ? 1
+                             : letter == L'L' ? ReadInt(behind).used
+                                              : ReadFloat(behind).used;
+    const auto first = read.begin() + static_cast<std::ptrdiff_t>(at > 0 ? at - 1 : at);
+    std::fill(first, read.begin() + static_cast<std::ptrdiff_t>(at + 1 + used), true);
+  }
+  return read;
+}
+
 // A comma is a decimal point that was typed on a continental keyboard.
 std::wstring WithoutBlanks(const wchar_t* definition) {
   std::wstring text;
@@ -200,6 +217,33 @@ Interpretation Interpret(const wchar_t* definition, Position* positions, unsigne
   }
   if (in_block) count = RepeatBlock(positions, block, count, max_positions);
   return {.count = count, .error = {}};
+}
+
+PassedOver FindPassedOver(const wchar_t* definition, unsigned max_positions) {
+  std::vector<Position> positions(max_positions);
+  PassedOver result;
+  const auto reading = Interpret(definition, positions.data(), max_positions);
+  if (definition == nullptr || reading.error.reason != Reason::none) return result;
+  const std::wstring text = WithoutBlanks(definition);
+  std::wstring_view rest = text;
+  for (unsigned i = 0; !rest.empty(); ++i) {
+    const std::wstring_view piece = rest.substr(0, rest.find(L';'));
+    const std::size_t start = text.size() - rest.size();
+    rest.remove_prefix(std::min(piece.size() + 1, rest.size()));
+    if (i >= max_positions) {
+      ++result.dropped;
+      continue;
+    }
+    const std::vector<bool> read = ReadInPosition(piece);
+    for (std::size_t at = 0; at < piece.size(); ++at) {
+      if (read[at]) continue;
+      const std::size_t offset = OffsetAsGiven(definition, start + at);
+      const bool goes_on = at > 0 && !read[at - 1];
+      if (!goes_on) result.unread.push_back({offset, 0});
+      result.unread.back().length = offset + 1 - result.unread.back().offset;
+    }
+  }
+  return result;
 }
 
 unsigned GetSpecPositions(const wchar_t* definition, Position* positions, unsigned max_positions) {

@@ -13,6 +13,7 @@
 #include <array>
 #include <cstddef>
 #include <tuple>
+#include <vector>
 
 #include "interfaces/Export.h"
 #include "keys/IndexRecords.h"
@@ -106,6 +107,20 @@ struct Interpretation {
   SyntaxError error;   // error.reason is Reason::none on success
 };
 
+// Characters of a definition as given, counted from 0, blanks included.
+struct Passage {
+  std::size_t offset;
+  std::size_t length;
+};
+
+// What a definition holds beyond what is read of it.
+struct PassedOver {
+  // Within the positions that were read: letters that have no meaning, such as those in lower case,
+  // all but the first term of a letter, and what else stands between the terms.
+  std::vector<Passage> unread;
+  unsigned dropped = 0;  // positions behind them that didn't fit
+};
+
 // Both operations read a definition, zero ended or null, into the first elements of positions, an
 // array of at least max_positions elements, and neither ever writes behind those. Positions that
 // don't fit are dropped unread. Repeat positions ("Hx") fill the array up with whole copies of
@@ -122,6 +137,9 @@ KESTRIN_API unsigned GetSpecPositions(const wchar_t* definition,
 KESTRIN_API Interpretation Interpret(const wchar_t* definition,
                                      QVSpecIntervalEntry::Definition* positions,
                                      unsigned max_positions);
+
+// The same for what such a reading passes over; nothing for a text that is no definition.
+KESTRIN_API PassedOver FindPassedOver(const wchar_t* definition, unsigned max_positions);
 
 // A reason as a short English sentence part, as in "no number behind the letter". Never null; empty
 // for Reason::none.

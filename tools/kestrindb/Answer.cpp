@@ -37,6 +37,7 @@ std::string WithName(const std::string& id, const std::string& name) {
 
 std::string CellText(const Json& value) {
   if (value.is_string()) return value.get<std::string>();
+  if (value.is_null()) return "";
   if (!value.is_array()) return value.dump();
   std::string text;
   for (const Json& part : value) text += (text.empty() ? "" : " ") + CellText(part);
@@ -65,7 +66,7 @@ void PrintTable(const Json& records, const std::vector<Column>& columns) {
       cells.push_back(Cell(record, column.field, column.none));
     }
     const bool of_numbers = std::all_of(cells.begin(), cells.end(), [](const std::string& cell) {
-      return cell.empty() || cell == "null" || LooksLikeNumber(cell);
+      return cell.empty() || LooksLikeNumber(cell);
     });
     cells.insert(cells.begin(), column.heading);
     int width = 0;

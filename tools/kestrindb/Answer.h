@@ -24,7 +24,7 @@ Json ShortNumber(float number);
 // An id and its name as people read them: "130  Spur 30 Hz low load", or "130" where it has none.
 std::string WithName(const std::string& id, const std::string& name);
 
-// A value as people read it: a text without quotes, a list with blanks between.
+// A value as people read it: a text without quotes, a list with blanks between, nothing for null.
 std::string CellText(const Json& value);
 
 // A field of a record as people read it, an id with its name. Empty if the record doesn't have it;

@@ -10,10 +10,6 @@ namespace kestrindb {
 
 Json DescribeCalc(const CQtParamInstance& params, const Request& request) {
   const int parameter = *request.parameter;
-  if (params.InstrumentParam().find(parameter) == params.InstrumentParam().end()) {
-    throw Failure(data_bad, "There is no parameter " + std::to_string(parameter) +
-                                "; see kestrindb names FILE parameter.");
-  }
   const int instrument = params.InstrumentParameterToInstrument(parameter);
   Json json;
   json["parameter"] = parameter;

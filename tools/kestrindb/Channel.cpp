@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "Commands.h"
+#include "Names.h"
 
 namespace kestrindb {
 namespace {
@@ -35,13 +36,9 @@ std::vector<int> Chain(const CQtParamInstance& params, int mode, int channel) {
 Json DescribeChannel(const CQtParamInstance& params, const Request& request) {
   const int mode = *request.mode;
   const int channel = request.channel;
-  if (!params.IsValidChannel(channel)) {
-    throw Failure(data_bad, "There is no channel " + std::to_string(channel) +
-                                "; see kestrindb names FILE channel.");
-  }
   Json json;
   json["mode"] = mode;
-  json["mode_name"] = Utf8(params.ModeName(mode));
+  json["mode_name"] = StepName(params, mode);
   json["chain"] = Json::array();
   for (const int member : Chain(params, mode, channel)) {
     Json entry = NamedChannel(params, member);

@@ -1,7 +1,10 @@
 #include "Commands.h"
 
 #include <CLI/CLI.hpp>
+#include <cmath>
 #include <map>
+
+#include "Names.h"
 
 using namespace kestrin;
 
@@ -17,17 +20,29 @@ void Time(CLI::App& command, Request& request) {
                    "Tell how long reading and loading took, and the peak memory");
 }
 
+// The words of kestrindb, and those of the tables.
 void Element(CLI::App& command, Request& request) {
-  const std::map<std::string, int> numbers = {
-      {"mode", Clavis::Mode},           {"instrument", Clavis::Instrument},
-      {"channel", Clavis::Channel},     {"location", Clavis::Location},
-      {"parameter", Clavis::Parameter}, {"sensor", Clavis::Sensor},
+  std::vector<std::wstring> known;
+  std::string list;
+  for (int element = 0; element <= trigger_element; ++element) {
+    known.push_back(Wide(Word(element)));
+    list += (list.empty() ? "" : "|") + std::string(Word(element));
+  }
+  const auto set = [&request, known](std::string word) {
+    for (char& c : word) c = Text::Lower(c);
+    const std::map<std::string, std::string> of_tables = {
+        {"mode", "test-step"}, {"location", "object"}, {"sensor", "signal"}};
+    if (of_tables.contains(word)) word = of_tables.at(word);
+    const auto found = std::find(known.begin(), known.end(), Wide(word));
+    if (found == known.end()) {
+      throw Failure(data_bad,
+                    "There are no names of '" + word + "'." + Hint(word, known, "names --help"));
+    }
+    request.element = static_cast<int>(found - known.begin());
   };
-  command
-      .add_option("ELEMENT", request.element,
-                  "mode, instrument, channel, location, parameter or sensor")
+  command.add_option_function<std::string>("ELEMENT", set, "What the names are of")
       ->required()
-      ->transform(CLI::CheckedTransformer(numbers, CLI::ignore_case));
+      ->type_name(list);
 }
 
 // What `find` finds of that name.
@@ -35,7 +50,16 @@ template <class Find>
 auto Found(Find find, const std::string& section) {
   const auto* const found = find(section);
   if (found != nullptr) return found;
-  throw Failure(data_bad, "There is no table '" + section + "'; see kestrindb tables.");
+  std::vector<std::wstring> known;
+  const auto add = [&](const auto& tables) {
+    for (const auto& table : tables) {
+      if (!find(table.section)) continue;
+      known.push_back(Wide(table.section.substr(1, table.section.size() - 2)));
+    }
+  };
+  add(TableCatalogue::Tables());
+  add(TableCatalogue::DerivedTables());
+  throw Failure(data_bad, "There is no table '" + section + "'." + Hint(section, known, "tables"));
 }
 
 void Table(CLI::App& command, Request& request) {
@@ -71,31 +95,67 @@ void Limit(CLI::App& command, Request& request) {
       ->check(CLI::NonNegativeNumber);
 }
 
+enum class Unknown { refused, taken };
+
+// A number or a name; a number that the data base doesn't know is taken where another table than
+// that of the names may have it.
+template <class Id>
+CLI::Option* AddId(CLI::App& command, Request& request, const char* argument, Id& id, int element,
+                   Unknown unknown = Unknown::refused) {
+  return command
+      .add_option_function<std::string>(
+          argument,
+          [&request, &id, element, unknown](const std::string& text) {
+            request.resolve.push_back(
+                [&id, element, unknown, text](const CQtParamInstance& params) {
+                  id = unknown == Unknown::taken ? IdOf(params, element, text)
+                                                 : KnownId(params, element, text);
+                });
+          },
+          std::string("Id of a ") + Noun(element) + ", or its name in quotes")
+      ->type_name("ID|NAME");
+}
+
 void Mode(CLI::App& command, Request& request) {
-  command.add_option("MODE", request.mode, "Id of a test step")->required();
+  AddId(command, request, "MODE", request.mode, Clavis::Mode)->required();
 }
 
 void ModeOrItsParts(CLI::App& command, Request& request) {
   CLI::App* const group = command.add_option_group("mode");
-  group->add_option("ID", request.mode, "Id of a test step");
+  AddId(*group, request, "MODE", request.mode, Clavis::Mode);
   group
       ->add_option("--make", request.make,
-                   "BASE INDEX...: the id of the virtual mode with that base and a band index (-1: "
+                   "BASE INDEX...: the virtual test step with that base and a band index (-1: "
                    "none) for each row of <TAutoModeParam>")
       ->expected(1, CLI::detail::expected_max_vector_size);
   group->require_option(1);
 }
 
-CLI::Option* AddIds(CLI::App& command, Request& request) {
+CLI::Option* AddKey(CLI::App& command, Request& request) {
   return command
-      .add_option("ID", request.ids,
-                  "Ids of mode, instrument, channel, location, parameter and sensor; -1: no value")
+      .add_option_function<std::vector<std::string>>(
+          "KEY",
+          [&request](const std::vector<std::string>& texts) {
+            request.resolve.push_back([&request, texts](const CQtParamInstance& params) {
+              request.ids.assign(Clavis::element_count, -1);
+              for (const int element : {Clavis::Mode, Clavis::Instrument, Clavis::Channel,
+                                        Clavis::Location, Clavis::Parameter, Clavis::Sensor}) {
+                const auto at = static_cast<std::size_t>(element);
+                const int instrument =
+                    element == Clavis::Parameter ? request.ids[Clavis::Instrument] : -1;
+                request.ids[at] = IdOf(params, element, texts[at], instrument);
+              }
+            });
+          },
+          "Six ids, or names in quotes: test step, instrument, channel, object, parameter, signal; "
+          "-1: no value")
+      ->type_name("ID|NAME")
       ->expected(Clavis::element_count);
 }
 
-void Key(CLI::App& command, Request& request) { AddIds(command, request)->required(); }
+void Key(CLI::App& command, Request& request) { AddKey(command, request)->required(); }
 
-void KeyToBeginWith(CLI::App& command, Request& request) { AddIds(command, request); }
+void KeyToBeginWith(CLI::App& command, Request& request) { AddKey(command, request); }
 
 void Separator(CLI::App& command, Request& request) {
   command.add_option("--separator", request.separator, "Separator of the nice text");
@@ -107,11 +167,11 @@ void PickOptions(CLI::App& command, Request& request) {
 }
 
 void Channel(CLI::App& command, Request& request) {
-  command.add_option("CHANNEL", request.channel, "Id of a channel")->required();
+  AddId(command, request, "CHANNEL", request.channel, Clavis::Channel)->required();
 }
 
 void Parameter(CLI::App& command, Request& request) {
-  command.add_option("PARAMETER", request.parameter, "Id of a parameter")->required();
+  AddId(command, request, "PARAMETER", request.parameter, Clavis::Parameter)->required();
 }
 
 // A definition may begin with a minus, and then comes as an option that nobody knows.
@@ -128,26 +188,62 @@ void Definition(CLI::App& command, Request& request) {
   });
 }
 
+// A finite number above 0.
+std::string RefuseUnlessPositive(const std::string& text) {
+  float number = 0;
+  const bool is_number = CLI::detail::lexical_cast(text, number);
+  if (is_number && number > 0 && std::isfinite(number)) return {};
+  return "a number above 0 is needed, not '" + text + '\'';
+}
+
 void IntervalOptions(CLI::App& command, Request& request) {
-  command.add_option("PARAMETER", request.parameter,
-                     "Id of a parameter; without it all that have intervals");
-  command.add_option("--speed-source", request.speed_source, "Order source that tells the speed")
-      ->required();
+  const CLI::Option* const parameter =
+      AddId(command, request, "PARAMETER", request.parameter, Clavis::Parameter, Unknown::taken)
+          ->description("Id of a parameter, or its name in quotes; without it all with intervals");
+  command.add_option("--definition", request.definition,
+                     "Order definition to try, in place of those in the file");
   command.add_option("--assembly", request.assembly,
                      "Order source that harmonics refer to; without it the one in calculation "
                      "parameter 4 of each parameter");
-  command
-      .add_option("--resolution", request.resolution,
-                  "Distance of two spectral lines on the spectrum's axis")
-      ->required();
-  command.add_option("--lines", request.lines, "Number of spectral lines")->required();
-  command.add_option("--order-scale", request.order_scale,
-                     "Value of one order in the unit of F, for mixed intervals; 1 without it");
+  command.add_option("--speed-source", request.speed_source,
+                     "Order source that tells the speed; without it that of the assembly's rotor");
+  const auto add_positive = [&](const char* name, auto& value, const char* help) {
+    return command.add_option(name, value, help)->check(RefuseUnlessPositive)->type_name("NUMBER");
+  };
+  add_positive("--resolution-orders", request.resolution_orders,
+               "Distance of two spectral lines on an axis of orders");
+  add_positive("--resolution-hz", request.resolution_hz,
+               "The same on an axis of frequencies, in the unit of F");
+  add_positive("--lines", request.lines, "Number of spectral lines")->required();
+  add_positive("--order-scale", request.order_scale,
+               "Value of one order in the unit of F, for mixed intervals; 1 without it");
   command.add_option("--unit", request.unit, "Unit of F; Hz without it");
+  command.callback([&request, parameter] {
+    if (!request.definition.empty() && parameter->count() > 0) {
+      throw CLI::ValidationError("--definition", "it stands in place of a PARAMETER");
+    }
+    if (request.resolution_orders == 0 && request.resolution_hz == 0) {
+      throw CLI::ValidationError("--resolution-orders", "it, --resolution-hz or both are needed");
+    }
+  });
 }
 
 void Picture(CLI::App& command, Request& request) {
-  command.add_option("--svg", request.svg, "Draw the answer into this file");
+  CLI::Option* const svg = command.add_option(
+      "--svg", request.svg, "Draw the answer into this file; - for standard output, in its place");
+  const auto set_bound = [&request](std::optional<double>& bound) {
+    return [&request, &bound](const double& value) {
+      bound = value;
+      if (std::isfinite(value) && request.from.value_or(value) <= request.to.value_or(value))
+        return;
+      throw CLI::ValidationError("--from, --to", "these bounds enclose nothing");
+    };
+  };
+  command
+      .add_option_function<double>("--from", set_bound(request.from),
+                                   "Where the picture's axis begins")
+      ->needs(svg);
+  command.add_option_function<double>("--to", set_bound(request.to), "Where it ends")->needs(svg);
 }
 
 void Titles(CLI::App& command, Request& request) {
@@ -156,7 +252,7 @@ void Titles(CLI::App& command, Request& request) {
 }
 
 void TriggerOptions(CLI::App& command, Request& request) {
-  command.add_option("TRIGGER", request.trigger, "Id of a trigger")->required();
+  AddId(command, request, "TRIGGER", request.trigger, trigger_element, Unknown::taken)->required();
   CLI::Option* const values = command.add_option(
       "VALUE", request.values, "A running value for each axis, in the order of the axes");
   command.add_option("--cell", request.cell, "Show the places of this cell")->excludes(values);
@@ -166,38 +262,53 @@ void TriggerOptions(CLI::App& command, Request& request) {
 }  // namespace
 
 const std::vector<Command>& Commands() {
-  // A row each: name, help, arguments, functions.
+  // A row each: name, help, example, arguments, functions.
   // clang-format off
   static const std::vector<Command> commands = {
       {"load", "Load a file: versions, document names, rows of each table, what was logged",
+       "samples/gearbox.par",
        {File, Time}, DescribeLoad, PrintLoad},
-      {"names", "Ids and names of a key element",
+      {"names", "Ids and names of a key element, or of the triggers",
+       "samples/gearbox.par channel",
        {File, Element}, DescribeNames, PrintNames},
       {"dump", "The rows of one table or of all, for people or as data",
+       "samples/gearbox.par TMode --limit 3",
        {File, Rows, Limit, Csv}, DescribeDump, PrintDump},
       {"tables", "The catalogue: what the lines of each section hold",
+       "TMode",
        {Table}, DescribeTables, PrintTables},
       {"check", "What is wrong in a file, and what a load passes over in silence, by line",
+       "samples/gearbox.par",
        {File}, DescribeCheck, PrintCheck},
-      {"mode", "A test step: name, physical mode, flags, and the parts of a virtual one",
+      {"mode", "A test step (mode): name, physical mode, flags, and the parts of a virtual one",
+       "samples/gearbox.par --make 160 5 2",
        {File, ModeOrItsParts}, DescribeMode, PrintMode},
       {"key", "All texts of a key",
+       "samples/gearbox.par 130 1700 3 21 17001 11",
        {File, Key, Separator}, DescribeKey, PrintKey},
       {"pick", "Choose a key at the terminal",
+       "samples/gearbox.par --bare",
        {File, KeyToBeginWith, PickOptions, Separator}, DescribePick, PrintPick},
       {"channel", "A channel in a test step: its parents up to the base channel, its flags",
+       "samples/gearbox.par 130 \"Envelope mix\"",
        {File, Mode, Channel}, DescribeChannel, PrintChannel},
       {"rotors", "The order sources of a test step: rotors, speeds, base orders, ratios, orders",
+       "samples/gearbox.par \"Spur 30 Hz low load\"",
        {File, Mode}, DescribeRotors, PrintRotors},
       {"calc", "The calculation parameters of a parameter by their texts",
+       "samples/gearbox.par 20702",
        {File, Parameter}, DescribeCalc, PrintCalc},
       {"order", "What an order definition is read as, or what is wrong",
+       "\"H1-O0.5;H1+O0.5\"",
        {Definition}, DescribeOrder, PrintOrder},
       {"intervals", "Spectrum intervals in a test step: bounds on the axis and spectral lines",
+       "samples/gearbox.par 130 17007 --resolution-orders 0.125 --lines 1600",
        {File, Mode, IntervalOptions, Picture}, DescribeIntervals, PrintIntervals, DrawIntervals},
       {"polygon", "The track polygon of a key that <TIpParamAndStore> lists",
+       "samples/gearbox.par 170 2070 6 21 20701 11",
        {File, Key, Picture, Titles}, DescribePolygon, PrintPolygon, DrawPolygon},
       {"trigger", "The axes of a trigger, the cell of values, the places of a cell",
+       "samples/gearbox.par 160 \"Speed and torque\" 1510 20",
        {File, Mode, TriggerOptions}, DescribeTrigger, PrintTrigger},
   };
   // clang-format on

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <variant>
@@ -22,9 +23,14 @@ namespace kestrindb {
 
 // What the user asks for. A command sees those arguments that its row of the table names.
 struct Request {
+  // Sets the ids below that the user gave as names or numbers, once there is a data base to ask.
+  std::vector<std::function<void(const CQtParamInstance& params)>> resolve;
+
   bool json = false;
   std::string file;
-  std::string svg;  // the picture to draw
+  std::string svg;             // the picture to draw; "-" for standard output
+  std::optional<double> from;  // what its axis shows
+  std::optional<double> to;
   std::optional<int> mode;
   std::optional<int> parameter;
   int channel = 0;
@@ -39,12 +45,13 @@ struct Request {
 
   bool time = false;
   int limit = 0;
-  std::vector<int> make;
+  std::vector<std::string> make;  // as typed
   bool show_ids = false;
   bool bare = false;
-  int speed_source = 0;
+  std::optional<int> speed_source;
   std::optional<int> assembly;
-  float resolution = 0.0F;
+  float resolution_orders = 0.0F;  // 0: not given, and so of the other one
+  float resolution_hz = 0.0F;
   unsigned lines = 0;
   float order_scale = 1.0F;
   std::string unit = "Hz";
@@ -74,6 +81,7 @@ struct Command {
 
   const char* name;
   const char* help;
+  const char* example;  // what stands behind the name; one that answers in the project's folder
   std::vector<Argument*> arguments;
   std::variant<Describe*, DescribeAlone*> describe;
   Print* print;

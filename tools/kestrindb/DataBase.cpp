@@ -41,12 +41,4 @@ void DataBase::RequireAccepted() const {
                     "' was not accepted as a data base: " + Utf8(params.LastRefusal().sentence));
 }
 
-void RequireMode(const CQtParamInstance& params, int mode) {
-  const int base = CQtParamInstance::VirtMode2BaseMode(mode);
-  if (params.IsValidMode(mode) || params.IsValidMode(base)) return;
-  throw Failure(data_bad, "There is no test step " + std::to_string(base) +
-                              (base == mode ? "" : ", the base of " + std::to_string(mode)) +
-                              "; see kestrindb names FILE mode.");
-}
-
 }  // namespace kestrindb

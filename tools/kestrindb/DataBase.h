@@ -58,7 +58,4 @@ class DataBase {
   void RequireAccepted() const;
 };
 
-// Throws Failure if the data base doesn't hold the test step, a virtual one by its base.
-void RequireMode(const CQtParamInstance& params, int mode);
-
 }  // namespace kestrindb

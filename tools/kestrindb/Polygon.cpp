@@ -72,46 +72,76 @@ struct Bounds {
   }
   // The axis over the values with some room beside them.
   Axis Between(double low_place, double high_place) const {
-    if (low > high) return {0, 1, low_place, high_place};
     const double room = (high - low) / 16;
     return {low - room, high + room, low_place, high_place};
   }
 };
 
+// The part of a line between the bounds that the user has set, with the points where it meets them.
+std::vector<Point> CutTo(const std::vector<Point>& points, const Request& request) {
+  const auto is_inside = [&](double x) {
+    return x >= request.from.value_or(x) && x <= request.to.value_or(x);
+  };
+  std::vector<Point> cut;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const Point to = points[i];
+    const Point from = points[i > 0 ? i - 1 : 0];
+    std::vector<Point> met;
+    for (const auto& bound : {request.from, request.to}) {
+      if (!bound || (*bound - from.x) * (*bound - to.x) >= 0) continue;
+      const double part = (*bound - from.x) / (to.x - from.x);
+      met.push_back({*bound, from.y + part * (to.y - from.y)});
+    }
+    if (met.size() == 2 && to.x < from.x) std::swap(met[0], met[1]);
+    cut.insert(cut.end(), met.begin(), met.end());
+    if (is_inside(to.x)) cut.push_back(to);
+  }
+  return cut;
+}
+
 }  // namespace
 
 void DrawPolygon(const Json& json, const Request& request) {
   std::vector<Point> points;
-  Bounds xs;
-  Bounds ys;
   for (const Json& point : json["points"]) {
     if (point["x"].is_null() || point["y"].is_null()) continue;  // not finite
     points.push_back({point["x"], point["y"]});
-    xs.Include(points.back().x);
-    ys.Include(points.back().y);
   }
-  constexpr double height = 420;
+  const std::vector<Point> line = CutTo(points, request);
+  Bounds xs;
+  Bounds ys;
+  for (const Point& point : line) {
+    xs.Include(point.x);
+    ys.Include(point.y);
+  }
+  if (line.empty()) throw Failure(data_bad, "There is no picture: no point is in it.");
+  constexpr double plot_height = 292;
   constexpr double left = 84;
   constexpr double right = Svg::width - 28;
-  constexpr double top = 64;
-  constexpr double bottom = height - 64;
-  Svg svg(height);
+  Svg svg;
   const std::string name = Cell(json, "name");
-  svg.Text({12, 24}, "Polygon " + json["polygon"].dump() + (name.empty() ? "" : ": " + name),
-           Svg::Anchor::start, Svg::ink, 16);
-  svg.Text({12, 44}, Cell(json, "text"), Svg::Anchor::start, Svg::faint_ink);
-  const Axis x_axis = xs.Between(left, right);
+  const double top =
+      svg.Titles("Polygon " + json["polygon"].dump() + (name.empty() ? "" : ": " + name),
+                 Cell(json, "text")) +
+      20;
+  const double bottom = top + plot_height;
+  const Axis whole = xs.Between(left, right);
+  const Axis x_axis(request.from.value_or(whole.Low()), request.to.value_or(whole.High()), left,
+                    right);
   const Axis y_axis = ys.Between(bottom, top);
   x_axis.DrawBelow(svg, top, bottom, request.x_title);
   y_axis.DrawLeft(svg, left, right, request.y_title);
+  const auto place = [&](const Point& point) {
+    return Point{x_axis.At(point.x), y_axis.At(point.y)};
+  };
   std::vector<Point> places;
-  places.reserve(points.size());
-  for (const Point& point : points) places.push_back({x_axis.At(point.x), y_axis.At(point.y)});
+  for (const Point& point : line) places.push_back(place(point));
   svg.Polyline(places, Svg::data);
-  for (std::size_t i = 0; i < places.size(); ++i) {
-    svg.Dot(places[i], Svg::data, ShortText(points[i].x) + ", " + ShortText(points[i].y));
+  for (const Point& point : points) {
+    if (point.x < x_axis.Low() || point.x > x_axis.High()) continue;
+    svg.Dot(place(point), Svg::data, ShortText(point.x) + ", " + ShortText(point.y));
   }
-  svg.Save(request.svg);
+  svg.Save(request.svg, bottom + 64);
 }
 
 }  // namespace kestrindb

@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "Commands.h"
+#include "Names.h"
 
 namespace kestrindb {
 namespace {
@@ -35,7 +36,7 @@ Json DescribeRotors(const CQtParamInstance& params, const Request& request) {
   const int phys_mode = params.PhysModeId(mode);
   Json json;
   json["mode"] = mode;
-  json["mode_name"] = Utf8(params.ModeName(mode));
+  json["mode_name"] = StepName(params, mode);
   json["phys_mode"] = phys_mode;
   json["phys_mode_name"] = Utf8(params.PhysModeName(phys_mode));
   json["order_sources"] = Json::array();

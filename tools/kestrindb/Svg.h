@@ -29,8 +29,6 @@ class Svg {
 
   enum class Anchor { start, middle, end };
 
-  explicit Svg(double height);
-
   void Line(Point from, Point to, std::string_view colour, double thickness = 1);
   void Polyline(const std::vector<Point>& points, std::string_view colour, double thickness = 2);
   // The notes are shown where a viewer's pointer rests on a shape.
@@ -42,15 +40,19 @@ class Svg {
   // A line of text (UTF-8) on the base line through `at`.
   void Text(Point at, std::string_view text, Anchor anchor = Anchor::start,
             std::string_view colour = ink, int size = 12);
-  // The same, turned to be read from below.
-  void UprightText(Point at, std::string_view text);
+  // The same, turned to be read from below, in as many lines as it takes to stay within the length,
+  // the last one through `at`.
+  void UprightText(Point at, std::string_view text, double length);
+  // The head of a picture, a large text over a faint one, in as many lines as they take. Gives the
+  // place below.
+  double Titles(std::string_view title, std::string_view subtitle);
 
-  // Throws Failure if the file can't be written.
-  void Save(const std::string& file_name) const;
+  // Writes the picture down to that height into a file, "-" being standard output. Throws Failure
+  // if it can't be written.
+  void Save(const std::string& file_name, double height) const;
 
  private:
   std::string body_;
-  double height_;
 };
 
 // From values to places on a sheet.
@@ -62,9 +64,15 @@ class Axis {
 
   double At(double value) const;
   double LowPlace() const { return low_place_; }
+  double Low() const { return low_; }
+  double High() const { return high_; }
 
+  struct Tick {
+    double value;
+    std::string label;  // with as many digits as tell it from its neighbours
+  };
   // Round values, about as many as there are steps of that many units.
-  std::vector<double> Ticks(double distance) const;
+  std::vector<Tick> Ticks(double distance) const;
 
   // The axis below a plot: grid lines from top to bottom, numbers and title below.
   void DrawBelow(Svg& svg, double top, double bottom, std::string_view title) const;
@@ -78,7 +86,7 @@ class Axis {
   double high_place_;
 };
 
-// Six digits at most, whatever the locale.
-std::string ShortText(double value);
+// Six digits at most, or so many, whatever the locale.
+std::string ShortText(double value, int digits = 6);
 
 }  // namespace kestrindb

@@ -8,6 +8,7 @@
 #include <iostream>
 
 #include "Commands.h"
+#include "Names.h"
 
 namespace kestrindb {
 namespace {
@@ -62,6 +63,25 @@ Json DescribeAxes(const CQtParamInstance& params, const Request& request,
   return json;
 }
 
+// Which side of the axis a value lies at, or "inside".
+const char* SideOf(const CTriggerStore::CInterval& axis, float value) {
+  if (value < axis.start()) return "in front of";
+  return value < axis.stop() || value == axis.start() ? "inside" : "beyond";
+}
+
+// Of each value where it lies beside its axis.
+Json DescribeValues(const CTriggerStore::CIntervals& axes,
+                    const CTriggerStore::CDimensions& values) {
+  Json json = Json::array();
+  for (unsigned dim = 0; dim < CTriggerStore::dimensions_d; ++dim) {
+    if (!values.is_set[dim]) continue;
+    json.push_back({{"dimension", dim},
+                    {"value", ShortNumber(values.value[dim])},
+                    {"side", SideOf(axes.interval[dim], values.value[dim])}});
+  }
+  return json;
+}
+
 // Of each axis that takes part: the index, the middle of the cell, its edge in running direction.
 Json DescribePlaces(const CTriggerStore::CIntervals& axes, std::int64_t cell,
                     std::bitset<CTriggerStore::dimensions_d> shown) {
@@ -88,7 +108,7 @@ Json DescribeTrigger(const CQtParamInstance& params, const Request& request) {
   const int running = store.dimension(*request.mode, request.trigger);
   Json json;
   json["mode"] = *request.mode;
-  json["mode_name"] = Utf8(params.ModeName(*request.mode));
+  json["mode_name"] = StepName(params, *request.mode);
   json["trigger"] = request.trigger;
   json["trigger_name"] = Utf8(params.TriggerName(request.trigger));
   json["running_dimension"] = running == -1 ? Json() : Json(running);
@@ -103,6 +123,7 @@ Json DescribeTrigger(const CQtParamInstance& params, const Request& request) {
     const bool found = CTriggerStore::cell(axes, values, cell, request.clamp);
     const bool found_of_rows =
         store.cell(*request.mode, request.trigger, values, of_rows, request.clamp);
+    json["values"] = DescribeValues(axes, values);
     json["cell"] = found ? Json(cell) : Json();
     json["cell_of_rows"] = found_of_rows ? Json(of_rows) : Json();
     json["places"] = found ? DescribePlaces(axes, cell, values.is_set) : Json::array();
@@ -134,6 +155,11 @@ void PrintTrigger(const Json& json) {
     PrintFacts(width, {{"by rows", cell(json["cell_of_rows"]) +
                                        "  (the table counts from the start of a row, also where "
                                        "that is the upper end)"}});
+  }
+  for (const Json& value : json.value("values", Json::array())) {
+    if (value["side"] == "inside") continue;
+    PrintFacts(width, {{"beside", Cell(value, "value") + " lies " + Cell(value, "side") +
+                                      " the axis of dimension " + Cell(value, "dimension")}});
   }
   if (json["places"].empty()) return;
   std::cout << '\n';

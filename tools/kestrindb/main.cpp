@@ -11,6 +11,7 @@
 #include <iostream>
 
 #include "Commands.h"
+#include "Names.h"
 
 using namespace kestrin;
 
@@ -35,23 +36,25 @@ void AddLanguage(CLI::App& app) {
 // The options of the program, such as --lang, may stand behind a command too.
 void AddCommand(CLI::App& app, const Command& command, Request& request) {
   CLI::App* const added = app.add_subcommand(command.name, command.help)->fallthrough();
+  added->footer("Example:\n  kestrindb " + std::string(command.name) + ' ' + command.example);
   added->add_flag("--json", request.json, "Give the answer as JSON");
   for (Command::Argument* const add : command.arguments) add(*added, request);
 }
 
-Answer AnswerOf(const Command& command, const Request& request) {
+Answer AnswerOf(const Command& command, Request& request) {
   if (const auto* describe = std::get_if<Command::DescribeAlone*>(&command.describe)) {
     return (*describe)(request);
   }
   const DataBase data(request.file);
   data.RequireAccepted();
-  if (request.mode) RequireMode(data.params, *request.mode);
+  for (const auto& resolve : request.resolve) resolve(data.params);
   return {std::get<Command::Describe*>(command.describe)(data.params, request), data.LoadStatus()};
 }
 
-Status Run(const Command& command, const Request& request) {
+Status Run(const Command& command, Request& request) {
   const Answer answer = AnswerOf(command, request);
   if (!request.svg.empty()) command.draw(answer.json, request);
+  if (request.svg == "-") return answer.status;
   if (request.json) {
     std::cout << answer.json.dump(2) << '\n';
   } else {
@@ -61,18 +64,83 @@ Status Run(const Command& command, const Request& request) {
   return answer.status;
 }
 
+// What is wrong with a word that the command doesn't know.
+std::string UnknownWord(const CLI::App& app, const CLI::App& command, const std::string& word) {
+  const std::string help = command.get_name() + " --help";
+  if (!word.starts_with('-')) {
+    return command.get_name() + " has no use for '" + word +
+           "': a name with blanks stands in quotes. See kestrindb " + help + '.';
+  }
+  const std::string option = word.substr(0, word.find('='));
+  std::vector<std::wstring> known;
+  std::string others;
+  for (const CLI::Option* each : command.get_options()) {
+    for (const std::string& name : each->get_lnames()) known.push_back(Wide("--" + name));
+  }
+  for (const CLI::App* other : app.get_subcommands({})) {
+    if (other->get_option_no_throw(option) == nullptr) continue;
+    others += (others.empty() ? "" : ", ") + other->get_name();
+  }
+  return command.get_name() + " has no option " + option +
+         (others.empty() ? "." + Hint(option, known, help)
+                         : ", but " + others + " has. See kestrindb " + help + '.');
+}
+
+// What is wrong with the command line.
+std::string Mistake(const CLI::App& app, const CLI::ParseError& error) {
+  if (app.get_subcommands().empty()) {
+    const std::vector<std::string> words = app.remaining();
+    if (words.empty()) return "A command is needed. See kestrindb --help.";
+    std::vector<std::wstring> known;
+    for (const CLI::App* each : app.get_subcommands({})) known.push_back(Wide(each->get_name()));
+    const bool is_option = words.front().starts_with('-');
+    return std::string(is_option ? "There is no option " : "There is no command ") + words.front() +
+           '.' + Hint(words.front(), known, "--help");
+  }
+  const CLI::App& command = *app.get_subcommands().front();
+  std::vector<std::string> words = command.remaining(true);
+  for (const std::string& word : app.remaining()) words.push_back(word);
+  if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError) && !words.empty()) {
+    const auto option = std::find_if(words.begin(), words.end(),
+                                     [](const std::string& word) { return word[0] == '-'; });
+    return UnknownWord(app, command, option == words.end() ? words.front() : *option);
+  }
+  std::string sentence = error.what();
+  if (!sentence.ends_with('.')) sentence += '.';
+  return sentence + " See kestrindb " + command.get_name() + " --help.";
+}
+
+// `kestrindb help load` is `kestrindb load --help`.
+std::vector<std::string> WordsOf(int argc, char** argv) {
+  std::vector<std::string> words(argv + 1, argv + argc);
+  if (!words.empty() && words.front() == "help") {
+    words.erase(words.begin());
+    words.emplace_back("--help");
+  }
+  std::reverse(words.begin(), words.end());  // as the parser takes them
+  return words;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   try {
     CLI::App app{"Loads and asks lKestrinDb parameter files.", "kestrindb"};
-    app.set_version_flag("--version", "kestrindb " + std::string(LibraryVersion()),
+    app.set_version_flag("-v,--version", "kestrindb " + std::string(LibraryVersion()),
                          "Print the version and exit");
     AddLanguage(app);
     Request request;
     for (const Command& command : Commands()) AddCommand(app, command, request);
     app.require_subcommand(1);
-    CLI11_PARSE(app, argc, argv);
+    app.footer("kestrindb help COMMAND tells what a command takes, with an example.");
+    try {
+      app.parse(WordsOf(argc, argv));
+    } catch (const CLI::Success& told) {
+      return app.exit(told);
+    } catch (const CLI::ParseError& error) {
+      std::cerr << "kestrindb: " << Mistake(app, error) << '\n';
+      return error.get_exit_code();
+    }
     const std::string chosen = app.get_subcommands().front()->get_name();
     return Run(*std::find_if(Commands().begin(), Commands().end(),
                              [&](const Command& command) { return command.name == chosen; }),

@@ -7,6 +7,9 @@
 // from any thread.
 #pragma once
 
+#include <cstddef>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -52,5 +55,12 @@ template <class Character>
 constexpr Character Lower(Character c) {
   return c >= 'A' && c <= 'Z' ? static_cast<Character>(c + ('a' - 'A')) : c;
 }
+
+// Which of the known texts somebody meant who wrote an unknown one: the one that takes the fewest
+// slips, if these are at most a third of its characters, or else the first that holds the text. A
+// slip is a character too much, one too few, a wrong one, or two exchanged; capitals of ASCII are
+// none. Empty if no known text is near.
+KESTRIN_API std::optional<std::size_t> Nearest(std::wstring_view text,
+                                               std::span<const std::wstring> known);
 
 }  // namespace kestrin::Text
