@@ -83,6 +83,33 @@ TEST_F(PickKeys, RowsDropDownsAndButtonsAreWorkedByKeys) {
   EXPECT_EQ(picker.Chosen(), KeyOf({-1, 4, -1, -1, -1, 7}));
 }
 
+TEST_F(PickKeys, ClicksSpaceAndDeleteWorkWhatTheyMeet) {
+  KeyPicker picker(KeyOf({-1, 3, -1, -1, 12, 7}));
+  const ScreenPicture closed = picker.Draw({80, 24});
+  ASSERT_EQ(closed.unknown.size(), 1U) << "sensor 7";
+  EXPECT_EQ(closed.unknown[0].top, 10);
+  picker.Click({6, 10});
+  Press(picker, {Key::escape, Key::del});
+  EXPECT_TRUE(picker.Draw({80, 24}).unknown.empty());
+  picker.Click({6, 6});
+  picker.Type(L"3");
+  EXPECT_EQ(picker.Draw({80, 24}).layers.at(1).lines.at(0).substr(0, 8), L"1 of 1  ");
+  EXPECT_EQ(Shown(picker).at(1), L">│▐Pegel über Zeit▌│");
+  picker.Press(Key::escape);  // one step back: all entries; on a low screen above the row
+  const ScreenPicture low = picker.Draw({80, 13});
+  EXPECT_EQ(low.layers.at(1).lines.at(0).substr(0, 8), L"4 of 5  ");
+  EXPECT_EQ(low.layers.at(2).y, 0);
+  EXPECT_EQ(low.mark.top, 4);
+  picker.Click({20, 1});
+  picker.Type(L" ");
+  picker.Draw({80, 13});
+  picker.Click({0, 0});
+  picker.Press(Key::end);
+  EXPECT_TRUE(picker.IsOpen());
+  picker.Type(L" ");
+  EXPECT_EQ(picker.Chosen(), CClavis());
+}
+
 TEST_F(PickKeys, ASearchTakesBeginningsFirstAndAnyCase) {
   KeyPicker picker{CClavis()};
   picker.Press(Key::down);
@@ -193,7 +220,7 @@ TEST(PickAtTerminal, AnswersWhatTheUserHasConfirmed) {
        "0\nids                   130 2500 -1 -1 -1 -1\nnames only  "},
       {"--bare", "\x1BOF\r", "0\n130 1700 -1 -1 17001 -1\n"},
       {"--json", "\x1BOF\r", "0\n{\n  \"key\": [\n    130,\n    1700,"},
-      {"--ids", "\tOrder spectrum\r\x1B", "3\n"},
+      {"--ids", "\tzz\x1B\x1B\x1B", "3\n"},
       {"", "\x03", "3\n"}};
   for (const auto& [option, keys, answer] : cases) {
     std::vector<std::string> arguments{"130", "1700", "-1", "-1", "17001", "-1", "--lang", "de"};

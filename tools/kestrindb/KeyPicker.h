@@ -2,10 +2,12 @@
 // dialog, pictures come out.
 //
 // One stop of the dialog is marked: a row that takes input, or a button. The arrow keys move the
-// mark, Enter works what is marked. Enter on a row opens its drop-down, and so does a character,
-// which then begins a search: only the entries that hold the text stay, those that begin with it on
-// top, whatever their capitals as far as the program's locale (LC_CTYPE) knows such letters. Escape
-// closes the drop-down, or else the dialog.
+// mark, Enter or Space works what is marked, Delete takes the value of a row away. Enter on a row
+// opens its drop-down, and so does a character, which then begins a search: only the entries that
+// hold the text, or whose ids begin with it, stay, and those on top that begin with it, whatever
+// their capitals as far as the program's locale (LC_CTYPE) knows such letters. Escape takes one
+// step back: it clears the search, closes the drop-down, closes the dialog. A click works what it
+// meets.
 #pragma once
 
 #include <map>
@@ -29,7 +31,8 @@ enum class KeyPress {
   end,
   enter,
   escape,
-  backspace
+  backspace,
+  del
 };
 
 struct ScreenSize {
@@ -46,6 +49,7 @@ struct ScreenPicture {
     kestrin::TextView::Lines lines;
   };
   std::vector<Layer> layers;
+  std::vector<kestrin::CRect> unknown;  // values of which the data base knows no name
   kestrin::CRect mark;
 };
 
@@ -55,14 +59,19 @@ class EntryFinder {
   EntryFinder(const std::map<int, CString>& entries, int selected);
 
   void Type(std::wstring_view text);
-  // The keys that move the mark, and backspace; others do nothing.
+  // The keys that move the mark, backspace and delete; others do nothing.
   void Press(KeyPress key);
+  // Marks the entry that the last picture showed there; false if it showed none.
+  bool MarkAt(kestrin::CPoint place);
 
+  bool HasText() const { return !typed_.empty(); }
   // The id of the marked entry; empty if the search has left none.
   std::optional<int> Marked() const;
+  // "3 of 14"
+  CString PlaceText() const;
 
-  // Adds the list at a place, or as near to it as the screen allows.
-  void Draw(ScreenSize screen, kestrin::CPoint place, ScreenPicture& picture);
+  // Adds the list below a cell, or above it where there is more room and it needs that.
+  void Draw(ScreenSize screen, const kestrin::CRect& cell, ScreenPicture& picture);
 
  private:
   void Search();
@@ -74,6 +83,7 @@ class EntryFinder {
   int width_;
   int page_ = 1;
   int first_shown_ = 0;
+  kestrin::CRect shown_;  // where the last picture showed entries
 };
 
 // Use it on one thread, and one at a time: key editors share the lists of their drop-downs.
@@ -87,6 +97,8 @@ class KeyPicker {
   void Press(KeyPress key);
   // Text without control characters.
   void Type(std::wstring_view text);
+  // At a place of the last picture.
+  void Click(kestrin::CPoint place);
   // As the dialog's close box.
   void Close() { dialog_.Close(); }
 
@@ -110,6 +122,8 @@ class KeyPicker {
   void MoveToButtonBeside(bool right);
   void Open();
   void Choose();
+  bool IsUnknown(int row) const;
+  void Clear();
   ScreenSize DialogSize(ScreenSize screen) const;
 
   CKestrinDialog dialog_;
@@ -119,6 +133,7 @@ class KeyPicker {
   int marked_ = 0;  // index of a stop
   int first_row_ = 0;
   std::optional<EntryFinder> open_;
+  std::vector<std::pair<kestrin::CRect, int>> places_;  // of the stops in the last picture
 };
 
 }  // namespace kestrindb

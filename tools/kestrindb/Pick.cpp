@@ -22,6 +22,7 @@ std::optional<CClavis> LetChoose(const CClavis& key) {
     const Terminal::Input input = terminal.Next();
     if (input.closed) picker.Close();
     if (input.key) picker.Press(*input.key);
+    if (input.click) picker.Click(*input.click);
     picker.Type(input.text);
   }
   return picker.Chosen();

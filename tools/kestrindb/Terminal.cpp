@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <clocale>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -17,7 +18,8 @@ using namespace kestrin;
 namespace kestrindb {
 namespace {
 
-constexpr int escape_delay = 50;  // ms: a longer silence after Esc makes it the key of that name
+constexpr int escape_delay = 50;   // ms: a longer silence after Esc makes it the key of that name
+constexpr short unknown_pair = 1;  // the colours of values without a name
 constexpr wint_t control_c = 3;
 constexpr wint_t backspace = 8;
 constexpr wint_t escape = 27;
@@ -65,6 +67,7 @@ std::optional<KeyPress> KeyOf(int kind, wint_t code) {
       {OK, L'\r', KeyPress::enter},
       {OK, L'\n', KeyPress::enter},
       {OK, escape, KeyPress::escape},
+      {KEY_CODE_YES, KEY_DC, KeyPress::del},
       {KEY_CODE_YES, KEY_BACKSPACE, KeyPress::backspace},
       {OK, backspace, KeyPress::backspace},
       {OK, del, KeyPress::backspace},
@@ -75,14 +78,39 @@ std::optional<KeyPress> KeyOf(int kind, wint_t code) {
   return std::nullopt;
 }
 
-// Reads what the terminal has sent already; false if that is nothing.
-bool SkipPendingInput() {
-  bool any = false;
-  wint_t ignored = 0;
+// What the terminal has sent already; ERR if that is nothing.
+int NextPending(wint_t& character) {
   wtimeout(stdscr, 0);
-  while (get_wch(&ignored) != ERR) any = true;
+  const int kind = get_wch(&character);
   wtimeout(stdscr, -1);
-  return any;
+  return kind;
+}
+
+// A key that curses doesn't know comes as Esc with a sequence behind it, which is taken away here.
+// Anything else behind Esc is a key of its own. False if Esc was Esc.
+bool SkipSequenceBehindEscape() {
+  wint_t character = 0;
+  const int kind = NextPending(character);
+  if (kind == ERR) return false;
+  if (kind == OK && character == L'O') return NextPending(character) != ERR;
+  if (kind == OK && character == L'[') {
+    while (NextPending(character) == OK && (character < L'@' || character > L'~')) {
+    }
+    return true;
+  }
+  kind == OK ? unget_wch(static_cast<wchar_t>(character)) : ungetch(static_cast<int>(character));
+  return false;
+}
+
+// What was done with the mouse; the wheel moves the mark.
+Terminal::Input MouseInput() {
+  Terminal::Input input;
+  MEVENT event{};
+  if (getmouse(&event) != OK) return input;
+  if ((event.bstate & BUTTON1_PRESSED) != 0) input.click = CPoint{event.x, event.y};
+  if ((event.bstate & BUTTON4_PRESSED) != 0) input.key = KeyPress::up;
+  if ((event.bstate & BUTTON5_PRESSED) != 0) input.key = KeyPress::down;
+  return input;
 }
 
 }  // namespace
@@ -104,6 +132,13 @@ Terminal::Terminal() : tty_(std::fopen("/dev/tty", "r+")) {
   noecho();
   nonl();
   keypad(stdscr, TRUE);
+  mouseinterval(0);
+  mousemask(BUTTON1_PRESSED | BUTTON4_PRESSED | BUTTON5_PRESSED, nullptr);
+  const char* const no_color = std::getenv("NO_COLOR");
+  if ((!no_color || *no_color == '\0') && has_colors() && start_color() == OK) {
+    use_default_colors();
+    init_pair(unknown_pair, COLOR_RED, -1);
+  }
 }
 
 void Terminal::EndScreen::operator()(screen* taken) const {
@@ -137,6 +172,9 @@ void Terminal::Show(const ScreenPicture& picture) {
       mvaddwstr(y++, layer.x, WholeCharacters(line, size.width - layer.x).c_str());
     }
   }
+  for (const CRect& cell : picture.unknown) {
+    mvchgat(cell.top, cell.left, cell.Width(), A_NORMAL, unknown_pair, nullptr);
+  }
   const CRect& mark = picture.mark;
   for (int y = mark.top; y < mark.bottom; ++y) {
     mvchgat(y, mark.left, mark.Width(), A_REVERSE, 0, nullptr);
@@ -146,18 +184,26 @@ void Terminal::Show(const ScreenPicture& picture) {
 }
 
 Terminal::Input Terminal::Next() {
-  pollfd terminal{fileno(tty_.get()), POLLIN, 0};
-  if (ppoll(&terminal, 1, nullptr, &resize_signal_.WhileWaiting()) < 0) return {};
   wint_t character = 0;
-  const int kind = get_wch(&character);
-  if (kind == ERR || (kind == OK && character == control_c)) return {{}, {}, true};
-  // A key that curses doesn't know comes as Esc with something behind it, and isn't Esc.
-  if (kind == OK && character == escape && SkipPendingInput()) return {};
-  if (const auto key = KeyOf(kind, character)) return {key, {}, false};
-  if (kind == KEY_CODE_YES || character < L' ') return {};
-  CString typed;
-  Text::AppendCharacter(typed, character);
-  return {{}, typed, false};
+  int kind = NextPending(character);
+  if (kind == ERR) {
+    pollfd terminal{fileno(tty_.get()), POLLIN, 0};
+    if (ppoll(&terminal, 1, nullptr, &resize_signal_.WhileWaiting()) < 0) return {};
+    kind = get_wch(&character);
+  }
+  Input input;
+  if (kind == ERR || (kind == OK && character == control_c)) {
+    input.closed = true;
+  } else if (kind == KEY_CODE_YES && character == KEY_MOUSE) {
+    return MouseInput();
+  } else if (kind == OK && character == escape && SkipSequenceBehindEscape()) {
+    return input;
+  } else if ((input.key = KeyOf(kind, character)) || kind == KEY_CODE_YES || character < L' ') {
+    return input;
+  } else {
+    Text::AppendCharacter(input.text, character);
+  }
+  return input;
 }
 
 }  // namespace kestrindb

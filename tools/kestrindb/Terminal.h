@@ -28,7 +28,8 @@ class Terminal {
 
   struct Input {
     std::optional<KeyPress> key;
-    CString text;         // a character
+    CString text;  // a character
+    std::optional<kestrin::CPoint> click;
     bool closed = false;  // the user interrupts, or the terminal is gone
   };
   // Waits for the user. Empty if only the size has changed, or for a key that nobody needs.
