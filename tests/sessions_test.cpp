@@ -75,7 +75,7 @@ TEST_P(Sessions, ShowWhatIsWritten) {
 
 std::vector<fs::path> Pages() {
   std::vector<fs::path> pages{project / "README.md", project / "docs/concepts.md",
-                              project / "docs/order-definitions.md"};
+                              project / "docs/order-definitions.md", project / "docs/json.md"};
   const fs::directory_iterator files(project / "tests/cases/sessions");
   pages.insert(pages.end(), begin(files), end(files));
   return pages;

@@ -7,7 +7,7 @@
 #include <iostream>
 #include <iterator>
 
-using namespace kestrin;
+#include "Output.h"
 
 namespace kestrindb {
 namespace {
@@ -17,7 +17,22 @@ bool LooksLikeNumber(const std::string& cell) {
          cell.find_first_not_of("0123456789.+-e") == std::string::npos;
 }
 
-int Width(const std::string& cell) { return TextColumns(Wide(cell)); }
+// What two values of a place have in common; "integer or null" if that is no kind.
+Json Merged(Json a, const Json& b) {
+  if (a == b) return a;
+  if (a.is_object() && b.is_object()) {
+    for (const auto& [field, layout] : b.items()) {
+      a[field] = a.contains(field) ? Merged(a[field], layout) : layout;
+    }
+    return a;
+  }
+  if (a.is_array() && b.is_array()) {
+    if (a.empty() || b.empty()) return a.empty() ? b : a;
+    return Json::array({Merged(a[0], b[0])});
+  }
+  const std::string both = CellText(a) + " or " + CellText(b);
+  return CellText(a).find(CellText(b)) == std::string::npos ? Json(both) : a;
+}
 
 }  // namespace
 
@@ -31,8 +46,25 @@ Json ShortNumber(float number) {
   return value;
 }
 
+Json Layout(const Json& value) {
+  Json layout = value;
+  if (value.is_array()) {
+    layout = Json::array();
+    for (const Json& element : value) layout = Merged(layout, Json::array({Layout(element)}));
+  } else if (value.is_object()) {
+    for (auto& [field, part] : layout.items()) part = Layout(part);
+  } else {
+    layout = value.is_string()           ? "text"
+             : value.is_number_integer() ? "integer"
+             : value.is_number()         ? "number"
+             : value.is_boolean()        ? "true or false"
+                                         : "null";
+  }
+  return layout;
+}
+
 std::string WithName(const std::string& id, const std::string& name) {
-  return name.empty() ? id : id + "  " + name;
+  return name.empty() ? id : id + "  " + Painted(name, Colour::name);
 }
 
 std::string CellText(const Json& value) {
@@ -68,11 +100,14 @@ void PrintTable(const Json& records, const std::vector<Column>& columns) {
     const bool of_numbers = std::all_of(cells.begin(), cells.end(), [](const std::string& cell) {
       return cell.empty() || LooksLikeNumber(cell);
     });
-    cells.insert(cells.begin(), column.heading);
+    for (std::string& cell : cells) {
+      if (std::string_view(column.field) == "name") cell = Painted(cell, Colour::name);
+    }
+    cells.insert(cells.begin(), Painted(column.heading, Colour::heading));
     int width = 0;
-    for (const std::string& cell : cells) width = std::max(width, Width(cell));
+    for (const std::string& cell : cells) width = std::max(width, ColumnsOf(cell));
     for (std::size_t i = 0; i < cells.size(); ++i) {
-      const std::string gap(static_cast<std::size_t>(width - Width(cells[i])), ' ');
+      const std::string gap(static_cast<std::size_t>(width - ColumnsOf(cells[i])), ' ');
       const bool to_the_right = of_numbers && i > 0;
       lines[i] += (to_the_right ? gap + cells[i] : cells[i] + gap) + "  ";
     }

@@ -21,6 +21,10 @@ inline std::wstring Wide(std::string_view text) { return kestrin::Text::FromUtf8
 // A float in the fewest digits that read back as the same float. Infinite and NaN are null.
 Json ShortNumber(float number);
 
+// The kinds of values in place of the values, and of each list one element with what all of its
+// elements have.
+Json Layout(const Json& value);
+
 // An id and its name as people read them: "130  Spur 30 Hz low load", or "130" where it has none.
 std::string WithName(const std::string& id, const std::string& name);
 

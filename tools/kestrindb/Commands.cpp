@@ -259,6 +259,13 @@ void TriggerOptions(CLI::App& command, Request& request) {
   command.add_flag("--clamp", request.clamp, "Take values beside an axis for its nearest cell");
 }
 
+void Shell(CLI::App& command, Request& request) {
+  command.add_option("SHELL", request.shell, "The shell")
+      ->required()
+      ->check(CLI::IsMember({"bash", "zsh", "fish"}).description(""))
+      ->type_name("bash|zsh|fish");
+}
+
 }  // namespace
 
 const std::vector<Command>& Commands() {
@@ -310,6 +317,12 @@ const std::vector<Command>& Commands() {
       {"trigger", "The axes of a trigger, the cell of values, the places of a cell",
        "samples/gearbox.par 160 \"Speed and torque\" 1510 20",
        {File, Mode, TriggerOptions}, DescribeTrigger, PrintTrigger},
+      {"completion", "What a shell reads to complete commands and options",
+       "bash",
+       {Shell}, DescribeCompletion, PrintCompletion},
+      {"man", "The manual page; kestrindb man | man -l - shows it",
+       "--json",
+       {}, DescribeManual, PrintManual},
   };
   // clang-format on
   return commands;

@@ -27,6 +27,9 @@ struct Request {
   std::vector<std::function<void(const CQtParamInstance& params)>> resolve;
 
   bool json = false;
+  bool layout = false;                // of the answer as JSON
+  const CLI::App* program = nullptr;  // with all commands
+  std::string shell;
   std::string file;
   std::string svg;             // the picture to draw; "-" for standard output
   std::optional<double> from;  // what its axis shows
@@ -92,13 +95,14 @@ struct Command {
 const std::vector<Command>& Commands();
 
 // The functions of the table.
-Command::DescribeAlone DescribeLoad, DescribeTables, DescribeCheck, DescribeOrder;
+Command::DescribeAlone DescribeLoad, DescribeTables, DescribeCheck, DescribeOrder,
+    DescribeCompletion, DescribeManual;
 Command::Describe DescribeNames, DescribeDump, DescribeMode, DescribeKey, DescribePick,
     DescribeChannel, DescribeRotors, DescribeCalc, DescribeIntervals, DescribePolygon,
     DescribeTrigger;
 Command::Print PrintLoad, PrintNames, PrintDump, PrintTables, PrintCheck, PrintMode, PrintKey,
     PrintPick, PrintChannel, PrintRotors, PrintCalc, PrintOrder, PrintIntervals, PrintPolygon,
-    PrintTrigger;
+    PrintTrigger, PrintCompletion, PrintManual;
 Command::Draw DrawIntervals, DrawPolygon;
 
 }  // namespace kestrindb

@@ -12,6 +12,7 @@
 
 #include "Commands.h"
 #include "Names.h"
+#include "Output.h"
 
 using namespace kestrin;
 
@@ -22,14 +23,15 @@ using namespace kestrindb;
 void AddLanguage(CLI::App& app) {
   std::string tags;
   for (const Language& language : Languages()) {
-    tags += (tags.empty() ? "" : ", ") + std::string(language.tag);
+    tags += (tags.empty() ? "" : "|") + std::string(language.tag);
   }
   app.add_option_function<std::string>(
          "--lang", [](const std::string& tag) { SetUserLanguage(tag); },
-         "Language of the library's texts: " + tags + "; without it that of the environment")
+         "Language of the library's texts; without it that of the environment")
+      ->type_name(tags)
       ->check([tags](const std::string& tag) {
         return FindLanguage(tag) ? std::string()
-                                 : "There is no language '" + tag + "', only " + tags + ".";
+                                 : "there is no language '" + tag + "', only " + tags;
       });
 }
 
@@ -38,6 +40,8 @@ void AddCommand(CLI::App& app, const Command& command, Request& request) {
   CLI::App* const added = app.add_subcommand(command.name, command.help)->fallthrough();
   added->footer("Example:\n  kestrindb " + std::string(command.name) + ' ' + command.example);
   added->add_flag("--json", request.json, "Give the answer as JSON");
+  added->add_flag("--layout", request.layout,
+                  "Give the layout of that JSON, with kinds for values");
   for (Command::Argument* const add : command.arguments) add(*added, request);
 }
 
@@ -55,11 +59,13 @@ Status Run(const Command& command, Request& request) {
   const Answer answer = AnswerOf(command, request);
   if (!request.svg.empty()) command.draw(answer.json, request);
   if (request.svg == "-") return answer.status;
-  if (request.json) {
-    std::cout << answer.json.dump(2) << '\n';
-  } else {
-    command.print(answer.json);
-  }
+  PrintByPages([&] {
+    if (request.json) {
+      std::cout << (request.layout ? Layout(answer.json) : answer.json).dump(2) << '\n';
+    } else {
+      command.print(answer.json);
+    }
+  });
   if (!std::cout.flush()) throw Failure(file_unusable, "The answer can't be written.");
   return answer.status;
 }
@@ -110,6 +116,10 @@ std::string Mistake(const CLI::App& app, const CLI::ParseError& error) {
   return sentence + " See kestrindb " + command.get_name() + " --help.";
 }
 
+void Complain(const std::string& sentence) {
+  std::cerr << PaintedForErrors("kestrindb:", Colour::error) << ' ' << sentence << '\n';
+}
+
 // `kestrindb help load` is `kestrindb load --help`.
 std::vector<std::string> WordsOf(int argc, char** argv) {
   std::vector<std::string> words(argv + 1, argv + argc);
@@ -130,6 +140,7 @@ int main(int argc, char** argv) {
                          "Print the version and exit");
     AddLanguage(app);
     Request request;
+    request.program = &app;
     for (const Command& command : Commands()) AddCommand(app, command, request);
     app.require_subcommand(1);
     app.footer("kestrindb help COMMAND tells what a command takes, with an example.");
@@ -138,18 +149,19 @@ int main(int argc, char** argv) {
     } catch (const CLI::Success& told) {
       return app.exit(told);
     } catch (const CLI::ParseError& error) {
-      std::cerr << "kestrindb: " << Mistake(app, error) << '\n';
+      Complain(Mistake(app, error));
       return error.get_exit_code();
     }
+    request.json = request.json || request.layout;
     const std::string chosen = app.get_subcommands().front()->get_name();
     return Run(*std::find_if(Commands().begin(), Commands().end(),
                              [&](const Command& command) { return command.name == chosen; }),
                request);
   } catch (const Failure& failure) {
-    if (*failure.what() != '\0') std::cerr << "kestrindb: " << failure.what() << '\n';
+    if (*failure.what() != '\0') Complain(failure.what());
     return failure.status;
   } catch (const std::exception& error) {
-    std::cerr << "kestrindb: " << error.what() << '\n';
+    Complain(error.what());
     return data_bad;
   }
 }
