@@ -80,8 +80,12 @@ std::string UnknownWord(const CLI::App& app, const CLI::App& command, const std:
   const std::string option = word.substr(0, word.find('='));
   std::vector<std::wstring> known;
   std::string others;
-  for (const CLI::Option* each : command.get_options()) {
-    for (const std::string& name : each->get_lnames()) known.push_back(Wide("--" + name));
+  std::vector<const CLI::App*> groups{&command};
+  for (const CLI::App* group : command.get_subcommands({})) groups.push_back(group);
+  for (const CLI::App* group : groups) {
+    for (const CLI::Option* each : group->get_options()) {
+      for (const std::string& name : each->get_lnames()) known.push_back(Wide("--" + name));
+    }
   }
   for (const CLI::App* other : app.get_subcommands({})) {
     if (other->get_option_no_throw(option) == nullptr) continue;
@@ -106,10 +110,14 @@ std::string Mistake(const CLI::App& app, const CLI::ParseError& error) {
   const CLI::App& command = *app.get_subcommands().front();
   std::vector<std::string> words = command.remaining(true);
   for (const std::string& word : app.remaining()) words.push_back(word);
+  const auto option = std::find_if(words.begin(), words.end(),
+                                   [](const std::string& word) { return word[0] == '-'; });
+  // What is missing may be behind an option that nobody knows.
+  if (option != words.end() && !command.get_allow_extras()) {
+    return UnknownWord(app, command, *option);
+  }
   if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError) && !words.empty()) {
-    const auto option = std::find_if(words.begin(), words.end(),
-                                     [](const std::string& word) { return word[0] == '-'; });
-    return UnknownWord(app, command, option == words.end() ? words.front() : *option);
+    return UnknownWord(app, command, words.front());
   }
   std::string sentence = error.what();
   if (!sentence.ends_with('.')) sentence += '.';
@@ -143,7 +151,9 @@ int main(int argc, char** argv) {
     request.program = &app;
     for (const Command& command : Commands()) AddCommand(app, command, request);
     app.require_subcommand(1);
-    app.footer("kestrindb help COMMAND tells what a command takes, with an example.");
+    app.footer(
+        "Example:\n  kestrindb load samples/gearbox.par\n\n"
+        "kestrindb help COMMAND tells what a command takes, with an example.");
     try {
       app.parse(WordsOf(argc, argv));
     } catch (const CLI::Success& told) {
