@@ -13,6 +13,7 @@
 #include "frame/QtParamDerived.h"
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
+#include "interfaces/sea/LogListener.h"
 #include "interfaces/sea/PrWin.h"
 #include "queries/QtChannelInfo.h"
 #include "tables/FieldOr.h"
@@ -31,6 +32,8 @@ class ClosedChains {
     std::rotate(chain.begin(), std::min_element(chain.begin(), chain.end()), chain.end());
     const auto [reported, is_new] = chains_.insert(std::move(chain));
     if (!is_new) return;
+    const int key[] = {reported->front(), mode};
+    const LogSubject subject(L"<TChannelInheritance>", key);
     PrWin::Output(PrWin::category_data_base, PrWin::style_info,
                   L"CQtChannelInfo::BuildBaseChannelLookup(): Parameter database: Channel %d "
                   L"inherits from itself in Mode %d, over %d channel(s), ending the walk there\n",

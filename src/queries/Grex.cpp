@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "frame/QtParamStore.h"
+#include "interfaces/sea/LogListener.h"
 #include "interfaces/sea/PrWin.h"
 
 using namespace kestrin;
@@ -123,6 +124,7 @@ void CGrexInfo::ExpandWildcards() {
       if (is_first) {
         IpTrackPolygon.try_emplace(IpTrackPolygon.end(), listed, record);
       } else {
+        const LogSubject subject(L"<TIpParamAndStore>", listed.id);
         PrWin::Output(L"CGrexInfo::Init(): ambiguous keys while trying to expand wildcards\n",
                       PrWin::category_data_base, PrWin::style_info);
       }

@@ -4,10 +4,13 @@
 #include "frame/QtParamDerived.h"
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
+#include "interfaces/sea/LogListener.h"
 #include "interfaces/sea/PrWin.h"
 #include "queries/QtChannelInfo.h"
 #include "queries/QtRotorInfo.h"
 #include "queries/QtSpeedInfo.h"
+
+using namespace kestrin;
 
 namespace {
 
@@ -34,6 +37,7 @@ void CQtRotorInfo::Build() {
     const int order_source = key[0];
     const int phys_mode = key[1];
     if (!speed_info_->BaseOrderOf(speed_info_->PhysicalGearOf(phys_mode, order_source))) {
+      const LogSubject subject(L"<TOrderSource2Rotor>", key.id);
       LogMissingBaseOrder(row.ref, phys_mode);
       continue;
     }

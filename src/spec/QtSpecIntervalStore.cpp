@@ -8,6 +8,7 @@
 
 #include "catalogue/IpCalcParameter.h"
 #include "frame/QtParamStore.h"
+#include "interfaces/sea/LogListener.h"
 #include "interfaces/sea/PrWin.h"
 #include "tables/FieldOr.h"
 
@@ -55,6 +56,8 @@ void CQtSpecIntervalStore::Load(unsigned nr_orders) {
     if (!interpretations_.Read(record.interpretation, id)) continue;
     if (!references_.Read(record.reference, id)) continue;
     ip_sv_of_spec_.insert_or_assign(id, record);
+    const int key[] = {id, QVIpCalcParameter::definition};
+    const LogSubject subject(L"<TIpCalcParameter>", key);
     ProcessTables(id, text, nr_orders);
   }
 }

@@ -24,6 +24,7 @@
 #include <utility>
 
 #include "interfaces/Export.h"
+#include "interfaces/sea/LogListener.h"
 #include "interfaces/sea/PrWin.h"
 #include "interfaces/sea/ResourceSea.h"
 #include "keys/IndexRecords.h"
@@ -137,7 +138,9 @@ bool CQParamSeaTypedTable<Map>::ReadLines(Logged logged, Next next) {
   const auto value_fields = TableType::Refs(value);
   kestrin::RowCollector<Map> rows(*this);
   bool all_well = true;
+  kestrin::LogSubject subject(this->name);
   while (const std::wstring* line = next()) {
+    subject.line = line;
     std::wstring_view rest = *line;
     if (!kestrin::RowText::Read(key_fields, rest) || !kestrin::RowText::Read(value_fields, rest)) {
       DynTables::log_error(L"CQParamSeaTypedTable< T >::ReadTable()", this->name,

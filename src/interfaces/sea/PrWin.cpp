@@ -17,9 +17,11 @@
 #include <cwchar>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <utility>
 
+#include "interfaces/sea/LogListener.h"
 #include "interfaces/text/Text.h"
 
 using namespace kestrin;
@@ -81,7 +83,8 @@ Outlet<AnySink>& OutletFor() {
   return *outlet;
 }
 
-void OutputText(std::wstring_view text, Category category, Style style) noexcept {
+void OutputText(std::wstring_view text, Category category, Style style) {
+  if (LogListener::Tell(text)) return;
   OutletFor<Sink>().Put(WriteToStandardError, text, category, style);
 }
 
@@ -118,14 +121,14 @@ std::wstring Format(const wchar_t* format, std::va_list arguments) {
   return ok ? std::wstring(text, length) : std::wstring(format);
 }
 
-void OutputFormat(Category category, Style style, const wchar_t* format,
-                  std::va_list arguments) noexcept {
+void OutputFormat(Category category, Style style, const wchar_t* format, std::va_list arguments) {
   if (!format) return OutputText({}, category, style);
+  std::optional<std::wstring> text;
   try {
-    OutputText(Format(format, arguments), category, style);
-  } catch (...) {
-    OutputText(format, category, style);  // no memory for the arguments
+    text = Format(format, arguments);
+  } catch (...) {  // NOLINT(bugprone-empty-catch): no memory for the arguments
   }
+  OutputText(text ? std::wstring_view(*text) : format, category, style);
 }
 
 bool TraceIsWanted() {
