@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 
+#include "frame/LoadForInspection.h"
 #include "frame/QtParamDerived.h"
 #include "interfaces/text/Number.h"
 #include "lake/Lake.h"
@@ -57,6 +58,10 @@ bool CQtParamDistillery::ReadTablesFromCandidateLake() {
     return false;
   }
   time_signal_id = FindTimeSignal(*this);
+  return Complete();
+}
+
+bool CQtParamDistillery::Complete() {
   derived_->Build();
   if (!derived_->CompleteRelativeLimitKeys()) {
     last_refusal_ = UnknownParameter(*this);
@@ -64,6 +69,12 @@ bool CQtParamDistillery::ReadTablesFromCandidateLake() {
   }
   initialized_ = true;
   return true;
+}
+
+void kestrin::LoadForInspection::Run(CQtParamDistillery& data, const CLake& lake) {
+  data.Clear();
+  data.ReadTables(lake);
+  static_cast<void>(data.Complete());
 }
 
 int CQtParamDistillery::TimeSignalId() { return time_signal_id; }

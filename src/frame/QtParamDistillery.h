@@ -44,6 +44,10 @@ class KESTRIN_API CQtParamDistillery : public CQtParamStore {
 
  private:
   friend class CQtParamInstance;
+  friend struct kestrin::LoadForInspection;
+
+  // Derives what the tables don't hold; false if a relative limit names an unknown parameter.
+  bool Complete();
 
   std::unique_ptr<CQtParamDerived> derived_;  // never null
   bool initialized_ = false;

@@ -20,7 +20,7 @@ CString CutName(std::wstring_view value) {
   return {value.begin(), std::find_if(word, value.end(), Text::IsSpace)};
 }
 
-CString ReadName(CLake& lake, const wchar_t* key) { return CutName(std::wstring(lake[key])); }
+CString ReadName(const CLake& lake, const wchar_t* key) { return CutName(std::wstring(lake[key])); }
 
 }  // namespace
 
@@ -66,12 +66,20 @@ void CQtParamStore::PurgeTables() {
 
 bool CQtParamStore::ReadTablesFromCandidateLake() {
   if (!manager_->ReadTablesFromCandidateLake()) return false;
-  CLake& lake = CParameterLake::Lake();
-  learn_archive_name_ = ReadName(lake, L"<QLearn><FLearnArcName>");
-  calibration_file_name_ = ReadName(lake, L"<QCalib><FCalibFileName>");
-  type_base_name_ = ReadName(lake, L"<QType><FBaseName>");
-  type_alias_name_ = ReadName(lake, L"<QType><FAliasName>");
+  ReadNames(CParameterLake::Lake());
   return true;
+}
+
+void CQtParamStore::ReadTables(const CLake& lake) {
+  manager_->ReadTables(lake);
+  ReadNames(lake);
+}
+
+void CQtParamStore::ReadNames(const CLake& lake) {
+  learn_archive_name_ = ReadName(lake, learn_file_key);
+  calibration_file_name_ = ReadName(lake, calib_file_key);
+  type_base_name_ = ReadName(lake, base_type_key);
+  type_alias_name_ = ReadName(lake, alias_type_key);
 }
 
 void CQtParamStore::WriteTablesToLocalSeas() const { manager_->WriteTablesToLocalSeas(); }

@@ -13,8 +13,20 @@
 #include "interfaces/Export.h"
 #include "interfaces/text/Text.h"
 
+class CLake;
+
+namespace kestrin {
+struct LoadForInspection;
+}
+
 class KESTRIN_API CQtParamStore {
  public:
+  // The lines that name the four documents.
+  static constexpr const wchar_t* base_type_key = L"<QType><FBaseName>";
+  static constexpr const wchar_t* alias_type_key = L"<QType><FAliasName>";
+  static constexpr const wchar_t* calib_file_key = L"<QCalib><FCalibFileName>";
+  static constexpr const wchar_t* learn_file_key = L"<QLearn><FLearnArcName>";
+
   // All tables empty. Asks for the application sea once.
   CQtParamStore();
   ~CQtParamStore();
@@ -52,6 +64,12 @@ class KESTRIN_API CQtParamStore {
   const CString& AliasType() const { return type_alias_name_; }
 
  private:
+  friend struct kestrin::LoadForInspection;
+
+  // The tables and the four names of any lake, whatever its version.
+  void ReadTables(const CLake& lake);
+  void ReadNames(const CLake& lake);
+
   void RegisterTables();
 
   kestrin::tables::Members<kestrin::tables::All> tables_;

@@ -48,17 +48,21 @@ kestrin::Refusal CQTableManager::WhyRefused(const CLake& lake) {
   const auto major = lake[major_key];
   const auto minor = lake[minor_key];
   if (major == supported_major && minor >= least_minor) return {};
-  std::wstring text = L"Version ";
-  AppendVersion(text, major, minor);
-  text.append(L" is refused: ").append(major_key).append(L" must be ");
-  Number::Append(text, supported_major);
-  text.append(L", and ").append(minor_key).append(L" at least ");
-  Number::Append(text, least_minor);
-  if (!major.exists() || !minor.exists()) {
-    return {Refusal::no_version, text.append(L"; a line is missing.")};
-  }
+  const bool is_told = major.exists() && minor.exists();
   const bool too_high = int{major} > supported_major;
-  return {too_high ? Refusal::version_too_high : Refusal::version_too_low, text.append(L".")};
+  std::wstring text = L"A version line is missing";
+  if (is_told) {
+    text = L"Version ";
+    AppendVersion(text, major, minor);
+    text.append(too_high ? L" is too high" : L" is too low");
+  }
+  text.append(L": the file must say ").append(major_key).append(L": ");
+  Number::Append(text, supported_major);
+  text.append(L" and ").append(minor_key).append(L": ");
+  Number::Append(text, least_minor);
+  text.append(L" or more.");
+  if (!is_told) return {Refusal::no_version, text};
+  return {too_high ? Refusal::version_too_high : Refusal::version_too_low, text};
 }
 
 CQTableManager::CQTableManager() { tables_.reserve(expected_tables); }
@@ -81,15 +85,21 @@ void CQTableManager::PurgeTables() {
 }
 
 bool CQTableManager::ReadTablesFromCandidateLake() {
-  CLake& lake = CParameterLake::Lake();
+  const CLake& lake = CParameterLake::Lake();
   if (const kestrin::Refusal refusal = WhyRefused(lake)) {
     if (refusal.reason != kestrin::Refusal::empty_lake) {
       LogRefusal(lake[major_key], lake[minor_key]);
     }
     return false;
   }
-  for (CQParamSeaTable* table : tables_) table->ReadTable(lake);
+  ReadTables(lake);
   return true;
+}
+
+void CQTableManager::ReadTables(const CLake& lake) {
+  // A table is handed a lake that it could change, and doesn't.
+  auto& same_lake = const_cast<CLake&>(lake);
+  for (CQParamSeaTable* table : tables_) table->ReadTable(same_lake);
 }
 
 void CQTableManager::WriteTablesToLocalSeas() const {

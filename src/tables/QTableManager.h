@@ -69,5 +69,10 @@ class KESTRIN_API CQTableManager {
   void DumpTables(int limit) const;
 
  private:
+  friend class CQtParamStore;
+
+  // Reads every table from any lake, whatever its version.
+  void ReadTables(const CLake& lake);
+
   std::vector<CQParamSeaTable*> tables_;
 };
