@@ -197,6 +197,48 @@ TableInfo Describe(int making_place) {
       }};
 }
 
+// The fields that hold ids, of one table or, without a section, of all that have a field so named.
+struct IdField {
+  const char* section;
+  const char* name;
+  IdKind kind;
+};
+constexpr IdField id_fields[] = {
+    {"<TChannelInheritance>", "ref", IdKind::channel},
+    {"<TVirtual2PhysGear>", "ref", IdKind::phys_gear},
+    {"<TSpeedSource>", "ref", IdKind::sensor},
+    {"<TRotorSpeedSource>", "ref", IdKind::speed_source},
+    {"<TOrderSource2Rotor>", "ref", IdKind::rotor},
+    {"<TRetype>", "ref", IdKind::type},
+    {"<TModeTranslate>", "id", IdKind::mode},
+    {nullptr, "mode", IdKind::mode},
+    {nullptr, "instrument", IdKind::instrument},
+    {nullptr, "channel", IdKind::channel},
+    {nullptr, "location", IdKind::location},
+    {nullptr, "parameter", IdKind::parameter},
+    {nullptr, "sensor", IdKind::sensor},
+    {nullptr, "signal", IdKind::sensor},
+    {nullptr, "phys_mode", IdKind::phys_mode},
+    {nullptr, "trigger", IdKind::trigger},
+    {nullptr, "speed_source", IdKind::speed_source},
+    {nullptr, "rotor", IdKind::rotor},
+    {nullptr, "phys_gear", IdKind::phys_gear},
+    {nullptr, "sensor_group", IdKind::sensor_group},
+    {nullptr, "type", IdKind::type},
+    {nullptr, "polygon", IdKind::polygon},
+    {nullptr, "polygon_id", IdKind::polygon_points},
+};
+
+void TellIds(const std::string& section, std::vector<FieldInfo>& fields) {
+  for (FieldInfo& field : fields) {
+    const auto* const found =
+        std::find_if(std::begin(id_fields), std::end(id_fields), [&](const IdField& ids) {
+          return field.name == ids.name && (ids.section == nullptr || section == ids.section);
+        });
+    if (found != std::end(id_fields)) field.id = found->kind;
+  }
+}
+
 std::vector<TableInfo> DescribeAll() {
   std::vector<TableInfo> tables;
   tables::All::ForEach([&](auto entry) {
@@ -205,6 +247,10 @@ std::vector<TableInfo> DescribeAll() {
   std::sort(tables.begin(), tables.end(), [](const TableInfo& a, const TableInfo& b) {
     return a.reading_place < b.reading_place;
   });
+  for (TableInfo& table : tables) {
+    TellIds(table.section, table.key);
+    TellIds(table.section, table.row);
+  }
   return tables;
 }
 
@@ -269,6 +315,28 @@ const TableInfo* Find(std::string_view section) { return FindIn(Tables(), sectio
 const RowsInfo* FindRows(std::string_view section) {
   const RowsInfo* const table = Find(section);
   return table != nullptr ? table : FindIn(DerivedTables(), section);
+}
+
+const IdHome& HomeOf(IdKind kind) {
+  // In the order of the enumeration.
+  static constexpr IdHome homes[] = {
+      {"test step", "<TMode>", 0},
+      {"instrument", "<TInstrument>", 0},
+      {"channel", "<TChannel>", 0},
+      {"object", "<TLocation>", 0},
+      {"parameter", "<TInstrumentParam>", 0},
+      {"signal", "<TApplicationSignal>", 0},
+      {"physical mode", "<TPhysMode>", 0},
+      {"trigger", "<TTrigger>", 0},
+      {"speed source", "<TSpeedSource>", 0},
+      {"rotor", "<TRotorSpeed>", 1},
+      {"physical gear", "<TBaseOrder>", 0},
+      {"sensor group", "<TSensorGroup>", 0},
+      {"test type", "<TAliasType>", 0},
+      {"polygon", "<TIpPolygon>", 0},
+      {"polygon", "<TIpPolygonValue>", 0},
+  };
+  return homes[static_cast<std::size_t>(kind)];
 }
 
 const char* KindName(TableType::FieldKind kind) {

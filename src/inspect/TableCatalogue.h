@@ -22,10 +22,41 @@ class CQtParamDistillery;
 
 namespace kestrin::TableCatalogue {
 
+// What an id stands for. The first six are the elements of a key, in the order of Clavis::qOrder.
+enum class IdKind {
+  mode,
+  instrument,
+  channel,
+  location,
+  parameter,
+  sensor,
+  phys_mode,
+  trigger,
+  speed_source,
+  rotor,
+  phys_gear,
+  sensor_group,
+  type,
+  polygon,
+  polygon_points,
+  none,  // no id, or one of the programs that load the library
+};
+
+// Where ids of a kind are at home: they are known if a row has them in that field of its key.
+struct IdHome {
+  const char* what;  // as people say: "test step"
+  const char* section;
+  std::size_t key_field;
+};
+
+// Not for IdKind::none.
+KESTRIN_API const IdHome& HomeOf(IdKind kind);
+
 struct FieldInfo {
   std::string name;  // unique in its table
   TableType::FieldKind kind;
   std::string default_text;  // value of the field in a new row; "-1 ... -1" of a key
+  IdKind id = IdKind::none;  // what it points at; a key's six elements are not told here
 };
 
 // Takes the values of a row in the order of its columns. They stand in the data base: good until a
