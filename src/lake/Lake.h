@@ -109,6 +109,14 @@ class KESTRIN_API CLake {
   std::unique_ptr<NodeList> nodes_;  // the root, then the lines; nodes know the list by its place
 };
 
+namespace kestrin {
+
+// CLake::read of bytes that somebody has read already, from a pipe for instance. The file name is
+// stored.
+KESTRIN_API bool ReadLake(CLake& lake, std::string_view bytes, const CString& filename);
+
+}  // namespace kestrin
+
 // A line, or the root. A node belongs to the list of one lake; a copy of a node alone still points
 // into that list, so lines are copied from lake to lake by the lake and never node by node.
 class KESTRIN_API CLake::CNode {

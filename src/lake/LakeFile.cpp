@@ -48,11 +48,11 @@ Refusal Refused(Refusal::Reason reason, const CString& file, std::wstring_view w
 }
 
 Refusal Unopened(const CString& file, int error) {
-  if (error == ENOENT) return Refused(Refusal::missing_file, file, L"doesn't exist.");
-  if (error == EISDIR) return Refused(Refusal::folder, file, L"is a folder.");
-  if (error == EACCES) return Refused(Refusal::no_right, file, L"may not be read.");
-  return Refused(Refusal::unopened, file,
-                 L"can't be opened: " + Text::FromUtf8(ReasonOf(error)) + L".");
+  const Refusal::Reason reason = error == ENOENT   ? Refusal::missing_file
+                                 : error == EISDIR ? Refusal::folder
+                                 : error == EACCES ? Refusal::no_right
+                                                   : Refusal::unopened;
+  return Refused(reason, file, Text::FromUtf8(WhyUnopened(error)) + L".");
 }
 
 }  // namespace
@@ -211,8 +211,9 @@ bool LakeReader::read(CLake& lake, const Source& source) {
     marked =
         have >= utf8_mark.size() && std::equal(utf8_mark.begin(), utf8_mark.end(), block.begin());
     if (!marked) {
-      lake.last_refusal_ =
-          Refused(Refusal::broken_mark, lake.filename_, L"begins with a broken UTF-8 mark.", 1);
+      lake.last_refusal_ = Refused(
+          Refusal::broken_mark, lake.filename_,
+          L"begins with a broken UTF-8 mark. Save the file as UTF-8 with a byte order mark.", 1);
       return false;
     }
   }
@@ -250,6 +251,20 @@ bool LakeReader::read(CLake& lake, const Source& source) {
   }
   lake.nodes_ = std::move(nodes);
   return sound;
+}
+
+bool LakeReader::read(CLake& lake, const Source& source, const CString& filename) {
+  lake.filename_ = filename;
+  return read(lake, source);
+}
+
+bool kestrin::ReadLake(CLake& lake, std::string_view bytes, const CString& filename) {
+  const auto source = [&bytes](std::span<char> block) -> std::optional<std::size_t> {
+    const std::size_t count = bytes.copy(block.data(), block.size());
+    bytes.remove_prefix(count);
+    return count;
+  };
+  return LakeReader::read(lake, source, filename);
 }
 
 bool CLake::read(const CString& filename) {

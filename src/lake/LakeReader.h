@@ -32,4 +32,6 @@ struct kestrin::LakeReader {
 
   // Replaces the lake's lines, with the results of `CLake::read`.
   static bool read(CLake& lake, const Source& source);
+  // The same with the name of what is read.
+  static bool read(CLake& lake, const Source& source, const CString& filename);
 };

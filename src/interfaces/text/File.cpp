@@ -58,9 +58,18 @@ std::string kestrin::ReasonOf(int error) {
   return text != nullptr ? text : "error " + std::to_string(error);
 }
 
+std::string kestrin::WhyUnopened(int error) {
+  if (error == ENOENT) return "doesn't exist";
+  if (error == EISDIR) return "is a folder";
+  if (error == EACCES) return "may not be read";
+  return "can't be opened: " + ReasonOf(error);
+}
+
 std::string kestrin::ReadFile(const CString& name) {
   const FilePointer file = OpenFile(name, "rbe");
-  if (!file) Fail(name, "can't be opened");
+  if (!file) {
+    throw CFileException("The file '" + Text::ToUtf8(name) + "' " + WhyUnopened(errno) + ".");
+  }
   std::string bytes;
   std::array<char, 16384> piece;
   while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), file.get())) {
