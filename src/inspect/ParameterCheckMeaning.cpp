@@ -1,0 +1,290 @@
+// What rows mean together. The data base that was loaded from the lake knows: its derived tables,
+// the log of their making, and the operations that hosts ask are what is looked at here.
+
+#include <algorithm>
+#include <array>
+#include <list>
+#include <optional>
+#include <set>
+
+#include "frame/QtParamDerived.h"
+#include "frame/QtParamInstance.h"
+#include "inspect/ParameterCheckRun.h"
+#include "interfaces/signal/Clavis.h"
+#include "interfaces/text/Text.h"
+#include "spec/OrderInterpreter.h"
+#include "tables/FieldOr.h"
+#include "trigger/TriggerStore.h"
+
+namespace kestrin::ParameterCheck {
+namespace {
+
+constexpr const char* calc_parameters = "<TIpCalcParameter>";
+constexpr unsigned max_positions = CQtSpecIntervalStore::max_orders;
+
+using Positions = std::array<QVSpecIntervalEntry::Definition, max_positions>;
+
+std::string Number(int id) { return std::to_string(id); }
+
+class MeaningCheck {
+ public:
+  explicit MeaningCheck(Run& run) : run_(run), params_(&run.data) {}
+
+  void CheckLogged(const LoggedRow& row) {
+    const std::string& section = row.section;
+    if (section == calc_parameters) CheckRefusedDefinition(row.key[0]);
+    if (section == "<TOrderSource2Rotor>") TellNoBaseOrder(row.key[0], row.key[1]);
+    if (section == "<TChannelInheritance>") TellClosedChannels(row.key[0], row.key[1]);
+    if (section == "<TIpParamAndStore>") TellAmbiguousPolygon(QClavis(CClavis(row.key.data())));
+  }
+
+  void CheckTables() {
+    CheckNames();
+    for (const auto& [key, row] : params_.IpCalcParameter()) {
+      CheckNumber(key[0], key[1]);
+      if (key[1] == QVIpCalcParameter::trigger) CheckTrigger(key[0], row);
+      if (key[1] == QVIpCalcParameter::definition) CheckDefinition(key[0], row.ValueText());
+      if (key[1] == QVIpCalcParameter::base_order_reference) CheckOrderSource(key[0], row);
+    }
+    CheckAxes();
+  }
+
+ private:
+  Finding* Tell(Kind kind, const char* section, std::span<const int> key, std::string message) {
+    Finding* const finding = run_.findings.Add(kind, run_.LineOf(section, key), section);
+    if (finding != nullptr) finding->message = std::move(message);
+    return finding;
+  }
+  Finding* Tell(Kind kind, const char* section, std::initializer_list<int> key,
+                std::string message) {
+    return Tell(kind, section, std::span(key.begin(), key.size()), std::move(message));
+  }
+
+  // ---- order definitions ----
+
+  Finding* TellDefinition(Kind kind, int parameter, std::string message) {
+    return Tell(kind, calc_parameters, {parameter, QVIpCalcParameter::definition},
+                std::move(message));
+  }
+
+  const wchar_t* Definition(int parameter) const {
+    const wchar_t* const text = params_.SpecIntervalDefinition(static_cast<unsigned>(parameter));
+    return text != nullptr ? text : L"";
+  }
+
+  void CheckRefusedDefinition(int parameter) {
+    const wchar_t* const text = Definition(parameter);
+    Positions positions;
+    const auto reading = OrderInterpreter::Interpret(text, positions.data(), max_positions);
+    const auto& error = reading.error;
+    if (error.reason == OrderInterpreter::Reason::none) {
+      TellDefinition(Kind::odd_definition, parameter,
+                     "the definition " + Quoted(text) + " has " + std::to_string(reading.count) +
+                         " positions, and only pairs make intervals: the parameter has none. Add "
+                         "the position that is missing");
+      return;
+    }
+    TellDefinition(Kind::bad_definition, parameter,
+                   "the definition " + Quoted(text) + " has an error at its character " +
+                       std::to_string(error.offset + 1) + ", " +
+                       Quoted(std::wstring_view(text).substr(error.offset)) + ": " +
+                       Text::ToUtf8(OrderInterpreter::ReasonText(error.reason)) +
+                       "; the parameter has no interval");
+  }
+
+  void CheckDefinition(int parameter, const wchar_t* text) {
+    const auto passed = OrderInterpreter::FindPassedOver(text, max_positions);
+    if (passed.dropped != 0) {
+      TellDefinition(Kind::cut_definition, parameter,
+                     "a definition holds " + std::to_string(max_positions) + " positions; the " +
+                         std::to_string(passed.dropped) + " behind them are dropped");
+    }
+    std::string unread;
+    for (const auto& passage : passed.unread) {
+      unread += (unread.empty() ? "" : ", ") +
+                Quoted(std::wstring_view(text).substr(passage.offset, passage.length));
+    }
+    if (!unread.empty()) {
+      TellDefinition(Kind::unread_in_definition, parameter,
+                     "of the definition " + Quoted(text) + " nothing reads " + unread +
+                         ". The letters are F, O, M, L and H, in capitals");
+    }
+    const auto [first, last] = params_.SpecIntervalRange(static_cast<unsigned>(parameter));
+    const auto reversed =
+        std::find_if(first, last, [](const auto& interval) { return IsReversed(interval.second); });
+    if (reversed == last) return;
+    const int number = reversed->first[1] / 2 + 1;
+    TellDefinition(Kind::reversed_definition, parameter,
+                   "interval " + Number(number) + " of the definition " + Quoted(text) +
+                       " ends below its start at any speed. Exchange its two positions");
+  }
+
+  // No speed, base order or resolution is negative, so that a term less moves a bound down.
+  static bool IsReversed(const QVSpecIntervalEntry& interval) {
+    const auto& low = interval.lower();
+    const auto& high = interval.upper();
+    const bool none_higher = high.frequency() <= low.frequency() && high.order() <= low.order() &&
+                             high.harmonic() <= low.harmonic() &&
+                             high.modulation() <= low.modulation() && high.lines() <= low.lines();
+    return none_higher && high != low;
+  }
+
+  // ---- other calculation parameters ----
+
+  void CheckNumber(int parameter, int number) {
+    static const unsigned count = [] {
+      std::list<CString> texts;
+      return QVIpCalcParameter::GetCalcParamEnumTexts(texts);
+    }();
+    if (number >= 0 && static_cast<unsigned>(number) < count) return;
+    Tell(Kind::unknown_calc_parameter, calc_parameters, {parameter, number},
+         "there is no calculation parameter " + Number(number) + ": their numbers are 0 to " +
+             std::to_string(count - 1));
+  }
+
+  void CheckTrigger(int parameter, const QVIpCalcParameter& row) {
+    const int id = row.ValueInt();
+    if (!run_.options.references || id == -1 || RowOf(params_.Trigger(), id) != nullptr) return;
+    Tell(Kind::unknown_id, calc_parameters, {parameter, QVIpCalcParameter::trigger},
+         "trigger " + Number(id) + " has no row in <TTrigger>. Add it there or correct the id");
+  }
+
+  // An order source needs a rotor that turns and a base order, in one physical mode at least.
+  void CheckOrderSource(int parameter, const QVIpCalcParameter& row) {
+    const int source = row.ValueInt();
+    if (!run_.options.references || source == -1) return;
+    if (!sources_) CollectSources();
+    const char* const lack =
+        !sources_->sitting.contains(source)
+            ? " sits on no rotor: it is neither in <TOrderSource2Rotor> nor in <TRotorSpeed>"
+        : !sources_->turning.contains(source) ? " sits on a rotor without a speed in <TRotorSpeed>"
+        : !sources_->counting.contains(source)
+            ? " has no base order: its physical gear has no row in <TBaseOrder>"
+            : nullptr;
+    if (lack == nullptr) return;
+    Tell(Kind::unknown_id, calc_parameters, {parameter, QVIpCalcParameter::base_order_reference},
+         "order source " + Number(source) + lack);
+  }
+
+  // A source that its table doesn't map is the rotor, or the physical gear, of the same number.
+  void CollectSources() {
+    const CQtSpeedInfo& speeds = run_.data.Derived().SpeedInfo();
+    const auto& rotors = run_.data.Table<L"<TRotorSpeed>">();
+    Sources& found = sources_.emplace();
+    for (const auto& [key, row] : rotors) {
+      found.sitting.insert(key[1]);
+      found.turning.insert(key[1]);
+    }
+    for (const auto& [key, row] : run_.data.Table<L"<TOrderSource2Rotor>">()) {
+      found.sitting.insert(key[0]);
+      if (RowOf(rotors, {key[1], row.ref}) != nullptr) found.turning.insert(key[0]);
+    }
+    for (const auto& [gear, row] : run_.data.Table<L"<TBaseOrder>">()) {
+      found.counting.insert(gear[0]);
+    }
+    for (const auto& [key, row] : run_.data.Table<L"<TVirtual2PhysGear>">()) {
+      if (speeds.BaseOrderOf(row.ref) != nullptr) found.counting.insert(key[1]);
+      const int rotor = speeds.RotorOf(key[0], row.ref);
+      if (RowOf(rotors, {key[0], rotor}) != nullptr) found.turning.insert(key[1]);
+    }
+  }
+
+  // ---- what the log of the load says ----
+
+  void TellNoBaseOrder(int source, int phys_mode) {
+    const int gear = run_.data.Derived().SpeedInfo().PhysicalGearOf(phys_mode, source);
+    Tell(Kind::no_base_order, "<TOrderSource2Rotor>", {source, phys_mode},
+         "order source " + Number(source) + " has no base order in physical mode " +
+             Number(phys_mode) + ", and no channel sees it there: its physical gear " +
+             Number(gear) + " has no row in <TBaseOrder>. Add it there");
+  }
+
+  void TellClosedChannels(int channel, int mode) {
+    constexpr std::size_t most = 8;
+    std::string chain = Number(channel);
+    std::size_t count = 0;
+    int next = channel;
+    do {
+      next = params_.ParentChannel(mode, next);
+      if (count++ < most) chain += " > " + Number(next);
+    } while (next != channel);
+    if (count > most) chain += " > ... > " + Number(channel);
+    const bool own_row = run_.LineOf("<TChannelInheritance>", std::array{channel, mode}) != 0;
+    Tell(Kind::closed_channels, "<TChannelInheritance>", {channel, own_row ? mode : -1},
+         "channels inherit from each other in a circle, in test step " + Number(mode) + ": " +
+             chain + ". Remove the row of the channel that is measured itself");
+  }
+
+  void TellAmbiguousPolygon(const QClavis& key) {
+    if (run_.findings.IsFull(Kind::ambiguous_polygon, "<TIpParamAndStore>")) {
+      run_.findings.Add(Kind::ambiguous_polygon, 0, "<TIpParamAndStore>");
+      return;
+    }
+    std::vector<std::size_t> lines;
+    for (const auto& [match, row] : run_.data.Table<L"<TGrex10001>">()) {
+      if (CClavis(key.id) & CClavis(match.id)) {
+        lines.push_back(run_.LineOf("<TGrex10001>", match.id));
+      }
+    }
+    Finding* const finding = Tell(
+        Kind::ambiguous_polygon, "<TIpParamAndStore>", key.id,
+        std::to_string(lines.size()) + " rows of <TGrex10001> match this key: the one of line " +
+            std::to_string(lines[0]) + " counts, not that of line " + std::to_string(lines[1]) +
+            ". Let one of them say more, or remove it");
+    if (finding != nullptr) finding->other_line = lines[0];
+  }
+
+  // ---- names and triggers ----
+
+  // By its name a row must be found.
+  void CheckNames() {
+    tables::All::ForEach([&](auto entry) {
+      using Entry = decltype(entry);
+      if constexpr (std::is_same_v<typename Entry::Table, CDynNameIdTable>) {
+        const std::string section = Text::ToUtf8(Entry::section.text);
+        const CDynNameIdTable& table = run_.data.Table<Entry::section>();
+        for (const auto& [id, name] : table) {
+          const int found = table.Idx(name.text);
+          if (found == -1 || found == id[0] || name.text[0] == L'\0') continue;
+          const std::size_t line = run_.LineOf(section, std::array{found});
+          Finding* const finding = Tell(Kind::duplicate_name, section.c_str(), id.id,
+                                        "the name " + Quoted(name.text) + " stands in line " +
+                                            std::to_string(line) + " too: by the name only " +
+                                            Number(found) + " is found, not " + Number(id[0]));
+          if (finding != nullptr) finding->other_line = line;
+        }
+      }
+    });
+  }
+
+  void CheckAxes() {
+    for (const auto& [key, row] : params_.TriggerParam()) {
+      if (CTriggerStore::CInterval(row).len() != 0) continue;
+      if (run_.bad_lines.contains(run_.LineOf("<TTriggerParam>", key.id))) continue;
+      Tell(Kind::no_step, "<TTriggerParam>", key.id,
+           "no whole step leads from start to stop: the axis has no cells. Give it a step above 0 "
+           "that is no longer than the axis");
+    }
+  }
+
+  Run& run_;
+  const CQtParamInstance params_;
+
+  // Order sources that have a rotor, one with a speed, a base order.
+  struct Sources {
+    std::set<int> sitting;
+    std::set<int> turning;
+    std::set<int> counting;
+  };
+  std::optional<Sources> sources_;
+};
+
+}  // namespace
+
+void CheckMeaning(Run& run, const std::vector<LoggedRow>& logged) {
+  MeaningCheck check(run);
+  for (const LoggedRow& row : logged) check.CheckLogged(row);
+  check.CheckTables();
+}
+
+}  // namespace kestrin::ParameterCheck

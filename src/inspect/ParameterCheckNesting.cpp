@@ -1,0 +1,222 @@
+// How the lines of a lake nest, and what stands at its top.
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+#include "inspect/ParameterCheckRun.h"
+#include "interfaces/text/Text.h"
+#include "tables/QTableManager.h"
+
+namespace kestrin::ParameterCheck {
+namespace {
+
+constexpr std::array named_lines = {
+    CQTableManager::major_key,     CQTableManager::minor_key,     CQtParamStore::base_type_key,
+    CQtParamStore::alias_type_key, CQtParamStore::calib_file_key, CQtParamStore::learn_file_key,
+};
+
+bool IsClosing(const CLake::CNode& node) {
+  return node.key().empty() && node.value().starts_with(L'}');
+}
+
+bool IsTable(const std::wstring& key) {
+  return key.starts_with(L'<') && TableCatalogue::Find(Text::ToUtf8(key)) != nullptr;
+}
+
+bool IsNamedLine(const std::wstring& key) {
+  return std::find(named_lines.begin(), named_lines.end(), key) != named_lines.end();
+}
+
+// "; did you mean <TMode>?", or nothing.
+std::string Suggestion(const std::wstring& key) {
+  static const std::vector<std::wstring> known = [] {
+    std::vector<std::wstring> names(named_lines.begin(), named_lines.end());
+    for (const auto& table : TableCatalogue::Tables())
+      names.push_back(Text::FromUtf8(table.section));
+    return names;
+  }();
+  const auto nearest = Text::Nearest(key, known);
+  return nearest ? "; did you mean " + Text::ToUtf8(known[*nearest]) + "?" : "";
+}
+
+std::string LineRange(std::size_t first, std::size_t last) {
+  return first == last ? "line " + std::to_string(first)
+                       : "lines " + std::to_string(first) + " to " + std::to_string(last);
+}
+
+class NestingCheck {
+ public:
+  explicit NestingCheck(Run& run) : run_(run) {}
+
+  bool Check() {
+    for (const CLake::CNode& node : run_.lake) {
+      ++number_;
+      if (!CheckLine(node)) break;
+    }
+    if (run_.cut_line == 0) TellUnclosed();
+    for (const auto& [key, top] : tops_) {
+      if (!top.opened && IsTable(key)) TellNoSection(key, top);
+    }
+    CheckNames();
+    return knows_something_;
+  }
+
+ private:
+  struct Open {
+    std::size_t line;
+    std::wstring key;
+    std::size_t first_table = 0;  // the line of a table that stands inside
+    std::size_t tables = 0;
+  };
+  // The first line of a key, and whether it or a later one opens a section.
+  struct Top {
+    std::size_t line;
+    bool opened;
+    std::wstring value;
+  };
+
+  void Tell(Kind kind, std::string_view section, std::string message, std::size_t other = 0) {
+    TellAt(number_, kind, section, std::move(message), other);
+  }
+  void TellAt(std::size_t line, Kind kind, std::string_view section, std::string message,
+              std::size_t other = 0) {
+    Finding* const finding = run_.findings.Add(kind, line, section);
+    if (finding == nullptr) return;
+    finding->message = std::move(message);
+    finding->other_line = other;
+  }
+
+  // False if nothing behind the line is read.
+  bool CheckLine(const CLake::CNode& node) {
+    if (IsClosing(node)) {
+      if (open_.empty()) {
+        TellUnreachable();
+        return false;
+      }
+      open_.pop_back();
+      return true;
+    }
+    const bool opens = node.value() == L"{";
+    if (open_.empty()) {
+      CheckTop(node, opens);
+    } else if (opens && IsTable(node.key())) {
+      if (open_.front().tables++ == 0) open_.front().first_table = number_;
+    } else if (open_.size() == 1 && node.is_named() && IsTable(open_.back().key)) {
+      Tell(Kind::keyed_line, Text::ToUtf8(open_.back().key),
+           "the colon makes this a line with the key " + Quoted(node.key()) +
+               ", which is no row of the table. Put a text that holds a colon in quotes");
+    }
+    if (opens) open_.push_back({number_, node.key()});
+    return true;
+  }
+
+  void CheckTop(const CLake::CNode& node, bool opens) {
+    if (!node.is_named()) {
+      if (IsBlankOrComment(node) || shut_ != 0) return;
+      return Tell(Kind::outside_section, "",
+                  opens ? "a section without a name; its lines are not read. Write <Name>: {"
+                        : "a row outside every section; it is not read. Is the line missing that "
+                          "opens its section?");
+    }
+    const std::wstring& key = node.key();
+    knows_something_ = knows_something_ || IsTable(key) || IsNamedLine(key);
+    shut_ = !opens && node.value().starts_with(L'{') ? number_ : 0;
+    if (opens && !IsTable(key)) {
+      Tell(Kind::unknown_section, Text::ToUtf8(key),
+           "no table of this name is known; its lines are not read" + Suggestion(key));
+    } else if (!opens && !IsTable(key) && !IsNamedLine(key)) {
+      const std::string suggestion = Suggestion(key);
+      Finding* const finding = run_.findings.Add(Kind::unknown_line, number_);
+      if (finding != nullptr) {
+        finding->message = "nothing reads a line with the key " + Quoted(key) + suggestion;
+        if (!suggestion.empty()) finding->severity = Severity::loss;
+      }
+    }
+    const auto [first, is_new] = tops_.try_emplace(key, Top{number_, opens, node.value()});
+    if (is_new) return;
+    const std::string before = "line " + std::to_string(first->second.line);
+    if (!opens) {
+      Tell(Kind::duplicate_line, "",
+           "the key " + Quoted(key) + " stands in " + before +
+               " already; that line stays, this one is ignored. Remove one of the two",
+           first->second.line);
+    } else if (first->second.opened) {
+      Tell(Kind::duplicate_section, Text::ToUtf8(key),
+           "stands in " + before +
+               " already, whose lines give way to those of this section. Put all rows into one",
+           first->second.line);
+    }
+    first->second.opened = first->second.opened || opens;
+  }
+
+  void TellUnreachable() {
+    const std::size_t last = run_.lines.Count();
+    std::string message = "this bracket closes no section";
+    if (last > number_) {
+      message += " and ends the data base: " + LineRange(number_ + 1, last) +
+                 (last == number_ + 1 ? " is" : " are") + " not read";
+    }
+    message += shut_ == 0 ? ". Remove it"
+                          : ". It belongs to line " + std::to_string(shut_) + "; mend that one";
+    Tell(Kind::unreachable_lines, "", std::move(message), last == number_ ? 0 : last);
+  }
+
+  void TellUnclosed() {
+    for (const Open& section : open_) {
+      std::string message = "the section has no closing bracket and takes in all that follows";
+      if (section.tables > 0) {
+        message +=
+            ": the table in line " + std::to_string(section.first_table) +
+            (section.tables == 1 ? " is"
+                                 : " and " + std::to_string(section.tables - 1) + " more are") +
+            " not read";
+      }
+      TellAt(section.line, Kind::unclosed_section, Text::ToUtf8(section.key),
+             message + ". Put a line with } behind its last row");
+    }
+  }
+
+  void TellNoSection(const std::wstring& key, const Top& top) {
+    const bool has_bracket = top.value.starts_with(L'{');
+    TellAt(top.line, Kind::no_section, Text::ToUtf8(key),
+           has_bracket ? "the bracket opens no section, since " +
+                             Quoted(Text::Trim(std::wstring_view(top.value).substr(1))) +
+                             " stands behind it; the rows below are not read. Put a comment into a "
+                             "line of its own, in front of the section"
+                       : "a table's name that opens no section: its value must be { alone");
+  }
+
+  // Of two documents the file tells more than what was taken.
+  void CheckNames() {
+    const std::pair<const wchar_t*, const CString&> names[] = {
+        {CQtParamStore::base_type_key, run_.data.BaseType()},
+        {CQtParamStore::alias_type_key, run_.data.AliasType()},
+        {CQtParamStore::calib_file_key, run_.data.CalibFileName()},
+        {CQtParamStore::learn_file_key, run_.data.LearnFileName()},
+    };
+    for (const auto& [key, name] : names) {
+      const auto line = run_.lake[key];
+      if (!line.exists()) continue;
+      const std::wstring& value = line->value();
+      const bool quoted = value.starts_with(L'"');
+      if (value == (quoted ? L'"' + name + L'"' : name)) continue;
+      TellAt(run_.lines.Of(*line), Kind::cut_name, "",
+             "the name is " + Quoted(name) + "; the rest of the line is not read" +
+                 (quoted ? "" : ". Put it in quotes: \"" + Text::ToUtf8(value) + '"'));
+    }
+  }
+
+  Run& run_;
+  std::size_t number_ = 0;
+  std::vector<Open> open_;
+  std::map<std::wstring, Top> tops_;
+  std::size_t shut_ = 0;  // a line whose bracket opens no section; in front of the closing one
+  bool knows_something_ = false;
+};
+
+}  // namespace
+
+bool CheckNesting(Run& run) { return NestingCheck(run).Check(); }
+
+}  // namespace kestrin::ParameterCheck

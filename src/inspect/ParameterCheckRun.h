@@ -1,0 +1,113 @@
+// What the parts of a check share: the findings so far, the lines of a lake, the data base that was
+// loaded from it. Inside the library only.
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <map>
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "frame/QtParamDistillery.h"
+#include "inspect/ParameterCheck.h"
+#include "inspect/TableCatalogue.h"
+#include "lake/Lake.h"
+
+namespace kestrin::ParameterCheck {
+
+// Findings as they come. Of a kind in a section the first ones are kept, the others counted, so
+// that a file which is all wrong costs no more than one that is all right.
+class Findings {
+ public:
+  explicit Findings(std::size_t most_of_a_kind) : most_(most_of_a_kind) {}
+
+  // A finding to be completed, or null if it is only counted. Good until the findings are taken.
+  Finding* Add(Kind kind, std::size_t line, std::string_view section = {});
+
+  // True if a finding more would only be counted.
+  bool IsFull(Kind kind, std::string_view section) const;
+
+  // Ordered by lines.
+  std::vector<Finding> Take();
+
+ private:
+  struct Count {
+    std::size_t all = 0;
+    Finding* last = nullptr;
+  };
+
+  std::size_t most_;
+  std::deque<Finding> findings_;
+  // By section and kind.
+  std::map<std::string, std::map<Kind, Count>, std::less<>> counts_;
+};
+
+// The lines of a lake by their nodes.
+class Lines {
+ public:
+  explicit Lines(const CLake& lake);
+  std::size_t Of(const CLake::CNode& node) const { return numbers_.at(&node.value()); }
+  // 0 if there is none.
+  std::size_t OfKey(const CLake& lake, const wchar_t* key) const;
+  std::size_t Count() const { return numbers_.size(); }
+
+ private:
+  std::unordered_map<const std::wstring*, std::size_t> numbers_;
+};
+
+// Which line each row came from, for tables with unique keys. A key is a text of its ids, one
+// element each, so that a key of any record is found by its ids.
+using KeyLines = std::map<std::wstring, std::size_t>;
+
+template <class Ids>
+std::wstring KeyOf(const Ids& ids) {
+  std::wstring key;
+  for (const int id : ids) key += static_cast<wchar_t>(id);
+  return key;
+}
+
+struct Run {
+  const CLake& lake;
+  const Options& options;
+  Findings findings;
+  Lines lines;
+  CQtParamDistillery data;
+  std::map<std::string, KeyLines, std::less<>> rows = {};  // by section
+  std::set<std::size_t> bad_lines = {};
+  std::size_t cut_line = 0;  // in which the file broke off; it is told once
+
+  // 0 if no line has that key.
+  std::size_t LineOf(std::string_view section, std::span<const int> key) const;
+};
+
+// At most so much of a text, in quotes.
+std::string Quoted(std::wstring_view text);
+
+bool IsBlankOrComment(const CLake::CNode& node);
+
+// False if nothing in the lake is known.
+bool CheckNesting(Run& run);
+
+// Fills run.rows, for which the data must have been loaded.
+void CheckRows(Run& run);
+
+// A row that the log of the load spoke of.
+struct LoggedRow {
+  std::string section;
+  std::vector<int> key;
+
+  friend auto operator<=>(const LoggedRow&, const LoggedRow&) = default;
+};
+
+void CheckMeaning(Run& run, const std::vector<LoggedRow>& logged);
+
+// What the bytes of a file show by themselves. True if the lake that was read from them means
+// nothing.
+bool CheckBytes(Findings& findings, std::string_view bytes);
+
+}  // namespace kestrin::ParameterCheck
