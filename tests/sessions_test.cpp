@@ -43,7 +43,7 @@ class Sessions : public testing::TestWithParam<fs::path> {};
 TEST_P(Sessions, ShowWhatIsWritten) {
   const std::string folder = testing::TempDir() + "session_" + std::to_string(getpid());
   fs::create_directory(folder);
-  for (const std::string name : {"docs", "samples"}) {
+  for (const std::string name : {"docs", "samples", "tests"}) {
     fs::create_directory_symlink(project / name, fs::path(folder) / name);
   }
   std::string command;
@@ -75,7 +75,8 @@ TEST_P(Sessions, ShowWhatIsWritten) {
 
 std::vector<fs::path> Pages() {
   std::vector<fs::path> pages{project / "README.md", project / "docs/concepts.md",
-                              project / "docs/order-definitions.md", project / "docs/json.md"};
+                              project / "docs/order-definitions.md", project / "docs/json.md",
+                              project / "docs/parameter-file.md"};
   const fs::directory_iterator files(project / "tests/cases/sessions");
   pages.insert(pages.end(), begin(files), end(files));
   return pages;

@@ -3,9 +3,9 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <memory>
 #include <optional>
 
@@ -303,8 +303,10 @@ class TableCheck {
     }
     if (behind[0] == L'.') return ": `" + fields_[read_].name + "` takes whole numbers only";
     if (number == "0" && Text::Lower(behind[0]) == L'x') {
-      const std::string all = number + Text::ToUtf8(behind);
-      return ": hexadecimal" + in + std::to_string(std::strtoull(all.c_str(), nullptr, 16));
+      const std::string hex = Text::ToUtf8(behind.substr(1));
+      unsigned long long value = 0;
+      std::from_chars(hex.data(), hex.data() + hex.size(), value, 16);
+      return ": hexadecimal" + in + std::to_string(value);
     }
     if (IsNoBreakSpace(behind[0])) {
       return ": a no-break space (" + CodeOf(behind[0]) + ") separates no fields; type a blank";

@@ -34,7 +34,30 @@ Json Merged(Json a, const Json& b) {
   return CellText(a).find(CellText(b)) == std::string::npos ? Json(both) : a;
 }
 
+// What a terminal may take for a command: the control characters of ASCII and, in UTF-8, those
+// behind them.
+std::string WithoutControls(std::string_view text, const char* escape) {
+  constexpr const char* digits = "0123456789abcdef";
+  std::string shown;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const unsigned char next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0;
+    const bool is_late = text[i] == '\xC2' && next >= 0x80 && next < 0xA0;
+    const auto c = is_late ? next : static_cast<unsigned char>(text[i]);
+    if (!is_late && ((c >= ' ' && c != 0x7F) || c == '\n' || c == '\t')) {
+      shown += text[i];
+      continue;
+    }
+    shown.append(escape).append({digits[c >> 4U], digits[c & 0xFU]});
+    i += is_late ? 1 : 0;
+  }
+  return shown;
+}
+
 }  // namespace
+
+std::string Printable(std::string_view text) { return WithoutControls(text, "\\x"); }
+
+std::string PrintableJson(const Json& json) { return WithoutControls(json.dump(2), "\\u00"); }
 
 // By way of the text: as a double the float itself would show digits that it doesn't have.
 Json ShortNumber(float number) {
@@ -67,8 +90,14 @@ std::string WithName(const std::string& id, const std::string& name) {
   return name.empty() ? id : id + "  " + Painted(name, Colour::name);
 }
 
+std::string PluralOf(std::size_t count, const std::string& what) {
+  std::string number = std::to_string(count);
+  for (std::size_t i = number.size(); i > 3; i -= 3) number.insert(i - 3, ",");
+  return number + ' ' + what + (count == 1 || what.empty() ? "" : what.ends_with('s') ? "es" : "s");
+}
+
 std::string CellText(const Json& value) {
-  if (value.is_string()) return value.get<std::string>();
+  if (value.is_string()) return Printable(value.get<std::string>());
   if (value.is_null()) return "";
   if (!value.is_array()) return value.dump();
   std::string text;
@@ -81,7 +110,7 @@ std::string Cell(const Json& record, const char* field, const char* none) {
   if (value == record.end()) return "";
   const bool is_none = value->is_null() || (value->is_number_integer() && *value == -1);
   const std::string text = none != nullptr && is_none ? none : CellText(*value);
-  return WithName(text, record.value(std::string(field) + "_name", ""));
+  return WithName(text, Printable(record.value(std::string(field) + "_name", "")));
 }
 
 void PrintFacts(int width, const std::vector<std::pair<const char*, std::string>>& facts) {

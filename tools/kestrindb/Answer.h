@@ -18,6 +18,11 @@ using Json = nlohmann::ordered_json;
 inline std::string Utf8(std::wstring_view text) { return kestrin::Text::ToUtf8(text); }
 inline std::wstring Wide(std::string_view text) { return kestrin::Text::FromUtf8(text); }
 
+// A text that holds what somebody wrote into a file, safe for a terminal: control characters but
+// line feeds and tabs as \x1b. In JSON they stand as JSON has them.
+std::string Printable(std::string_view text);
+std::string PrintableJson(const Json& json);
+
 // A float in the fewest digits that read back as the same float. Infinite and NaN are null.
 Json ShortNumber(float number);
 
@@ -27,6 +32,9 @@ Json Layout(const Json& value);
 
 // An id and its name as people read them: "130  Spur 30 Hz low load", or "130" where it has none.
 std::string WithName(const std::string& id, const std::string& name);
+
+// "1 finding", "2 findings", "1,280 findings".
+std::string PluralOf(std::size_t count, const std::string& what);
 
 // A value as people read it: a text without quotes, a list with blanks between, nothing for null.
 std::string CellText(const Json& value);

@@ -2,73 +2,91 @@
 
 #include <algorithm>
 #include <iostream>
+#include <utility>
 
 #include "Commands.h"
+#include "Output.h"
 
 using namespace kestrin;
 
 namespace kestrindb {
 namespace {
 
-bool HasBytesBeyondAsciiAndNoMark(const std::string& file_name) {
-  const std::string bytes = ReadFile(Wide(file_name));
-  return !bytes.starts_with("\xEF\xBB\xBF") &&
-         std::any_of(bytes.begin(), bytes.end(), [](char byte) { return (byte & '\x80') != 0; });
-}
-
 Json ToJson(const ParameterCheck::Finding& finding) {
-  Json json = {{"kind", ParameterCheck::Name(finding.kind)}, {"line", finding.line}};
+  Json json = {{"kind", ParameterCheck::Name(finding.kind)},
+               {"severity", ParameterCheck::Name(finding.severity)},
+               {"line", finding.line}};
+  if (finding.column != 0) json["column"] = finding.column;
   if (finding.other_line != 0) json["other_line"] = finding.other_line;
-  if (!finding.section.empty()) json["section"] = Utf8(finding.section);
+  if (!finding.section.empty()) json["section"] = finding.section;
   if (finding.position != 0) {
     json["field"] = finding.field;
     json["position"] = finding.position;
   }
   json["message"] = finding.message;
+  if (finding.further != 0) json["further"] = finding.further;
   return json;
+}
+
+// Where the finding is and what it says, as compilers tell of errors.
+void PrintFinding(const std::string& file, const Json& finding, bool for_editors) {
+  const std::string severity = Cell(finding, "severity");
+  const Colour colour = severity == "error"  ? Colour::error
+                        : severity == "loss" ? Colour::loss
+                                             : Colour::note;
+  const auto line = finding["line"].get<std::size_t>();
+  std::cout << file << ':';
+  if (line != 0 || for_editors) std::cout << std::max<std::size_t>(line, 1) << ':';
+  if (for_editors) std::cout << finding.value("column", 1) << ':';
+  std::cout << ' ' << Painted(for_editors && severity == "loss" ? "warning" : severity, colour)
+            << ": ";
+  if (finding.contains("section")) std::cout << Cell(finding, "section") << ": ";
+  if (finding.contains("position")) {
+    std::cout << "field " << finding["position"] << ", `" << Cell(finding, "field") << "`: ";
+  }
+  std::cout << Cell(finding, "message") << " [" << Cell(finding, "kind") << "]\n";
+  if (for_editors || !finding.contains("further")) return;
+  std::cout << "... and " << PluralOf(finding["further"], "") << "more of this kind";
+  if (finding.contains("section")) std::cout << " in " << Cell(finding, "section");
+  std::cout << '\n';
 }
 
 }  // namespace
 
-Answer DescribeCheck(const Request& request) {
-  ReadLake(request.file);
-  const CLake& lake = CParameterLake::Lake();
-  Json findings = Json::array();
-  for (const auto& finding : ParameterCheck::Check(lake)) findings.push_back(ToJson(finding));
-  if (lake.last_refusal().reason == Refusal::broken_text) {
-    findings.push_back(
-        {{"kind", "not_utf8"},
-         {"line", lake.last_refusal().line},
-         {"message", "the text is not UTF-8 in this line; nothing from there on is read"}});
-  }
-  if (HasBytesBeyondAsciiAndNoMark(request.file)) {
-    findings.push_back({{"kind", "no_utf8_mark"},
-                        {"line", 1},
-                        {"message",
-                         "the file has no UTF-8 mark (EF BB BF) at its start, so each of "
-                         "its bytes is read as one Latin-1 character"}});
-  }
-  std::stable_sort(findings.begin(), findings.end(), [](const Json& a, const Json& b) {
-    return a["line"].get<std::size_t>() < b["line"].get<std::size_t>();
-  });
-  return {findings, findings.empty() ? fine : data_bad};
+std::size_t CountFindings(const std::vector<ParameterCheck::Finding>& findings) {
+  std::size_t count = findings.size();
+  for (const auto& finding : findings) count += finding.further;
+  return count;
 }
 
-// As compilers tell of errors, so that editors can jump to the line.
-void PrintCheck(const Json& json) {
-  const std::string file_name = Utf8(CParameterLake::Lake().filename());
-  for (const Json& finding : json) {
-    std::cout << file_name << ':' << finding["line"] << ": " << Cell(finding, "kind") << ": ";
-    if (finding.contains("section")) std::cout << Cell(finding, "section") << ": ";
-    if (finding.contains("position")) {
-      std::cout << "field " << finding["position"] << " (" << Cell(finding, "field") << "): ";
-    }
-    std::cout << Cell(finding, "message") << '\n';
+Answer DescribeCheck(const Request& request) {
+  const std::string bytes = ReadCandidateLake(request.file);
+  const CLake& lake = CParameterLake::Lake();
+  const auto findings = ParameterCheck::Check(lake, bytes, request.check);
+  Json json = {{"file", Utf8(lake.filename())}, {"errors", 0}, {"losses", 0}, {"notes", 0}};
+  if (!request.format.empty()) json["format"] = request.format;
+  json["findings"] = Json::array();
+  for (const auto& finding : findings) {
+    static constexpr const char* counts[] = {"errors", "losses", "notes"};
+    Json& count = json[counts[static_cast<int>(finding.severity)]];
+    count = count.get<std::size_t>() + 1 + finding.further;
+    json["findings"].push_back(ToJson(finding));
   }
-  std::cout << (json.empty()
-                    ? "Nothing to report."
-                    : std::to_string(json.size()) + (json.size() == 1 ? " finding." : " findings."))
-            << '\n';
+  return {json, json["errors"] == 0 && json["losses"] == 0 ? fine : data_bad};
+}
+
+void PrintCheck(const Json& json) {
+  const bool for_editors = json.contains("format");
+  const std::string file = Cell(json, "file");
+  for (const Json& finding : json["findings"]) PrintFinding(file, finding, for_editors);
+  if (for_editors) return;
+  std::string counts;
+  for (const auto& [field, what] :
+       {std::pair("errors", "error"), std::pair("losses", "loss"), std::pair("notes", "note")}) {
+    if (json[field] == 0) continue;
+    counts += (counts.empty() ? "" : ", ") + PluralOf(json[field], what);
+  }
+  std::cout << (counts.empty() ? "Nothing to report" : counts) << ".\n";
 }
 
 }  // namespace kestrindb

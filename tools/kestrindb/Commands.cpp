@@ -12,7 +12,18 @@ namespace kestrindb {
 namespace {
 
 void File(CLI::App& command, Request& request) {
-  command.add_option("FILE", request.file, "Parameter file")->required();
+  command.add_option("FILE", request.file, "Parameter file; - is standard input")->required();
+}
+
+void CheckOptions(CLI::App& command, Request& request) {
+  command.add_option("--format", request.format, "gcc: as compilers tell, for editors")
+      ->check(CLI::IsMember({"gcc"}));
+  command.add_flag_function(
+      "--no-references", [&request](std::int64_t) { request.check.references = false; },
+      "Don't look ids up in the tables that name them");
+  command.add_flag_function(
+      "--all", [&request](std::int64_t) { request.check.most_of_a_kind = SIZE_MAX; },
+      "List all findings, not only the first 20 of a kind in a section");
 }
 
 void Time(CLI::App& command, Request& request) {
@@ -286,7 +297,7 @@ const std::vector<Command>& Commands() {
        {Table}, DescribeTables, PrintTables},
       {"check", "What is wrong in a file, and what a load passes over in silence, by line",
        "samples/gearbox.par",
-       {File}, DescribeCheck, PrintCheck},
+       {File, CheckOptions}, DescribeCheck, PrintCheck},
       {"mode", "A test step (mode): name, physical mode, flags, and the parts of a virtual one",
        "samples/gearbox.par --make 160 5 2",
        {File, ModeOrItsParts}, DescribeMode, PrintMode},

@@ -46,6 +46,9 @@ struct Request {
   std::string separator = "|";
   std::string definition;
 
+  std::string format;  // of a check; empty: for people
+  kestrin::ParameterCheck::Options check;
+
   bool time = false;
   int limit = 0;
   std::vector<std::string> make;  // as typed
@@ -66,6 +69,9 @@ struct Request {
 
   CClavis Key() const { return ids.empty() ? CClavis() : CClavis(ids.data()); }
 };
+
+// Of a check, those that are only counted too.
+std::size_t CountFindings(const std::vector<kestrin::ParameterCheck::Finding>& findings);
 
 struct Answer {
   Json json;

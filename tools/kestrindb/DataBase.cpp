@@ -8,13 +8,18 @@ using namespace kestrin;
 namespace kestrindb {
 
 // A file with bytes that aren't UTF-8 is read up to them, and can be used as far as that.
-void ReadLake(const std::string& file_name) {
+std::string ReadCandidateLake(const std::string& file_name) try {
+  const bool is_input = file_name == "-";
+  std::string bytes = ReadFile(is_input ? L"/dev/stdin" : Wide(file_name));
   CLake& lake = CParameterLake::Lake();
-  lake.read(Wide(file_name));
+  ReadLake(lake, bytes, is_input ? L"<stdin>" : Wide(file_name));
   const Refusal& refusal = lake.last_refusal();
   if (refusal && refusal.reason != Refusal::broken_text) {
     throw Failure(file_unusable, Utf8(refusal.sentence));
   }
+  return bytes;
+} catch (const CFileException& error) {
+  throw Failure(file_unusable, error.what());
 }
 
 DataBase::DataBase(const std::string& file_name) {
@@ -24,10 +29,10 @@ DataBase::DataBase(const std::string& file_name) {
   };
   const LogSink sink([this](std::wstring_view text, auto category, auto style) {
     log.push_back({{"category", category}, {"style", style}, {"text", Utf8(text)}});
-    std::cerr << Utf8(text);
+    std::cerr << Printable(Utf8(text));
   });
   const auto begin = Clock::now();
-  ReadLake(file_name);
+  bytes = ReadCandidateLake(file_name);
   reading = seconds_since(begin);
   const auto read = Clock::now();
   params.ReadTablesFromCandidateLake();

@@ -37,8 +37,10 @@ class LogSink {
   PrWin::Sink before_;
 };
 
-// Reads a file into the candidate lake. Throws Failure if it can't be used.
-void ReadLake(const std::string& file_name);
+// Reads a file, which is opened once and may be a pipe, into the candidate lake and gives its
+// bytes;
+// "-" stands for standard input. Throws Failure if it can't be used.
+std::string ReadCandidateLake(const std::string& file_name);
 
 // The file read into the candidate lake, the lake loaded.
 class DataBase {
@@ -46,6 +48,7 @@ class DataBase {
   // Throws Failure if the file can't be used. A data base that was refused is no failure here.
   explicit DataBase(const std::string& file_name);
 
+  std::string bytes;  // of the file
   CQtParamInstance params;
   Json log = Json::array();  // what the load logged; it was also printed
   double reading = 0;        // seconds

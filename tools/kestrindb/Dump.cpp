@@ -81,7 +81,7 @@ Json DescribeDump(const CQtParamInstance& params, const Request& request) {
 }
 
 void PrintDump(const Json& json) {
-  for (const Json& text : json) std::cout << text.get_ref<const std::string&>();
+  for (const Json& text : json) std::cout << Printable(text.get_ref<const std::string&>());
 }
 
 }  // namespace kestrindb

@@ -48,7 +48,9 @@ Answer DescribeLoad(const Request& request) {
         {{"section", table.section}, {"rows", table.row_count(data.params.Store())}});
   }
   json["log"] = data.log;
-  if (request.time) json["cost"] = Cost(data);
+  const Json cost = Cost(data);  // without the check
+  json["findings"] = CountFindings(ParameterCheck::Check(CParameterLake::Lake(), data.bytes));
+  if (request.time) json["cost"] = cost;
   return {json, data.LoadStatus()};
 }
 
@@ -68,6 +70,9 @@ void PrintLoad(const Json& json) {
             << (logged == 0 ? "Nothing was logged."
                             : std::to_string(logged) + " log entries; see standard error.")
             << '\n';
+  if (json["findings"] != 0) {
+    std::cout << "kestrindb check has " << PluralOf(json["findings"], "finding") << ", by line.\n";
+  }
   if (!json.contains("cost")) return;
   std::cout << '\n';
   PrintFacts(13, {{"reading", Cell(json["cost"], "reading_ms") + " ms"},

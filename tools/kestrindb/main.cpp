@@ -61,7 +61,7 @@ Status Run(const Command& command, Request& request) {
   if (request.svg == "-") return answer.status;
   PrintByPages([&] {
     if (request.json) {
-      std::cout << (request.layout ? Layout(answer.json) : answer.json).dump(2) << '\n';
+      std::cout << PrintableJson(request.layout ? Layout(answer.json) : answer.json) << '\n';
     } else {
       command.print(answer.json);
     }
@@ -125,7 +125,7 @@ std::string Mistake(const CLI::App& app, const CLI::ParseError& error) {
 }
 
 void Complain(const std::string& sentence) {
-  std::cerr << PaintedForErrors("kestrindb:", Colour::error) << ' ' << sentence << '\n';
+  std::cerr << PaintedForErrors("kestrindb:", Colour::error) << ' ' << Printable(sentence) << '\n';
 }
 
 // `kestrindb help load` is `kestrindb load --help`.
