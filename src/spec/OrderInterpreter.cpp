@@ -225,6 +225,10 @@ PassedOver FindPassedOver(const wchar_t* definition, unsigned max_positions) {
   const auto reading = Interpret(definition, positions.data(), max_positions);
   if (definition == nullptr || reading.error.reason != Reason::none) return result;
   const std::wstring text = WithoutBlanks(definition);
+  std::vector<std::size_t> offsets;  // of the characters of the text as given
+  for (std::size_t i = 0; definition[i] != L'\0'; ++i) {
+    if (definition[i] != L' ') offsets.push_back(i);
+  }
   std::wstring_view rest = text;
   for (unsigned i = 0; !rest.empty(); ++i) {
     const std::wstring_view piece = rest.substr(0, rest.find(L';'));
@@ -237,7 +241,7 @@ PassedOver FindPassedOver(const wchar_t* definition, unsigned max_positions) {
     const std::vector<bool> read = ReadInPosition(piece);
     for (std::size_t at = 0; at < piece.size(); ++at) {
       if (read[at]) continue;
-      const std::size_t offset = OffsetAsGiven(definition, start + at);
+      const std::size_t offset = offsets[start + at];
       const bool goes_on = at > 0 && !read[at - 1];
       if (!goes_on) result.unread.push_back({offset, 0});
       result.unread.back().length = offset + 1 - result.unread.back().offset;
