@@ -1,4 +1,5 @@
 // The tables as the list declares them. (What each holds is told in docs/tables.md.)
+#include "inspect/Difference.h"
 #include "support.h"
 
 namespace {
@@ -74,6 +75,15 @@ TEST(Catalogue, LearnTimesAreThoseOfTheLoad) {
   EXPECT_GE(row->second.time_1, before);
   EXPECT_LE(row->second.time_1, std::time(nullptr));
   EXPECT_EQ(row->second.time_2, row->second.time_1);
+  // Another load, a second later, makes no difference.
+  TestStore later("<TIpLearnParams>: {\n1 1 1 1 1 1 5\n3 1 1 1 1 1 7 42 8 43\n}\n");
+  ++later.store.Table<L"<TIpLearnParams>">().begin()->second.time_1;
+  int differences = 0;
+  const auto count = [&differences](auto&&...) { ++differences; };
+  Difference::Compare(data.store, later.store, count, before);
+  EXPECT_EQ(differences, 0);
+  Difference::Compare(data.store, later.store, count);
+  EXPECT_EQ(differences, 1);
   ++row;
   EXPECT_EQ(std::pair(row->second.time_1, row->second.time_2), std::pair(42LL, 43LL));
 }

@@ -126,77 +126,6 @@ class TypedRow : public RowBuffer {
   Row row_;
 };
 
-void AddColumns(std::vector<FieldInfo>& columns, const std::vector<FieldInfo>& fields) {
-  for (const FieldInfo& field : fields) {
-    if (field.kind != FieldKind::key) {
-      columns.push_back(field);
-      continue;
-    }
-    for (FieldInfo& id : Describe<QClavis>(Words(Utf8(tables::clavis)))) {
-      id.name.insert(0, field.name + "_");
-      columns.push_back(std::move(id));
-    }
-  }
-}
-
-void AddValues(std::vector<FieldView>& values, std::span<const FieldView> fields) {
-  for (const FieldView& field : fields) {
-    if (field.kind == FieldKind::key) {
-      for (const FieldView& id : FieldsOf(*static_cast<const QClavis*>(field.place))) {
-        values.push_back(id);
-      }
-    } else {
-      values.push_back(field);
-    }
-  }
-}
-
-// `rows_of` finds the rows in a data base, and is the same for every one.
-template <class RowsOf>
-RowsInfo DescribeRows(std::string section, std::vector<FieldInfo> key, std::vector<FieldInfo> row,
-                      bool unique_keys, RowsOf) {
-  std::vector<FieldInfo> columns;
-  AddColumns(columns, key);
-  const std::size_t key_columns = columns.size();
-  AddColumns(columns, row);
-  return {std::move(section),
-          std::move(key),
-          std::move(row),
-          unique_keys,
-          std::move(columns),
-          key_columns,
-          [](const CQtParamDistillery& data) { return RowsOf()(data).size(); },
-          [](const CQtParamDistillery& data, const RowVisitor& visit) {
-            std::vector<FieldView> values;
-            for (const auto& [row_key, row_values] : RowsOf()(data)) {
-              values.clear();
-              AddValues(values, FieldsOf(row_key));
-              AddValues(values, FieldsOf(row_values));
-              visit(values);
-            }
-          }};
-}
-
-template <class Entry>
-TableInfo Describe(int making_place) {
-  using Table = typename Entry::Table;
-  const ContainerInfo container = Container(static_cast<const Table*>(nullptr));
-  return {
-      DescribeRows(Utf8(Entry::section),
-                   Describe<typename Table::key_type>(Words(Utf8(Entry::key_fields))),
-                   DescribeRow<typename Table::mapped_type>(), container.unique_keys,
-                   [](const CQtParamDistillery& data) -> const Table& {
-                     return data.Table<Entry::section>();
-                   }),
-      making_place,
-      Entry::reading_place,
-      Utf8(Entry::accessor),
-      container.name,
-      []() -> std::unique_ptr<RowBuffer> {
-        return std::make_unique<TypedRow<typename Table::key_type, typename Table::mapped_type>>();
-      }};
-}
-
 // The fields that hold ids, of one table or, without a section, of all that have a field so named.
 struct IdField {
   const char* section;
@@ -239,6 +168,76 @@ void TellIds(const std::string& section, std::vector<FieldInfo>& fields) {
   }
 }
 
+void AddColumns(std::vector<FieldInfo>& columns, const std::vector<FieldInfo>& fields) {
+  for (const FieldInfo& field : fields) {
+    if (field.kind != FieldKind::key) {
+      columns.push_back(field);
+      continue;
+    }
+    auto ids = Describe<QClavis>(Words(Utf8(tables::clavis)));
+    TellIds("", ids);
+    for (FieldInfo& id : ids) {
+      id.name.insert(0, field.name + "_");
+      columns.push_back(std::move(id));
+    }
+  }
+}
+
+void AddValue(std::vector<FieldView>& values, const FieldView& field) {
+  if (field.kind != FieldKind::key) return values.push_back(field);
+  for (const FieldView& id : FieldsOf(*static_cast<const QClavis*>(field.place))) {
+    values.push_back(id);
+  }
+}
+
+// `rows_of` finds the rows in a data base, and is the same for every one.
+template <class RowsOf>
+RowsInfo DescribeRows(std::string section, std::vector<FieldInfo> key, std::vector<FieldInfo> row,
+                      bool unique_keys, RowsOf) {
+  TellIds(section, key);
+  TellIds(section, row);
+  std::vector<FieldInfo> columns;
+  AddColumns(columns, key);
+  const std::size_t key_columns = columns.size();
+  AddColumns(columns, row);
+  return {std::move(section),
+          std::move(key),
+          std::move(row),
+          unique_keys,
+          std::move(columns),
+          key_columns,
+          [](const CQtParamDistillery& data) { return RowsOf()(data).size(); },
+          [](const CQtParamDistillery& data, const RowVisitor& visit) {
+            std::vector<FieldView> values;
+            for (const auto& [row_key, row_values] : RowsOf()(data)) {
+              values.clear();
+              for (const FieldView& field : FieldsOf(row_key)) AddValue(values, field);
+              for (const FieldView& field : FieldsOf(row_values)) AddValue(values, field);
+              visit(values);
+            }
+          }};
+}
+
+template <class Entry>
+TableInfo Describe(int making_place) {
+  using Table = typename Entry::Table;
+  const ContainerInfo container = Container(static_cast<const Table*>(nullptr));
+  return {
+      DescribeRows(Utf8(Entry::section),
+                   Describe<typename Table::key_type>(Words(Utf8(Entry::key_fields))),
+                   DescribeRow<typename Table::mapped_type>(), container.unique_keys,
+                   [](const CQtParamDistillery& data) -> const Table& {
+                     return data.Table<Entry::section>();
+                   }),
+      making_place,
+      Entry::reading_place,
+      Utf8(Entry::accessor),
+      container.name,
+      []() -> std::unique_ptr<RowBuffer> {
+        return std::make_unique<TypedRow<typename Table::key_type, typename Table::mapped_type>>();
+      }};
+}
+
 std::vector<TableInfo> DescribeAll() {
   std::vector<TableInfo> tables;
   tables::All::ForEach([&](auto entry) {
@@ -247,10 +246,6 @@ std::vector<TableInfo> DescribeAll() {
   std::sort(tables.begin(), tables.end(), [](const TableInfo& a, const TableInfo& b) {
     return a.reading_place < b.reading_place;
   });
-  for (TableInfo& table : tables) {
-    TellIds(table.section, table.key);
-    TellIds(table.section, table.row);
-  }
   return tables;
 }
 
@@ -300,6 +295,14 @@ const Info* FindIn(const std::vector<Info>& all, std::string_view section) {
 
 }  // namespace
 
+std::vector<FieldView> RowBuffer::Columns() const {
+  std::vector<FieldView> columns;
+  for (const auto* fields : {&key, &row}) {
+    for (const auto& field : *fields) AddValue(columns, {field.kind, field.place});
+  }
+  return columns;
+}
+
 const std::vector<TableInfo>& Tables() {
   static const std::vector<TableInfo> tables = DescribeAll();
   return tables;
@@ -339,6 +342,14 @@ const IdHome& HomeOf(IdKind kind) {
   return homes[static_cast<std::size_t>(kind)];
 }
 
+std::optional<std::size_t> NameColumn(const RowsInfo& info) {
+  const auto& columns = info.columns;
+  const auto is_name = [](const FieldInfo& column) { return column.name == "name"; };
+  const auto name = std::find_if(columns.begin(), columns.end(), is_name);
+  if (info.key_columns != 1 || name == columns.begin() || name == columns.end()) return {};
+  return static_cast<std::size_t>(name - columns.begin());
+}
+
 const char* KindName(TableType::FieldKind kind) {
   // In the order of the enumeration.
   static constexpr const char* names[] = {
@@ -372,6 +383,7 @@ std::string ToText(const Value& value) {
   std::array<char, 32> digits;
   char* end = digits.data() + digits.size();
   if (const auto* number = std::get_if<float>(&value)) {
+    if (std::isnan(*number)) return "nan";  // whatever its sign
     // Left to itself, to_chars prefers "1e+05" to "100000", since it is shorter.
     const float size = std::abs(*number);
     const bool is_plain = size == 0 || (size >= 1e-4F && size < 1e7F);

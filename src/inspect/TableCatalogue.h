@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -56,7 +57,7 @@ struct FieldInfo {
   std::string name;  // unique in its table
   TableType::FieldKind kind;
   std::string default_text;  // value of the field in a new row; "-1 ... -1" of a key
-  IdKind id = IdKind::none;  // what it points at; a key's six elements are not told here
+  IdKind id = IdKind::none;  // what it points at; a key's six elements are told as columns
 };
 
 // Takes the values of a row in the order of its columns. They stand in the data base: good until a
@@ -84,6 +85,9 @@ class RowBuffer {
   virtual ~RowBuffer() = default;
   std::vector<TableType::FieldRef> key;
   std::vector<TableType::FieldRef> row;
+
+  // What has been read into it, by the table's columns.
+  KESTRIN_API std::vector<TableType::FieldView> Columns() const;
 };
 
 struct TableInfo : RowsInfo {
@@ -105,6 +109,9 @@ KESTRIN_API const std::vector<RowsInfo>& DerivedTables();
 // looks among the derived ones too.
 KESTRIN_API const TableInfo* Find(std::string_view section);
 KESTRIN_API const RowsInfo* FindRows(std::string_view section);
+
+// The column of names that a table gives its ids; nothing if it gives none.
+KESTRIN_API std::optional<std::size_t> NameColumn(const RowsInfo& info);
 
 // "integer", "unsigned", "long", "long long", "float", "text", "key (6 integers)".
 KESTRIN_API const char* KindName(TableType::FieldKind kind);

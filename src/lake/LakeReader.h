@@ -34,4 +34,11 @@ struct kestrin::LakeReader {
   static bool read(CLake& lake, const Source& source);
   // The same with the name of what is read.
   static bool read(CLake& lake, const Source& source, const CString& filename);
+
+  // A line by itself.
+  static CLake::CNode line(std::wstring_view text) {
+    CLake::CNode node;
+    node.set_line(text);
+    return node;
+  }
 };

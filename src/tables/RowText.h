@@ -52,7 +52,7 @@ inline constexpr std::size_t max_text_rest = TableType::text_width - 2;
 
 // Reads the fields from left to right and takes what they used off the front of line. Stops at the
 // first that fails: it and those behind it keep their values, and line still begins with it.
-Result ReadFields(std::span<const TableType::FieldRef> fields, std::wstring_view& line);
+KESTRIN_API Result ReadFields(std::span<const TableType::FieldRef> fields, std::wstring_view& line);
 
 // The same with a log line for a number that failed.
 KESTRIN_API bool Read(std::span<const TableType::FieldRef> fields, std::wstring_view& line);

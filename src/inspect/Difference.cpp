@@ -1,0 +1,112 @@
+#include "inspect/Difference.h"
+
+#include <algorithm>
+#include <cmath>
+#include <compare>
+#include <cstring>
+#include <cwchar>
+#include <numeric>
+#include <vector>
+
+namespace kestrin::Difference {
+namespace {
+
+using TableCatalogue::RowsInfo;
+using TableType::FieldKind;
+using TableType::FieldView;
+
+template <class T>
+const T& As(const FieldView& column) {
+  return *static_cast<const T*>(column.place);
+}
+
+int Texts(const FieldView& a, const FieldView& b) {
+  return std::wcsncmp(&As<wchar_t>(a), &As<wchar_t>(b), TableType::text_width);
+}
+
+// As the keys of tables are ordered: NaN behind all numbers.
+std::weak_ordering Order(const FieldView& a, const FieldView& b) {
+  switch (a.kind) {
+    case FieldKind::unsigned_int:
+      return As<unsigned>(a) <=> As<unsigned>(b);
+    case FieldKind::long_long:
+      return As<long long>(a) <=> As<long long>(b);
+    case FieldKind::real: {
+      const auto order = As<float>(a) <=> As<float>(b);
+      if (order < 0) return std::weak_ordering::less;
+      if (order > 0) return std::weak_ordering::greater;
+      return std::isnan(As<float>(a)) <=> std::isnan(As<float>(b));
+    }
+    case FieldKind::text:
+      return Texts(a, b) <=> 0;
+    default:
+      return As<int>(a) <=> As<int>(b);
+  }
+}
+
+// The rows of a table in the order of their keys, which the load may have broken in one of them.
+class Rows {
+ public:
+  Rows(const RowsInfo& info, const CQtParamDistillery& data)
+      : width_(info.columns.size()), key_columns_(info.key_columns) {
+    info.walk(data, [this](Columns row) { values_.insert(values_.end(), row.begin(), row.end()); });
+    places_.resize(values_.size() / width_);
+    std::iota(places_.begin(), places_.end(), std::size_t{0});
+    const auto less = [this](std::size_t a, std::size_t b) { return Keys(Row(a), Row(b)) < 0; };
+    if (!std::is_sorted(places_.begin(), places_.end(), less)) {
+      std::stable_sort(places_.begin(), places_.end(), less);
+    }
+  }
+
+  std::size_t size() const { return places_.size(); }
+  Columns operator[](std::size_t i) const { return Row(places_[i]); }
+
+  std::weak_ordering Keys(Columns a, Columns b) const {
+    auto order = std::weak_ordering::equivalent;
+    for (std::size_t i = 0; order == 0 && i < key_columns_; ++i) order = Order(a[i], b[i]);
+    return order;
+  }
+
+ private:
+  Columns Row(std::size_t place) const { return Columns(values_).subspan(place * width_, width_); }
+
+  std::size_t width_;
+  std::size_t key_columns_;
+  std::vector<FieldView> values_;
+  std::vector<std::size_t> places_;
+};
+
+}  // namespace
+
+bool IsSame(const FieldView& a, const FieldView& b) {
+  if (a.kind == FieldKind::text) return Texts(a, b) == 0;
+  if (a.kind == FieldKind::real && std::isnan(As<float>(a)) && std::isnan(As<float>(b)))
+    return true;
+  const std::size_t size = a.kind == FieldKind::long_long ? sizeof(long long) : sizeof(int);
+  return std::memcmp(a.place, b.place, size) == 0;
+}
+
+void Compare(const CQtParamDistillery& before, const CQtParamDistillery& after,
+             const Visitor& visit, long long loads_began) {
+  const auto is_same = [loads_began](const FieldView& a, const FieldView& b) {
+    return IsSame(a, b) || (a.kind == FieldKind::long_long && As<long long>(a) >= loads_began &&
+                            As<long long>(b) >= loads_began);
+  };
+  for (const RowsInfo& table : TableCatalogue::Tables()) {
+    const Rows old_rows(table, before);
+    const Rows new_rows(table, after);
+    std::size_t i = 0;
+    std::size_t j = 0;
+    while (i < old_rows.size() || j < new_rows.size()) {
+      auto order = j == new_rows.size() ? std::weak_ordering::less : std::weak_ordering::greater;
+      if (i < old_rows.size() && j < new_rows.size()) {
+        order = old_rows.Keys(old_rows[i], new_rows[j]);
+      }
+      const Columns a = order <= 0 ? old_rows[i++] : Columns();
+      const Columns b = order >= 0 ? new_rows[j++] : Columns();
+      if (!std::equal(a.begin(), a.end(), b.begin(), b.end(), is_same)) visit(table, a, b);
+    }
+  }
+}
+
+}  // namespace kestrin::Difference
