@@ -99,6 +99,55 @@ void Csv(CLI::App& command, Request& request) {
       ->excludes("--json");
 }
 
+void TwoFiles(CLI::App& command, Request& request) {
+  command.add_option("OLD", request.file, "Parameter file")->required();
+  command.add_option("NEW", request.other_file, "Parameter file to compare it with")->required();
+}
+
+void FmtOptions(CLI::App& command, Request& request) {
+  command.add_flag("--in-place", request.in_place,
+                   "Replace the file by what is tidied, whole or not at all");
+  command
+      .add_flag("--check", request.check_only,
+                "Write nothing; exit status 1 if the file isn't tidy, with the first line of it")
+      ->excludes("--in-place");
+}
+
+void IdOfKind(CLI::App& command, Request& request) {
+  using Kind = TableCatalogue::IdKind;
+  const std::map<std::string, Kind> kinds = {{"test-step", Kind::mode},
+                                             {"mode", Kind::mode},
+                                             {"instrument", Kind::instrument},
+                                             {"channel", Kind::channel},
+                                             {"object", Kind::location},
+                                             {"location", Kind::location},
+                                             {"parameter", Kind::parameter},
+                                             {"signal", Kind::sensor},
+                                             {"sensor", Kind::sensor},
+                                             {"phys_mode", Kind::phys_mode},
+                                             {"trigger", Kind::trigger},
+                                             {"speed_source", Kind::speed_source},
+                                             {"rotor", Kind::rotor},
+                                             {"phys_gear", Kind::phys_gear},
+                                             {"sensor_group", Kind::sensor_group},
+                                             {"type", Kind::type},
+                                             {"polygon", Kind::polygon}};
+  std::string names;
+  for (const auto& [name, kind] : kinds) names += (names.empty() ? "" : ", ") + name;
+  command.add_option("ELEMENT", request.kind, "What the id stands for: " + names)
+      ->required()
+      ->transform(CLI::CheckedTransformer(kinds, CLI::ignore_case));
+  command.add_option("ID", request.id, "The id")->required();
+}
+
+void Out(CLI::App& command, Request& request) {
+  command.add_option("OUT", request.other_file, "SQLite data base to make; a folder with --csv")
+      ->required();
+  command.add_flag("--csv", request.csv,
+                   "Make a folder with a file of comma-separated values for each table");
+  command.add_flag("--force", request.force, "Replace what is there");
+}
+
 void Limit(CLI::App& command, Request& request) {
   command
       .add_option("--limit", request.limit,
@@ -292,6 +341,18 @@ const std::vector<Command>& Commands() {
       {"dump", "The rows of one table or of all, for people or as data",
        "samples/gearbox.par TMode --limit 3",
        {File, Rows, Limit, Csv}, DescribeDump, PrintDump},
+      {"export", "All tables as an SQLite data base, or as comma-separated values",
+       "samples/gearbox.par gearbox.sqlite",
+       {File, Out}, DescribeExport, PrintExport},
+      {"diff", "What differs between two files, by table, key and field; exit status 1 if anything",
+       "samples/gearbox.par new.par",
+       {TwoFiles}, DescribeDiff, PrintDiff},
+      {"where", "Every row in which an id stands, by section and line",
+       "samples/gearbox.par test-step 130",
+       {File, IdOfKind}, DescribeWhere, PrintWhere},
+      {"fmt", "A file tidied: blank lines, tabs, line ends; what it says stays",
+       "samples/gearbox.par --check",
+       {File, FmtOptions}, DescribeFmt, PrintFmt},
       {"tables", "The catalogue: what the lines of each section hold",
        "TMode",
        {Table}, DescribeTables, PrintTables},

@@ -31,6 +31,7 @@ struct Request {
   const CLI::App* program = nullptr;  // with all commands
   std::string shell;
   std::string file;
+  std::string other_file;
   std::string svg;             // the picture to draw; "-" for standard output
   std::optional<double> from;  // what its axis shows
   std::optional<double> to;
@@ -43,6 +44,11 @@ struct Request {
   const kestrin::TableCatalogue::TableInfo* table = nullptr;
   const kestrin::TableCatalogue::RowsInfo* rows = nullptr;  // a table or a derived one
   bool csv = false;
+  bool in_place = false;
+  bool check_only = false;
+  bool force = false;
+  kestrin::TableCatalogue::IdKind kind = kestrin::TableCatalogue::IdKind::none;
+  int id = 0;  // of that kind
   std::string separator = "|";
   std::string definition;
 
@@ -101,14 +107,14 @@ struct Command {
 const std::vector<Command>& Commands();
 
 // The functions of the table.
-Command::DescribeAlone DescribeLoad, DescribeTables, DescribeCheck, DescribeOrder,
-    DescribeCompletion, DescribeManual;
+Command::DescribeAlone DescribeLoad, DescribeTables, DescribeCheck, DescribeOrder, DescribeDiff,
+    DescribeFmt, DescribeWhere, DescribeCompletion, DescribeManual;
 Command::Describe DescribeNames, DescribeDump, DescribeMode, DescribeKey, DescribePick,
     DescribeChannel, DescribeRotors, DescribeCalc, DescribeIntervals, DescribePolygon,
-    DescribeTrigger;
+    DescribeTrigger, DescribeExport;
 Command::Print PrintLoad, PrintNames, PrintDump, PrintTables, PrintCheck, PrintMode, PrintKey,
     PrintPick, PrintChannel, PrintRotors, PrintCalc, PrintOrder, PrintIntervals, PrintPolygon,
-    PrintTrigger, PrintCompletion, PrintManual;
+    PrintTrigger, PrintDiff, PrintFmt, PrintWhere, PrintExport, PrintCompletion, PrintManual;
 Command::Draw DrawIntervals, DrawPolygon;
 
 }  // namespace kestrindb

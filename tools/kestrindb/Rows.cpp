@@ -18,6 +18,30 @@ std::string InQuotes(const std::string& text) {
 
 }  // namespace
 
+const RowsInfo* NamesOf(TableCatalogue::IdKind kind) {
+  using Kind = TableCatalogue::IdKind;
+  if (kind == Kind::none) return nullptr;
+  if (kind == Kind::polygon_points) kind = Kind::polygon;
+  const RowsInfo* const home = TableCatalogue::Find(TableCatalogue::HomeOf(kind).section);
+  return TableCatalogue::NameColumn(*home) ? home : nullptr;
+}
+
+const std::string& IdNames::operator()(TableCatalogue::IdKind kind, long long id) {
+  static const std::string none;
+  const auto [place, is_new] = names_.try_emplace(kind);
+  OfKind& names = place->second;
+  const RowsInfo* const home = is_new ? NamesOf(kind) : nullptr;
+  if (home != nullptr) {
+    const std::size_t name = *TableCatalogue::NameColumn(*home);
+    home->walk(data_, [&](std::span<const TableType::FieldView> columns) {
+      const Values row = ValuesOf(columns);
+      names.emplace(std::get<long long>(row[0]), std::get<std::string>(row[name]));
+    });
+  }
+  const auto found = names.find(id);
+  return found == names.end() ? none : found->second;
+}
+
 Values ValuesOf(std::span<const TableType::FieldView> columns) {
   Values values;
   values.reserve(columns.size());
@@ -35,6 +59,19 @@ Json ToJson(const Value& value) {
 Json ToJson(const RowsInfo& info, const Values& row, std::size_t first, std::size_t last) {
   Json json = Json::object();
   for (std::size_t i = first; i < last; ++i) json[info.columns[i].name] = ToJson(row[i]);
+  return json;
+}
+
+Json ToJson(const RowsInfo& info, const Values& row, std::size_t first, std::size_t last,
+            IdNames& names) {
+  Json json = Json::object();
+  for (std::size_t i = first; i < last; ++i) {
+    const auto& column = info.columns[i];
+    json[column.name] = ToJson(row[i]);
+    if (column.id == TableCatalogue::IdKind::none) continue;
+    const std::string& name = names(column.id, std::get<long long>(row[i]));
+    if (!name.empty()) json[column.name + "_name"] = name;
+  }
   return json;
 }
 

@@ -1,9 +1,9 @@
 // kestrindb, the command-line host of lKestrinDb: loads a parameter file and asks it.
 //
 // Answers go to standard output, the library's log to standard error. Exit status 0: fine; 1: the
-// data base was refused or lines of it were bad; 2: the file can't be used; 3: the user cancelled;
-// 4: there is no terminal for a command that needs one; beyond that, the command line itself was
-// wrong.
+// data base was refused or lines of it were bad, or two files differ; 2: the file can't be used; 3:
+// the user cancelled; 4: there is no terminal for a command that needs one; beyond that, the
+// command line itself was wrong.
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
