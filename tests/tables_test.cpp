@@ -9,8 +9,7 @@ struct Row : QValueBase, TableType::Fields<Row> {
   wchar_t text[TableType::text_width] = {};
   int number = 5;
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("text", &Row::text),
-                                TableType::Field("number", &Row::number));
+    return List(At("text", &Row::text), At("number", &Row::number));
   }
 };
 

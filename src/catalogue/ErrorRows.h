@@ -12,12 +12,9 @@ struct QVErrorCode : QValueBase, TableType::Fields<QVErrorCode> {
   int fifth = 0;
 
   static constexpr auto fields() {
-    return TableType::FieldList(
-        TableType::Field("first", &QVErrorCode::first),
-        TableType::Field("text", &QVErrorCode::text),
-        TableType::Field("third", &QVErrorCode::third),
-        TableType::Field("fourth", &QVErrorCode::fourth),
-        TableType::Field("fifth", &QVErrorCode::fifth, TableType::FieldKind::long_int));
+    return List(At("first", &QVErrorCode::first), At("text", &QVErrorCode::text),
+                At("third", &QVErrorCode::third), At("fourth", &QVErrorCode::fourth),
+                At("fifth", &QVErrorCode::fifth, TableType::FieldKind::long_int));
   }
 };
 
@@ -32,13 +29,10 @@ struct QVExternalError : QValueBase, TableType::Fields<QVExternalError> {
   int seventh = -1;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("first", &QVExternalError::first),
-                                TableType::Field("second", &QVExternalError::second),
-                                TableType::Field("third", &QVExternalError::third),
-                                TableType::Field("fourth", &QVExternalError::fourth),
-                                TableType::Field("fifth", &QVExternalError::fifth),
-                                TableType::Field("sixth", &QVExternalError::sixth),
-                                TableType::Field("seventh", &QVExternalError::seventh));
+    return List(At("first", &QVExternalError::first), At("second", &QVExternalError::second),
+                At("third", &QVExternalError::third), At("fourth", &QVExternalError::fourth),
+                At("fifth", &QVExternalError::fifth), At("sixth", &QVExternalError::sixth),
+                At("seventh", &QVExternalError::seventh));
   }
 };
 
@@ -50,11 +44,9 @@ struct QVErrorGroup : QValueBase, TableType::Fields<QVErrorGroup> {
   wchar_t text_2[TableType::text_width] = {};
 
   static constexpr auto fields() {
-    return TableType::FieldList(
-        TableType::Field("first", &QVErrorGroup::first, TableType::FieldKind::long_int),
-        TableType::Field("second", &QVErrorGroup::second, TableType::FieldKind::long_int),
-        TableType::Field("text_1", &QVErrorGroup::text_1),
-        TableType::Field("text_2", &QVErrorGroup::text_2));
+    return List(At("first", &QVErrorGroup::first, TableType::FieldKind::long_int),
+                At("second", &QVErrorGroup::second, TableType::FieldKind::long_int),
+                At("text_1", &QVErrorGroup::text_1), At("text_2", &QVErrorGroup::text_2));
   }
 };
 
@@ -63,7 +55,6 @@ struct QVShadowGroupProperty : QValueBase, TableType::Fields<QVShadowGroupProper
   int first = 0;
 
   static constexpr auto fields() {
-    return TableType::FieldList(
-        TableType::Field("first", &QVShadowGroupProperty::first, TableType::FieldKind::long_int));
+    return List(At("first", &QVShadowGroupProperty::first, TableType::FieldKind::long_int));
   }
 };

@@ -58,7 +58,5 @@ struct KESTRIN_API QVIpCalcParameter : QValueBase, TableType::Fields<QVIpCalcPar
   static unsigned GetCalcParamEnumTexts(std::list<CString>& texts);
   static unsigned GetCalcParamEnumSubTexts(int number, std::list<CString>& texts);
 
-  static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("text", &QVIpCalcParameter::text));
-  }
+  static constexpr auto fields() { return List(At("text", &QVIpCalcParameter::text)); }
 };

@@ -14,11 +14,10 @@ struct QVIpLearnParameter : QValueBase, TableType::Fields<QVIpLearnParameter> {
   long long time_2 = time_1;
 
   static constexpr auto fields() {
-    return TableType::FieldList(
-        TableType::Field("first", &QVIpLearnParameter::first),
-        TableType::Field("time_1", &QVIpLearnParameter::time_1, "the time of the load"),
-        TableType::Field("third", &QVIpLearnParameter::third),
-        TableType::Field("time_2", &QVIpLearnParameter::time_2, "the time of the load"));
+    return List(At("first", &QVIpLearnParameter::first),
+                At("time_1", &QVIpLearnParameter::time_1, "the time of the load"),
+                At("third", &QVIpLearnParameter::third),
+                At("time_2", &QVIpLearnParameter::time_2, "the time of the load"));
   }
 };
 
@@ -30,9 +29,7 @@ struct QVLearnProcedures : QValueBase, TableType::Fields<QVLearnProcedures> {
   wchar_t text[TableType::text_width] = {};
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("first", &QVLearnProcedures::first),
-                                TableType::Field("second", &QVLearnProcedures::second),
-                                TableType::Field("third", &QVLearnProcedures::third),
-                                TableType::Field("text", &QVLearnProcedures::text));
+    return List(At("first", &QVLearnProcedures::first), At("second", &QVLearnProcedures::second),
+                At("third", &QVLearnProcedures::third), At("text", &QVLearnProcedures::text));
   }
 };

@@ -13,11 +13,9 @@ struct QVIpParamAndStore : QValueBase, TableType::Fields<QVIpParamAndStore> {
   float fifth = 0.0F;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("first", &QVIpParamAndStore::first),
-                                TableType::Field("second", &QVIpParamAndStore::second),
-                                TableType::Field("third", &QVIpParamAndStore::third),
-                                TableType::Field("fourth", &QVIpParamAndStore::fourth),
-                                TableType::Field("fifth", &QVIpParamAndStore::fifth));
+    return List(At("first", &QVIpParamAndStore::first), At("second", &QVIpParamAndStore::second),
+                At("third", &QVIpParamAndStore::third), At("fourth", &QVIpParamAndStore::fourth),
+                At("fifth", &QVIpParamAndStore::fifth));
   }
 };
 
@@ -25,9 +23,7 @@ struct QVIpParamAndStore : QValueBase, TableType::Fields<QVIpParamAndStore> {
 struct QVIpRunTest : QValueBase, TableType::Fields<QVIpRunTest> {
   int first = 1;
 
-  static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("first", &QVIpRunTest::first));
-  }
+  static constexpr auto fields() { return List(At("first", &QVIpRunTest::first)); }
 };
 
 // What all limits have in common.
@@ -47,9 +43,8 @@ struct QVLimSValue : QVLimitBase, TableType::Fields<QVLimSValue> {
   float third = 0.0F;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("first", &QVLimSValue::first),
-                                TableType::Field("second", &QVLimSValue::second),
-                                TableType::Field("third", &QVLimSValue::third));
+    return List(At("first", &QVLimSValue::first), At("second", &QVLimSValue::second),
+                At("third", &QVLimSValue::third));
   }
 };
 
@@ -61,11 +56,9 @@ struct QVLimCValue : QVLimitBase, TableType::Fields<QVLimCValue> {
   int fifth = -1;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("first", &QVLimCValue::first),
-                                TableType::Field("second", &QVLimCValue::second),
-                                TableType::Field("third", &QVLimCValue::third),
-                                TableType::Field("fourth", &QVLimCValue::fourth),
-                                TableType::Field("fifth", &QVLimCValue::fifth));
+    return List(At("first", &QVLimCValue::first), At("second", &QVLimCValue::second),
+                At("third", &QVLimCValue::third), At("fourth", &QVLimCValue::fourth),
+                At("fifth", &QVLimCValue::fifth));
   }
 };
 
@@ -75,9 +68,8 @@ struct QVLimArea : QVLimitBase, TableType::Fields<QVLimArea> {
   float third = 0.0F;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("first", &QVLimArea::first),
-                                TableType::Field("second", &QVLimArea::second),
-                                TableType::Field("third", &QVLimArea::third));
+    return List(At("first", &QVLimArea::first), At("second", &QVLimArea::second),
+                At("third", &QVLimArea::third));
   }
 };
 
@@ -87,7 +79,6 @@ struct QVRelativeLimit : QValueBase, TableType::Fields<QVRelativeLimit> {
   float second = 0.0F;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("first", &QVRelativeLimit::first),
-                                TableType::Field("second", &QVRelativeLimit::second));
+    return List(At("first", &QVRelativeLimit::first), At("second", &QVRelativeLimit::second));
   }
 };

@@ -20,11 +20,9 @@ struct QVInstrumentParam : QValueBase, TableType::Fields<QVInstrumentParam> {
   unsigned fifth = 0;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("instrument", &QVInstrumentParam::instrument),
-                                TableType::Field("name", &QVInstrumentParam::name),
-                                TableType::Field("third", &QVInstrumentParam::third),
-                                TableType::Field("fourth", &QVInstrumentParam::fourth),
-                                TableType::Field("fifth", &QVInstrumentParam::fifth));
+    return List(At("instrument", &QVInstrumentParam::instrument),
+                At("name", &QVInstrumentParam::name), At("third", &QVInstrumentParam::third),
+                At("fourth", &QVInstrumentParam::fourth), At("fifth", &QVInstrumentParam::fifth));
   }
 };
 
@@ -40,10 +38,8 @@ struct QVModeProps : QValueBase, TableType::Fields<QVModeProps> {
   int fourth = 0;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("phys_mode", &QVModeProps::phys_mode),
-                                TableType::Field("flags", &QVModeProps::flags),
-                                TableType::Field("third", &QVModeProps::third),
-                                TableType::Field("fourth", &QVModeProps::fourth));
+    return List(At("phys_mode", &QVModeProps::phys_mode), At("flags", &QVModeProps::flags),
+                At("third", &QVModeProps::third), At("fourth", &QVModeProps::fourth));
   }
 };
 
@@ -53,9 +49,8 @@ struct QVChannelProperty : QValueBase, TableType::Fields<QVChannelProperty> {
   int second = -1;
 
   static constexpr auto fields() {
-    return TableType::FieldList(
-        TableType::Field("resampling_type", &QVChannelProperty::resampling_type),
-        TableType::Field("second", &QVChannelProperty::second));
+    return List(At("resampling_type", &QVChannelProperty::resampling_type),
+                At("second", &QVChannelProperty::second));
   }
 };
 
@@ -66,9 +61,7 @@ struct QVRefIdx : QValueBase, TableType::Fields<QVRefIdx> {
   QVRefIdx() = default;
   QVRefIdx(int id) : ref(id) {}
 
-  static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("ref", &QVRefIdx::ref));
-  }
+  static constexpr auto fields() { return List(At("ref", &QVRefIdx::ref)); }
 };
 
 // <TLocationProperty>: the properties of an object.
@@ -78,9 +71,8 @@ struct QVLocationProperty : QValueBase, TableType::Fields<QVLocationProperty> {
   int third = 0;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("flags", &QVLocationProperty::flags),
-                                TableType::Field("second", &QVLocationProperty::second),
-                                TableType::Field("third", &QVLocationProperty::third));
+    return List(At("flags", &QVLocationProperty::flags), At("second", &QVLocationProperty::second),
+                At("third", &QVLocationProperty::third));
   }
 };
 
@@ -91,9 +83,9 @@ struct QVInstrumentProperty : QValueBase, TableType::Fields<QVInstrumentProperty
   int third = 0;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("first", &QVInstrumentProperty::first),
-                                TableType::Field("second", &QVInstrumentProperty::second),
-                                TableType::Field("third", &QVInstrumentProperty::third));
+    return List(At("first", &QVInstrumentProperty::first),
+                At("second", &QVInstrumentProperty::second),
+                At("third", &QVInstrumentProperty::third));
   }
 };
 
@@ -108,8 +100,7 @@ struct KESTRIN_API QVClavisUserNames : QValueBase, TableType::Fields<QVClavisUse
   static void Clavis(const QIdx5& from, QClavis& to);
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("name", &QVClavisUserNames::name),
-                                TableType::Field("second", &QVClavisUserNames::second),
-                                TableType::Field("third", &QVClavisUserNames::third));
+    return List(At("name", &QVClavisUserNames::name), At("second", &QVClavisUserNames::second),
+                At("third", &QVClavisUserNames::third));
   }
 };

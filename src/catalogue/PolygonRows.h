@@ -9,8 +9,7 @@ struct QVClassIdName : QValueBase, TableType::Fields<QVClassIdName> {
   wchar_t name[TableType::text_width] = {};
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("class_id", &QVClassIdName::class_id),
-                                TableType::Field("name", &QVClassIdName::name));
+    return List(At("class_id", &QVClassIdName::class_id), At("name", &QVClassIdName::name));
   }
 };
 
@@ -20,8 +19,8 @@ struct QVIpPolygonProperty : QValueBase, TableType::Fields<QVIpPolygonProperty> 
   int second = 1;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("first", &QVIpPolygonProperty::first),
-                                TableType::Field("second", &QVIpPolygonProperty::second));
+    return List(At("first", &QVIpPolygonProperty::first),
+                At("second", &QVIpPolygonProperty::second));
   }
 };
 
@@ -32,7 +31,7 @@ struct QVIpY : QValueBase, TableType::Fields<QVIpY> {
   QVIpY() = default;
   explicit QVIpY(float value) : y(value) {}
 
-  static constexpr auto fields() { return TableType::FieldList(TableType::Field("y", &QVIpY::y)); }
+  static constexpr auto fields() { return List(At("y", &QVIpY::y)); }
 };
 
 // <TGrex10001>: the track polygon of a key; an element of -1 stands for any value.
@@ -51,15 +50,13 @@ struct QVIpSvTrackPolygon : QValueBase, TableType::Fields<QVIpSvTrackPolygon> {
   float y_end = 0.0F;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("track_a", &QVIpSvTrackPolygon::track_a),
-                                TableType::Field("track_b", &QVIpSvTrackPolygon::track_b),
-                                TableType::Field("track_c", &QVIpSvTrackPolygon::track_c),
-                                TableType::Field("polygon_id", &QVIpSvTrackPolygon::polygon_id),
-                                TableType::Field("offset", &QVIpSvTrackPolygon::offset),
-                                TableType::Field("polygon_mode", &QVIpSvTrackPolygon::polygon_mode),
-                                TableType::Field("x_start", &QVIpSvTrackPolygon::x_start),
-                                TableType::Field("x_end", &QVIpSvTrackPolygon::x_end),
-                                TableType::Field("y_start", &QVIpSvTrackPolygon::y_start),
-                                TableType::Field("y_end", &QVIpSvTrackPolygon::y_end));
+    return List(
+        At("track_a", &QVIpSvTrackPolygon::track_a), At("track_b", &QVIpSvTrackPolygon::track_b),
+        At("track_c", &QVIpSvTrackPolygon::track_c),
+        At("polygon_id", &QVIpSvTrackPolygon::polygon_id),
+        At("offset", &QVIpSvTrackPolygon::offset),
+        At("polygon_mode", &QVIpSvTrackPolygon::polygon_mode),
+        At("x_start", &QVIpSvTrackPolygon::x_start), At("x_end", &QVIpSvTrackPolygon::x_end),
+        At("y_start", &QVIpSvTrackPolygon::y_start), At("y_end", &QVIpSvTrackPolygon::y_end));
   }
 };

@@ -8,18 +8,14 @@
 struct QVRotorSpeeds : QValueBase, TableType::Fields<QVRotorSpeeds> {
   float speed = 0.0F;
 
-  static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("speed", &QVRotorSpeeds::speed));
-  }
+  static constexpr auto fields() { return List(At("speed", &QVRotorSpeeds::speed)); }
 };
 
 // <TBaseOrder>: the base order of a physical gear: for a gear wheel its number of teeth.
 struct QVBaseOrder : QValueBase, TableType::Fields<QVBaseOrder> {
   float base_order = 0.0F;
 
-  static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("base_order", &QVBaseOrder::base_order));
-  }
+  static constexpr auto fields() { return List(At("base_order", &QVBaseOrder::base_order)); }
 };
 
 // <TResampling> and <TResamplingM>, by a job or set and the physical mode or test step: how a
@@ -36,15 +32,11 @@ struct QVResampling : QValueBase, TableType::Fields<QVResampling> {
   int ninth = -1;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("first", &QVResampling::first),
-                                TableType::Field("second", &QVResampling::second),
-                                TableType::Field("third", &QVResampling::third),
-                                TableType::Field("fourth", &QVResampling::fourth),
-                                TableType::Field("fifth", &QVResampling::fifth),
-                                TableType::Field("sixth", &QVResampling::sixth),
-                                TableType::Field("seventh", &QVResampling::seventh),
-                                TableType::Field("eighth", &QVResampling::eighth),
-                                TableType::Field("ninth", &QVResampling::ninth));
+    return List(At("first", &QVResampling::first), At("second", &QVResampling::second),
+                At("third", &QVResampling::third), At("fourth", &QVResampling::fourth),
+                At("fifth", &QVResampling::fifth), At("sixth", &QVResampling::sixth),
+                At("seventh", &QVResampling::seventh), At("eighth", &QVResampling::eighth),
+                At("ninth", &QVResampling::ninth));
   }
 };
 
@@ -54,8 +46,7 @@ struct QVSensorGroupList : QValueBase, TableType::Fields<QVSensorGroupList> {
   int second = -1;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("first", &QVSensorGroupList::first),
-                                TableType::Field("second", &QVSensorGroupList::second));
+    return List(At("first", &QVSensorGroupList::first), At("second", &QVSensorGroupList::second));
   }
 };
 
@@ -77,11 +68,11 @@ struct QVAppSignalProperty : QValueBase, TableType::Fields<QVAppSignalProperty> 
   int eleventh = 0;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("signal_type", &QVAppSignalProperty::signal_type),
-                                TableType::Field("unit_text", &QVAppSignalProperty::unit_text),
-                                TableType::Field("third", &QVAppSignalProperty::third),
-                                TableType::Field("unit_code", &QVAppSignalProperty::unit_code),
-                                TableType::Field("unit_prefix", &QVAppSignalProperty::unit_prefix));
+    return List(At("signal_type", &QVAppSignalProperty::signal_type),
+                At("unit_text", &QVAppSignalProperty::unit_text),
+                At("third", &QVAppSignalProperty::third),
+                At("unit_code", &QVAppSignalProperty::unit_code),
+                At("unit_prefix", &QVAppSignalProperty::unit_prefix));
   }
 };
 
@@ -89,16 +80,12 @@ struct QVAppSignalProperty : QValueBase, TableType::Fields<QVAppSignalProperty> 
 struct QVSensorConfiguration : QValueBase, TableType::Fields<QVSensorConfiguration> {
   int first = -1;
 
-  static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("first", &QVSensorConfiguration::first));
-  }
+  static constexpr auto fields() { return List(At("first", &QVSensorConfiguration::first)); }
 };
 
 // <TSignalDispatch>, by one id.
 struct QVSignalDispatch : QValueBase, TableType::Fields<QVSignalDispatch> {
   int first = -1;
 
-  static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("first", &QVSignalDispatch::first));
-  }
+  static constexpr auto fields() { return List(At("first", &QVSignalDispatch::first)); }
 };

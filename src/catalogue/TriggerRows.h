@@ -9,8 +9,7 @@ struct QVTrigger : QValueBase, TableType::Fields<QVTrigger> {
   int second = 0;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("name", &QVTrigger::name),
-                                TableType::Field("second", &QVTrigger::second));
+    return List(At("name", &QVTrigger::name), At("second", &QVTrigger::second));
   }
 };
 
@@ -31,16 +30,12 @@ struct QVTriggerParams : QValueBase, TableType::Fields<QVTriggerParams> {
   int tenth = 0;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("first", &QVTriggerParams::first),
-                                TableType::Field("second", &QVTriggerParams::second),
-                                TableType::Field("start", &QVTriggerParams::start),
-                                TableType::Field("stop", &QVTriggerParams::stop),
-                                TableType::Field("step", &QVTriggerParams::step),
-                                TableType::Field("sixth", &QVTriggerParams::sixth),
-                                TableType::Field("direction", &QVTriggerParams::direction),
-                                TableType::Field("eighth", &QVTriggerParams::eighth),
-                                TableType::Field("ninth", &QVTriggerParams::ninth),
-                                TableType::Field("tenth", &QVTriggerParams::tenth));
+    return List(At("first", &QVTriggerParams::first), At("second", &QVTriggerParams::second),
+                At("start", &QVTriggerParams::start), At("stop", &QVTriggerParams::stop),
+                At("step", &QVTriggerParams::step), At("sixth", &QVTriggerParams::sixth),
+                At("direction", &QVTriggerParams::direction),
+                At("eighth", &QVTriggerParams::eighth), At("ninth", &QVTriggerParams::ninth),
+                At("tenth", &QVTriggerParams::tenth));
   }
 };
 
@@ -55,12 +50,10 @@ struct QVAutoModeParams : QValueBase, TableType::Fields<QVAutoModeParams> {
   float sixth = 5.0F;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("start", &QVAutoModeParams::start),
-                                TableType::Field("second", &QVAutoModeParams::second),
-                                TableType::Field("step", &QVAutoModeParams::step),
-                                TableType::Field("directional", &QVAutoModeParams::directional),
-                                TableType::Field("fifth", &QVAutoModeParams::fifth),
-                                TableType::Field("sixth", &QVAutoModeParams::sixth));
+    return List(At("start", &QVAutoModeParams::start), At("second", &QVAutoModeParams::second),
+                At("step", &QVAutoModeParams::step),
+                At("directional", &QVAutoModeParams::directional),
+                At("fifth", &QVAutoModeParams::fifth), At("sixth", &QVAutoModeParams::sixth));
   }
 };
 
@@ -68,9 +61,7 @@ struct QVAutoModeParams : QValueBase, TableType::Fields<QVAutoModeParams> {
 struct QVAutoMode : QValueBase, TableType::Fields<QVAutoMode> {
   int first = -1;
 
-  static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("first", &QVAutoMode::first));
-  }
+  static constexpr auto fields() { return List(At("first", &QVAutoMode::first)); }
 };
 
 // <TAutoModeSelector>, by one id, which may stand on several lines.
@@ -81,9 +72,8 @@ struct QVAutoModeSelector : QValueBase, TableType::Fields<QVAutoModeSelector> {
   int fourth = -1;
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("clavis", &QVAutoModeSelector::clavis),
-                                TableType::Field("second", &QVAutoModeSelector::second),
-                                TableType::Field("third", &QVAutoModeSelector::third),
-                                TableType::Field("fourth", &QVAutoModeSelector::fourth));
+    return List(At("clavis", &QVAutoModeSelector::clavis),
+                At("second", &QVAutoModeSelector::second), At("third", &QVAutoModeSelector::third),
+                At("fourth", &QVAutoModeSelector::fourth));
   }
 };

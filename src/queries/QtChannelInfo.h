@@ -27,8 +27,7 @@ struct QVRefFlag : QValueBase, TableType::Fields<QVRefFlag> {
   QVRefFlag(int id, int bits) : ref(id), flags(bits) {}
 
   static constexpr auto fields() {
-    return TableType::FieldList(TableType::Field("ref", &QVRefFlag::ref),
-                                TableType::Field("flags", &QVRefFlag::flags));
+    return List(At("ref", &QVRefFlag::ref), At("flags", &QVRefFlag::flags));
   }
 };
 

@@ -8,8 +8,7 @@
 //     wchar_t name[TableType::text_width] = {};
 //     int second = 0;
 //     static constexpr auto fields() {
-//       return TableType::FieldList(TableType::Field("name", &QVTrigger::name),
-//                                   TableType::Field("second", &QVTrigger::second));
+//       return List(At("name", &QVTrigger::name), At("second", &QVTrigger::second));
 //     }
 //   };
 //
@@ -82,11 +81,6 @@ struct Field {
       : name(field_name), member(field_member), default_note(note) {}
 };
 
-template <class... F>
-constexpr std::tuple<F...> FieldList(F... field) {
-  return {field...};
-}
-
 // The fields of a record in order, by its list or else by its tuple().
 template <class Record>
 auto Refs(Record& record) {
@@ -116,6 +110,17 @@ class Fields {
  public:
   auto tuple() { return Tie(static_cast<Record&>(*this)); }
   auto tuple() const { return Tie(static_cast<const Record&>(*this)); }
+
+ protected:
+  // The words of fields(): each field with its name and member, and what else Field takes.
+  template <class T, class Base, class... Rest>
+  static constexpr auto At(const char* name, T Base::*member, Rest... rest) {
+    return Field<Base, T>(name, member, rest...);
+  }
+  template <class... F>
+  static constexpr std::tuple<F...> List(F... field) {
+    return {field...};
+  }
 
  private:
   friend Record;
