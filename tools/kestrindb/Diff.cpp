@@ -14,7 +14,7 @@ namespace {
 // A file loaded beside others. Whatever keeps it from that is trouble, as diff has it.
 struct Side {
   explicit Side(const std::string& file) {
-    ReadLake(file);
+    ReadCandidateLake(file);
     if (!params.ReadTablesFromCandidateLake()) {
       throw Failure(file_unusable, "The file '" + file + "' was not accepted as a data base: " +
                                        Utf8(params.LastRefusal().sentence));
