@@ -345,7 +345,7 @@ const std::vector<Command>& Commands() {
        "samples/gearbox.par gearbox.sqlite",
        {File, Out}, DescribeExport, PrintExport},
       {"diff", "What differs between two files, by table, key and field; exit status 1 if anything",
-       "samples/gearbox.par new.par",
+       "samples/gearbox.par samples/gearbox.par",
        {TwoFiles}, DescribeDiff, PrintDiff},
       {"where", "Every row in which an id stands, by section and line",
        "samples/gearbox.par test-step 130",
