@@ -61,8 +61,8 @@ class OwnHost {
   CResourceSea* sea_before_;
 };
 
-constexpr const wchar_t* major_version = L"<DbDesign.CacheVersion>";
-constexpr const wchar_t* minor_version = L"<DbDesign.CacheMinorVersion>";
+constexpr const wchar_t* major_version = CQTableManager::major_key;
+constexpr const wchar_t* minor_version = CQTableManager::minor_key;
 
 // The version stands in front, so that no input is lost to a refusal.
 void FillCandidateLake(const CLake& lake) {

@@ -58,6 +58,11 @@ int Negated(int value) {
 
 bool IsSign(wchar_t c) { return c == L'+' || c == L'-'; }
 
+// An x in place of the number stands for 1.
+bool Repeats(std::wstring_view behind) {
+  return behind.starts_with(L'x') || behind.starts_with(L'X');
+}
+
 // Finds the term of a letter in the text of one position. Only the letter's first occurrence
 // counts. On term_error, error tells why, with an offset into the text.
 template <class T, class Reader>
@@ -73,7 +78,7 @@ term_state ScanTerm(T& value, std::wstring_view text, wchar_t letter, Reader rea
   if (at == std::wstring_view::npos) return term_absent;
 
   const std::wstring_view behind = text.substr(at + 1);
-  const bool repeat = behind.starts_with(L'x') || behind.starts_with(L'X');
+  const bool repeat = Repeats(behind);
   const Reading<T> reading = repeat ? Reading<T>{T{1}, 1} : read(behind);
   if (reading.used == 0) return fail(Reason::number_missing, at);
   value = reading.value;
@@ -146,7 +151,7 @@ std::vector<bool> ReadInPosition(std::wstring_view text) {
     const std::size_t at = text.find(letter);
     if (at == std::wstring_view::npos) continue;
     const std::wstring_view behind = text.substr(at + 1);
-    const bool repeat = behind.starts_with(L'x') || behind.starts_with(L'X');
+    const bool repeat = Repeats(behind);
     const std::size_t used = repeat           ? 1
                              : letter == L'L' ? ReadInt(behind).used
                                               : ReadFloat(behind).used;

@@ -32,8 +32,8 @@ std::string OrNone(const Json& json, const char* field) {
 Answer DescribeLoad(const Request& request) {
   const DataBase data(request.file);
   CLake& lake = CParameterLake::Lake();
-  const int major = lake[L"<DbDesign.CacheVersion>"];
-  const int minor = lake[L"<DbDesign.CacheMinorVersion>"];
+  const int major = lake[CQTableManager::major_key];
+  const int minor = lake[CQTableManager::minor_key];
   Json json;
   json["accepted"] = data.IsAccepted();
   if (!data.IsAccepted()) json["reason"] = Utf8(data.params.LastRefusal().sentence);

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <fstream>
 #include <iostream>
 #include <iterator>
+#include <sstream>
 
 #include "DataBase.h"
 
@@ -166,17 +166,21 @@ double Svg::Titles(std::string_view title, std::string_view subtitle) {
 }
 
 void Svg::Save(const std::string& file_name, double height) const {
-  std::ofstream file;
-  if (file_name != "-") file.open(file_name, std::ios::binary);
-  std::ostream& out = file_name == "-" ? std::cout : file;
+  std::ostringstream out;
   out << "<svg xmlns=\"http://www.w3.org/2000/svg\"" << Attribute("width", width)
       << Attribute("height", height)
       << Attribute("viewBox", "0 0 " + ShortText(width) + ' ' + ShortText(height))
       << " font-family=\"Helvetica, Arial, sans-serif\">\n"
       << "<rect width=\"100%\" height=\"100%\" fill=\"#ffffff\"/>\n"
       << body_ << "</svg>\n";
-  if (!out.flush()) {
-    throw Failure(file_unusable, "The picture '" + file_name + "' can't be written.");
+  if (file_name == "-") {
+    std::cout << out.str();
+    return;
+  }
+  try {
+    kestrin::ReplaceFile(Wide(file_name), out.str());
+  } catch (const CFileException& error) {
+    throw Failure(file_unusable, error.what());
   }
 }
 

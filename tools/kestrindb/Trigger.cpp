@@ -19,7 +19,10 @@ const char* Direction(const CQtParamInstance& params, const Request& request, un
   const auto row = params.TriggerParam().find({CQtParamInstance::VirtMode2BaseMode(*request.mode),
                                                request.trigger, static_cast<int>(dim) + 1});
   if (row == params.TriggerParam().end()) return "none";
-  return row->second.direction == 2 ? "raising" : row->second.direction == 3 ? "falling" : "none";
+  const int direction = row->second.direction;
+  return direction == QVTriggerParams::raising_direction   ? "raising"
+         : direction == QVTriggerParams::falling_direction ? "falling"
+                                                           : "none";
 }
 
 CTriggerStore::CIntervals AxesOf(const CTriggerStore& store, const Request& request) {
