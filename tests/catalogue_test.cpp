@@ -19,20 +19,6 @@ TEST(Catalogue, FieldsOfARowLieInTheOrderOfItsText) {
   }
 }
 
-TEST(Catalogue, TheManagerHasTheTablesInTheirOrder) {
-  const TestStore data;
-  const CQTableManager& manager = data.store.Manager();
-  for (const auto& info : TableCatalogue::Tables()) {
-    const auto place = static_cast<unsigned>(info.reading_place);
-    const auto* table = dynamic_cast<const CQParamBaseTable*>(manager.Table(place - 1));
-    ASSERT_NE(table, nullptr) << place;
-    EXPECT_EQ(Text::ToUtf8(table->name), info.section);
-    EXPECT_EQ(TableCatalogue::Find(info.section), &info);
-  }
-  EXPECT_EQ(manager.Table(56), nullptr);
-  EXPECT_EQ(TableCatalogue::Find("<TNothing>"), nullptr);
-}
-
 // Columns of a table in a data base, or fields of an object, that have one name lose a value.
 TEST(Catalogue, RowsComeAsValuesUnderNamesOfTheirOwn) {
   TestStore data;
@@ -45,26 +31,13 @@ TEST(Catalogue, RowsComeAsValuesUnderNamesOfTheirOwn) {
     std::set<std::string> names;
     for (const auto& column : info->columns) names.insert(column.name);
     EXPECT_EQ(names.size(), info->columns.size()) << info->section;
-    std::size_t rows = 0;
-    info->walk(data.store, [&](const auto& columns) {
-      ++rows;
-      ASSERT_EQ(columns.size(), info->columns.size()) << info->section;
-      for (std::size_t i = 0; i < columns.size(); ++i) {
-        EXPECT_EQ(columns[i].kind, info->columns[i].kind) << info->section;
-      }
+    EXPECT_GT(info->row_count(data.store), 0U) << info->section;
+    info->walk(data.store, [info](const auto& columns) {
+      const bool same = std::ranges::equal(columns, info->columns, {}, &TableType::FieldView::kind,
+                                           &TableCatalogue::FieldInfo::kind);
+      EXPECT_TRUE(same) << info->section;
     });
-    EXPECT_EQ(rows, info->row_count(data.store)) << info->section;
-    EXPECT_GT(rows, 0U) << info->section;
   }
-}
-
-TEST(Catalogue, NumbersAreWrittenInTheFewestDigitsThatReadBackTheSame) {
-  const auto text = [](float number) { return TableCatalogue::ToText(number); };
-  const float numbers[] = {0.1F, -0.0F, 16777217.0F, 1e20F, 100000.0F, 1e-45F, 1.0F / 3, 0.0001F};
-  std::string texts;
-  for (const float number : numbers) texts += text(number) + ' ';
-  EXPECT_EQ(texts, "0.1 -0 16777216 1e+20 100000 1e-45 0.33333334 0.0001 ");
-  EXPECT_EQ(text(-INFINITY) + text(INFINITY) + text(NAN), "-infinfnan");
 }
 
 TEST(Catalogue, LearnTimesAreThoseOfTheLoad) {

@@ -127,13 +127,4 @@ TEST(Load, DataSourcesShowOneNumberOfTheCalculationParameters) {
   EXPECT_STREQ(std::next(texts.begin())->second, L"12y") << "of the instrument 50 alone";
 }
 
-TEST(Load, TheSampleFillsEveryTable) {
-  TestStore data;
-  ASSERT_TRUE(data.LoadSample());
-  EXPECT_EQ(data.log.Text(), L"");
-  for (const auto& table : TableCatalogue::Tables()) {
-    EXPECT_GT(table.row_count(data.store), 0U) << table.section;
-  }
-}
-
 }  // namespace

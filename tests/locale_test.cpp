@@ -52,12 +52,4 @@ TEST_F(GermanHost, TheLogGroupsNoDigitsAndKeepsUmlauts) {
   PrWin::SetSink(std::move(before));
 }
 
-TEST_F(GermanHost, TheSeaFileHasTheSameBytes) {
-  const ScratchFile file;
-  CResourceSea sea;
-  AddLines(sea, L"<T\u00FC>", {L"1234567 1.5 \u00A0\u00FC"});
-  ASSERT_TRUE(sea.Save(file.name()) && sea.Load(file.name()));
-  EXPECT_EQ(file.bytes(), "sea 2\nlist <T\u00FC>\n- 1234567 1.5 \u00A0\u00FC\nend\n");
-}
-
 }  // namespace

@@ -214,7 +214,16 @@ class Session {
   std::size_t seen_ = 0;
 };
 
-TEST(PickAtTerminal, AnswersWhatTheUserHasConfirmed) {
+class PickAtTerminal : public testing::Test {
+ protected:
+  void SetUp() override {
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+    if (terminal == -1) GTEST_SKIP() << "there is no pseudo terminal";
+    close(terminal);
+  }
+};
+
+TEST_F(PickAtTerminal, AnswersWhatTheUserHasConfirmed) {
   const std::tuple<const char*, std::string, std::string> cases[] = {
       {"", "\tOrder spectrum\r\x1BOF\r",
        "0\nids                   130 2500 -1 -1 -1 -1\nnames only  "},
@@ -233,7 +242,7 @@ TEST(PickAtTerminal, AnswersWhatTheUserHasConfirmed) {
   }
 }
 
-TEST(PickAtTerminal, FollowsTheWindowAndRefusesWhatIsNoScreen) {
+TEST_F(PickAtTerminal, FollowsTheWindowAndRefusesWhatIsNoScreen) {
   Session session({"--lang", "en"});
   session.At("Esc leaves", "");
   session.Resize(12, 60);

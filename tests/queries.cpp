@@ -10,6 +10,7 @@
 
 #include "frame/QtParamDistillery.h"
 #include "frame/strings/ModuleStrings.h"
+#include "inspect/TableCatalogue.h"
 #include "interfaces/signal/MeasuringUnit.h"
 #include "interfaces/text/Number.h"
 #include "interfaces/windows/ComboBoxX.h"
@@ -62,7 +63,7 @@ constexpr auto row_text = [](const auto& row) {
 };
 
 template <class Iterator>
-std::string RangeText(const std::pair<Iterator, Iterator>& range) {
+std::string Show(const std::pair<Iterator, Iterator>& range) {
   return JoinRows(std::vector<std::iter_value_t<Iterator>>(range.first, range.second), row_text);
 }
 
@@ -318,12 +319,15 @@ std::string Places(const P& params, int mode, int trigger, Name indexes, Name of
 }
 
 std::string ShowRows(const P& params, Name section) {
-  std::string rows;
-  tables::All::ForEach([&](auto entry) {
-    if (std::wstring_view(section) != entry.section.text) return;
-    rows = JoinRows(params.Store().Table<decltype(entry)::section>(), row_text);
+  std::vector<std::string> rows;
+  const auto* const table = TableCatalogue::FindRows(Text::ToUtf8(section));
+  if (table == nullptr) return "no table";
+  table->walk(params.Store(), [&rows](const auto& columns) {
+    std::wstring text;
+    RowText::Append(text, columns);
+    rows.push_back(Text::ToUtf8(text));
   });
-  return rows;
+  return JoinRows(rows, [](const std::string& row) { return row; });
 }
 
 Map MakeAll() {
@@ -345,8 +349,8 @@ Map MakeAll() {
       &P::ChannelIsMix, &P::ChannelIsFix, &P::PhysicalGear, &P::OrderSource2Rotor,
       &P::RotorSpeedSource, &P::RotorSpeedSourceAppId, &P::SpeedInfoOfRotor, &P::BaseOrder,
       &P::FrequencyRatioToGeneratingRotor, &P::RotorFrequencyRelativeToSpeedSourceRotor,
-      &P::SpecIntervalDefinition, &QVIpCalcParameter::GetCalcParamEnumText,
-      &QVIpCalcParameter::GetCalcParamEnumSubText>(all);
+      &P::OrderSourceRange, &P::SpecIntervalRange, &P::SpecIntervalDefinition,
+      &QVIpCalcParameter::GetCalcParamEnumText, &QVIpCalcParameter::GetCalcParamEnumSubText>(all);
   const auto add = [&all](const char* name, auto query) { all.emplace(name, Of(+query)); };
   add("Rows", ShowRows);
   add("LastRefusal", [](const P& p) { return p.LastRefusal().sentence; });
@@ -410,6 +414,7 @@ Map MakeAll() {
   add("LongLong", [](Name text) { return ShowScanned(Number::ScanLongLong(text)); });
   add("Unsigned", [](Name text) { return ShowScanned(Number::ScanUnsigned(text)); });
   add("Double", [](Name text) { return ShowScanned(Number::ScanDouble(text)); });
+  add("ToText", [](float number) { return TableCatalogue::ToText(number); });
   add("Field", Field);
   add("Line", [](Name text) {
     CLake::CNode line;
@@ -457,9 +462,6 @@ Map MakeAll() {
     return Same(p.FormatLocaChanText(text, {1, 1, channel, location, 1, 1}),
                 p.FormatLocaChanText(text, location, channel));
   });
-  add("OrderSourceRange", [](const P& p, int mode, int channel, int rotor) {
-    return RangeText(p.OrderSourceRange(mode, channel, rotor));
-  });
   add("Interpret", Interpret);
   add("IndexRange", IndexRange);
   add("CutOut", CutOut);
@@ -468,33 +470,20 @@ Map MakeAll() {
   add("TriggerCell", Cell);
   add("TriggerEdges", Edges);
   add("TriggerPlaces", Places);
-  add("SpecIntervalRange",
-      [](const P& p, unsigned id) { return RangeText(p.SpecIntervalRange(id)); });
-  add("IpSvOfSpec", [](const P& p) {
-    return JoinRows(p.IpSvOfSpec(), [](const auto& row) {
-      return Join(row.first[0], row.second.interpretation, row.second.definition,
-                  row.second.reference);
-    });
-  });
-  add("IpTrackPolygon", [](const P& p) {
-    return JoinRows(p.IpTrackPolygon(), [](const auto& row) {
-      const auto& [key, track] = row;
-      return Join(ShowKey(key), track.track_a, track.track_c, track.polygon_id);
-    });
-  });
-  add("IpPolygonValues", [](const P& p) {
-    return JoinRows(p.IpPolygonValues(), [](const auto& row) {
-      return Join(row.first.first, row.first.second, row.second.x, row.second.y);
-    });
-  });
+  return all;
+}
+
+Map& Queries() {
+  static Map all = MakeAll();
   return all;
 }
 
 }  // namespace
 
-const Map& All() {
-  static const Map all = MakeAll();
-  return all;
+const Map& All() { return Queries(); }
+
+OfTest::OfTest(const std::string& name, std::string (*answer)(Name text)) {
+  Queries().emplace(name, Make<Name>(true, [answer](P&, Name text) { return answer(text); }));
 }
 
 const Query* Find(const std::string& name, Arguments arguments) {

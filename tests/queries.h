@@ -44,6 +44,11 @@ struct Query {
 // By name; those of one name differ in their arguments.
 const std::multimap<std::string, Query>& All();
 
+// A query of a test file's own, of one text; it runs beside no other.
+struct OfTest {
+  OfTest(const std::string& name, std::string (*answer)(const wchar_t* text));
+};
+
 // The query of that name with arguments of such kinds; null if there is none.
 const Query* Find(const std::string& name, Arguments arguments);
 

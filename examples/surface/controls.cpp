@@ -39,6 +39,9 @@ void use_grid(CRangeSelectCtrl<N>& grid) {
   use(basics.selection_background, basics.selection_text, grid.mask(), grid.m_size);
 }
 
+// Ends with the process, behind whatever the library made later.
+std::unique_ptr<CXListCtrl> last_to_go;
+
 void use_list() {
   CXListCtrl list;
   list.InsertColumn(0, L"Name", 0, 90, -1);
@@ -69,6 +72,8 @@ void use_list() {
 
 int main() {
   load();
+  last_to_go = std::make_unique<CXListCtrl>();
+  assert(last_to_go->Create(nullptr));
   Grid grid;
   use_grid(grid);
   grid.use_cells();
