@@ -110,14 +110,10 @@ TEST_F(KeyControls, TheComboOffersWhatTheFilterLetsThrough) {
 
 TEST_F(KeyControls, TheComboOffersTheParametersOfOneInstrument) {
   CClavisComboBox combo;
-  const auto entries = [&combo](int instrument, int selected) {
-    combo.FillIp(instrument, selected);
-    return Entries(combo);
-  };
-  EXPECT_EQ(entries(-1, 5), " *(not assigned)=-1");
-  EXPECT_EQ(entries(2001, 12), " (not assigned)=-1 low=11 *high=12");
-  EXPECT_EQ(entries(2001, 10), " (not assigned)=-1 low=11 high=12 *(parameter 10)=10");
-  EXPECT_EQ(entries(2001, -7), " (not assigned)=-1 low=11 high=12");
+  combo.FillIp(2001, 10);
+  EXPECT_EQ(Entries(combo), " (not assigned)=-1 low=11 high=12 *(parameter 10)=10");
+  combo.FillIp(-1, 5);
+  EXPECT_EQ(Entries(combo), " *(not assigned)=-1");
 }
 
 TEST_F(KeyControls, TheCheckListGivesBackWhatIsChecked) {
@@ -208,22 +204,17 @@ TEST_F(KeyControls, EveryChoiceIsToldAndAnotherInstrumentEmptiesTheParameter) {
 }
 
 TEST_F(KeyControls, TheOwnerHearsIfThereIsNoParent) {
-  Listener owner;
-  Listener parent;
+  Listener windows[2];
   CKestrinCtrl editor;
-  const auto heard = [&] {  // by parent and owner, of another choice
+  editor.SetOwner(&windows[0]);
+  ASSERT_TRUE(windows[0].Create(nullptr) && windows[1].Create(nullptr));
+  for (Listener* const parent : {static_cast<Listener*>(nullptr), &windows[1]}) {
+    ASSERT_TRUE(editor.Create(parent));
     editor.fill(Key(9, -1, -1, -1, -1, -1));
     EXPECT_TRUE(editor.ChooseEntry(0, 1, 7));
-    return parent.Heard() + "," + owner.Heard();
-  };
-  ASSERT_TRUE(editor.Create(nullptr));
-  editor.SetOwner(&owner);
-  EXPECT_EQ(heard(), ",") << "the owner has no window";
-  ASSERT_TRUE(owner.Create(nullptr));
-  EXPECT_EQ(heard(), ", 0:7");
-  editor.DestroyWindow();
-  ASSERT_TRUE(parent.Create(nullptr) && editor.Create(&parent));
-  EXPECT_EQ(heard(), " 0:7,");
+    EXPECT_EQ(windows[0].Heard() + "," + windows[1].Heard(), parent ? ", 0:7" : " 0:7,");
+    editor.DestroyWindow();
+  }
 }
 
 TEST_F(KeyControls, RowsShowFlagsExtraRowsAndIds) {
