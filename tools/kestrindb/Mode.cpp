@@ -67,7 +67,7 @@ Json DescribeMode(const CQtParamInstance& params, const Request& request) {
 }
 
 void PrintMode(const Json& json) {
-  const bool lacks_band = json["virtual"] && json["name"] == "";
+  const bool lacks_band = json["virtual"] && Cell(json, "name").empty();
   PrintFacts(15, {{"id", Cell(json, "id") + (json["virtual"] ? "  virtual" : "")},
                   {"name", lacks_band ? "none: a virtual test step has a band of each signal"
                                       : Cell(json, "name")},
