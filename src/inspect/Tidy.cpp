@@ -11,6 +11,7 @@ namespace kestrin {
 namespace {
 
 constexpr std::string_view mark = "\xEF\xBB\xBF";
+constexpr std::size_t most_tabs = 32;
 
 // Bytes as wide text and back; a file without the mark has one character in each byte.
 struct Encoding {
@@ -46,7 +47,7 @@ class Tidier {
       AddBlank();
       if (node.is_section()) SetOff();
     }
-    std::wstring text(line.empty() ? 0 : depth_, L'\t');
+    std::wstring text(line.empty() ? 0 : std::min(depth_, most_tabs), L'\t');
     if (depth_ > 0 && !line.empty() && !is_closing) text += blanks;
     lines_.push_back(text += Canonical(line, node, is_closing));
     blank_ = is_closing && depth_ == 0;

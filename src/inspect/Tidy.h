@@ -1,7 +1,8 @@
 // A parameter file tidied, so that two versions of it differ in what they say and not in its looks:
 //
 //   - one blank line between sections, and none twice; comments above a section go with it
-//   - a tab for each level of nesting; blanks behind the tabs stay, since they line numbers up
+//   - a tab for each level of nesting, 32 at most; blanks behind the tabs stay, since they line
+//   numbers up
 //   - no white space at the ends of lines, "key: value" and "}<tab>; comment"
 //   - line ends are single line feeds, the last line has one too
 //
