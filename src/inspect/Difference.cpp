@@ -44,7 +44,8 @@ std::weak_ordering Order(const FieldView& a, const FieldView& b) {
   }
 }
 
-// The rows of a table in the order of their keys, which the load may have broken in one of them.
+// The rows of a table in the order of their keys, which the load may have broken in one of them,
+// and those of one key in the order of their values.
 class Rows {
  public:
   Rows(const RowsInfo& info, const CQtParamDistillery& data)
@@ -52,7 +53,7 @@ class Rows {
     info.walk(data, [this](Columns row) { values_.insert(values_.end(), row.begin(), row.end()); });
     places_.resize(values_.size() / width_);
     std::iota(places_.begin(), places_.end(), std::size_t{0});
-    const auto less = [this](std::size_t a, std::size_t b) { return Keys(Row(a), Row(b)) < 0; };
+    const auto less = [this](std::size_t a, std::size_t b) { return Whole(Row(a), Row(b)) < 0; };
     if (!std::is_sorted(places_.begin(), places_.end(), less)) {
       std::stable_sort(places_.begin(), places_.end(), less);
     }
@@ -61,13 +62,16 @@ class Rows {
   std::size_t size() const { return places_.size(); }
   Columns operator[](std::size_t i) const { return Row(places_[i]); }
 
-  std::weak_ordering Keys(Columns a, Columns b) const {
+  std::weak_ordering Keys(Columns a, Columns b) const { return First(key_columns_, a, b); }
+  std::weak_ordering Whole(Columns a, Columns b) const { return First(width_, a, b); }
+
+ private:
+  static std::weak_ordering First(std::size_t columns, Columns a, Columns b) {
     auto order = std::weak_ordering::equivalent;
-    for (std::size_t i = 0; order == 0 && i < key_columns_; ++i) order = Order(a[i], b[i]);
+    for (std::size_t i = 0; order == 0 && i < columns; ++i) order = Order(a[i], b[i]);
     return order;
   }
 
- private:
   Columns Row(std::size_t place) const { return Columns(values_).subspan(place * width_, width_); }
 
   std::size_t width_;
@@ -97,15 +101,36 @@ void Compare(const CQtParamDistillery& before, const CQtParamDistillery& after,
     const Rows new_rows(table, after);
     std::size_t i = 0;
     std::size_t j = 0;
+    // Of one key, those without an equal row on the other side, which are compared in their order.
+    std::vector<Columns> only_old;
+    std::vector<Columns> only_new;
+    const auto flush = [&] {
+      for (std::size_t k = 0; k < std::max(only_old.size(), only_new.size()); ++k) {
+        const Columns a = k < only_old.size() ? only_old[k] : Columns();
+        const Columns b = k < only_new.size() ? only_new[k] : Columns();
+        if (!std::equal(a.begin(), a.end(), b.begin(), b.end(), is_same)) visit(table, a, b);
+      }
+      only_old.clear();
+      only_new.clear();
+    };
+    Columns last;
     while (i < old_rows.size() || j < new_rows.size()) {
       auto order = j == new_rows.size() ? std::weak_ordering::less : std::weak_ordering::greater;
       if (i < old_rows.size() && j < new_rows.size()) {
-        order = old_rows.Keys(old_rows[i], new_rows[j]);
+        order = old_rows.Whole(old_rows[i], new_rows[j]);
       }
-      const Columns a = order <= 0 ? old_rows[i++] : Columns();
-      const Columns b = order >= 0 ? new_rows[j++] : Columns();
-      if (!std::equal(a.begin(), a.end(), b.begin(), b.end(), is_same)) visit(table, a, b);
+      const Columns next = order <= 0 ? old_rows[i] : new_rows[j];
+      if (!last.empty() && old_rows.Keys(last, next) != 0) flush();
+      last = next;
+      if (order <= 0) only_old.push_back(old_rows[i++]);
+      if (order >= 0) only_new.push_back(new_rows[j++]);
+      // Equal rows need no partner but each other: bits such as those of -0 are told at once.
+      if (order == 0 && std::equal(last.begin(), last.end(), only_new.back().begin(), is_same)) {
+        only_old.pop_back();
+        only_new.pop_back();
+      }
     }
+    flush();
   }
 }
 

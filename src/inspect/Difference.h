@@ -21,9 +21,9 @@ using Visitor =
 KESTRIN_API bool IsSame(const TableType::FieldView& a, const TableType::FieldView& b);
 
 // Visits what differs in the 56 tables, in the order of the tables and of their keys. Where a key
-// repeats its rows are compared in their order. Points in time at and behind `loads_began` are the
-// same: a load puts its own time where a line of <TIpLearnParams> tells none. Neither data base may
-// be changed meanwhile.
+// repeats, rows that stand in both go together and the rest is compared in the order of the values.
+// Points in time at and behind `loads_began` are the same: a load puts its own time where a line of
+// <TIpLearnParams> tells none. Neither data base may be changed meanwhile.
 KESTRIN_API void Compare(const CQtParamDistillery& before, const CQtParamDistillery& after,
                          const Visitor& visit,
                          long long loads_began = std::numeric_limits<long long>::max());
