@@ -133,10 +133,22 @@ void IdOfKind(CLI::App& command, Request& request) {
                                              {"type", Kind::type},
                                              {"polygon", Kind::polygon}};
   std::string names;
-  for (const auto& [name, kind] : kinds) names += (names.empty() ? "" : ", ") + name;
-  command.add_option("ELEMENT", request.kind, "What the id stands for: " + names)
-      ->required()
-      ->transform(CLI::CheckedTransformer(kinds, CLI::ignore_case));
+  std::vector<std::wstring> known;
+  for (const auto& [name, kind] : kinds) {
+    names += (names.empty() ? "" : ", ") + name;
+    known.push_back(Wide(name));
+  }
+  const auto set = [&request, kinds, names, known](std::string word) {
+    for (char& c : word) c = Text::Lower(c);
+    const auto found = kinds.find(word);
+    if (found == kinds.end()) {
+      throw Failure(data_bad, "There are no ids of '" + word + "', only of " + names + "." +
+                                  Hint(word, known, "where --help"));
+    }
+    request.kind = found->second;
+  };
+  command.add_option_function<std::string>("ELEMENT", set, "What the id stands for: " + names)
+      ->required();
   command.add_option("ID", request.id, "The id")->required();
 }
 
@@ -145,14 +157,20 @@ void Out(CLI::App& command, Request& request) {
       ->required();
   command.add_flag("--csv", request.csv,
                    "Make a folder with a file of comma-separated values for each table");
-  command.add_flag("--force", request.force, "Replace what is there");
+  command.add_flag(
+      "--force", request.force,
+      "Replace an SQLite data base of that name, or with --csv the tables in the folder");
 }
 
 void Limit(CLI::App& command, Request& request) {
   command
       .add_option("--limit", request.limit,
                   "End each table after the first row above this number; 0: all")
-      ->check(CLI::NonNegativeNumber);
+      ->check([](const std::string& text) {
+        return IntegerOf(text).value_or(-1) >= 0
+                   ? std::string()
+                   : "a number of rows is needed, not '" + text + '\'';
+      });
 }
 
 enum class Unknown { refused, taken };
@@ -347,7 +365,7 @@ const std::vector<Command>& Commands() {
       {"diff", "What differs between two files, by table, key and field; exit status 1 if anything",
        "samples/gearbox.par samples/gearbox.par",
        {TwoFiles}, DescribeDiff, PrintDiff},
-      {"where", "Every row in which an id stands, by section and line",
+      {"where", "Every row in which an id stands, but for fields whose meaning hosts give (first, second, ...)",
        "samples/gearbox.par test-step 130",
        {File, IdOfKind}, DescribeWhere, PrintWhere},
       {"fmt", "A file tidied: blank lines, tabs, line ends; what it says stays",

@@ -1,25 +1,55 @@
 #include "DataBase.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <chrono>
 #include <iostream>
 
 using namespace kestrin;
 
 namespace kestrindb {
+namespace {
+
+// Anything but a terminal and /dev/null, which end.
+bool IsEndlessDevice(const std::string& path) {
+  struct stat device {};
+  struct stat null {};
+  if (stat(path.c_str(), &device) != 0 || !S_ISCHR(device.st_mode)) return false;
+  if (stat("/dev/null", &null) == 0 && null.st_rdev == device.st_rdev) return false;
+  const int handle = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  const bool is_terminal = handle >= 0 && isatty(handle) != 0;
+  if (handle >= 0) close(handle);
+  return !is_terminal;
+}
+
+}  // namespace
+
+std::string ReadInput(const std::string& file_name) try {
+  const std::string path = file_name == "-" ? "/dev/stdin" : file_name;
+  if (IsEndlessDevice(path)) {
+    throw Failure(file_unusable, "'" + InputName(file_name) + "' is a device and no file.");
+  }
+  return ReadFile(Wide(path));
+} catch (const CFileException& error) {
+  throw Failure(file_unusable, error.what());
+}
+
+std::string InputName(const std::string& file_name) {
+  return file_name == "-" ? "<stdin>" : file_name;
+}
 
 // A file with bytes that aren't UTF-8 is read up to them, and can be used as far as that.
-std::string ReadCandidateLake(const std::string& file_name) try {
-  const bool is_input = file_name == "-";
-  std::string bytes = ReadFile(is_input ? L"/dev/stdin" : Wide(file_name));
+std::string ReadCandidateLake(const std::string& file_name) {
+  std::string bytes = ReadInput(file_name);
   CLake& lake = CParameterLake::Lake();
-  ReadLake(lake, bytes, is_input ? L"<stdin>" : Wide(file_name));
+  ReadLake(lake, bytes, Wide(InputName(file_name)));
   const Refusal& refusal = lake.last_refusal();
   if (refusal && refusal.reason != Refusal::broken_text) {
     throw Failure(file_unusable, Utf8(refusal.sentence));
   }
   return bytes;
-} catch (const CFileException& error) {
-  throw Failure(file_unusable, error.what());
 }
 
 DataBase::DataBase(const std::string& file_name) {

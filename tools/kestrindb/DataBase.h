@@ -37,9 +37,14 @@ class LogSink {
   PrWin::Sink before_;
 };
 
-// Reads a file, which is opened once and may be a pipe, into the candidate lake and gives its
-// bytes;
-// "-" stands for standard input. Throws Failure if it can't be used.
+// The bytes of a file, which is opened once and may be a pipe; "-" stands for standard input.
+// Throws Failure if it can't be read, or is a device that may never end.
+std::string ReadInput(const std::string& file_name);
+
+// What messages call it: "<stdin>" for "-".
+std::string InputName(const std::string& file_name);
+
+// Reads it into the candidate lake and gives its bytes. Throws Failure if it can't be used.
 std::string ReadCandidateLake(const std::string& file_name);
 
 // The file read into the candidate lake, the lake loaded.

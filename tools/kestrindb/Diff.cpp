@@ -11,10 +11,11 @@ using namespace kestrin;
 namespace kestrindb {
 namespace {
 
-// A file loaded beside others. Whatever keeps it from that is trouble, as diff has it.
+// A file loaded beside others. Whatever keeps it from that is trouble, as diff has it; but an empty
+// one, such as /dev/null for a file that git adds or removes, is a data base without rows.
 struct Side {
   explicit Side(const std::string& file) {
-    ReadCandidateLake(file);
+    if (ReadCandidateLake(file).empty()) return;
     if (!params.ReadTablesFromCandidateLake()) {
       throw Failure(file_unusable, "The file '" + file + "' was not accepted as a data base: " +
                                        Utf8(params.LastRefusal().sentence));

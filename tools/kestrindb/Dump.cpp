@@ -49,7 +49,7 @@ std::string AsText(const RowsInfo& info, const CQtParamInstance& params, int lim
   const bool more = Walk(info, params, limit,
                          [&](int number, Columns columns) { text += Line(info, number, columns); });
   const std::string name = "\t" + info.section + "\n";
-  return "<-" + name + text + (more ? "... more ...\n" : "") + "->" + name;
+  return Printable("<-" + name + text + (more ? "... more ...\n" : "") + "->" + name);
 }
 
 std::string AsCsv(const RowsInfo& info, const CQtParamInstance& params, int limit) {
@@ -81,7 +81,7 @@ Json DescribeDump(const CQtParamInstance& params, const Request& request) {
 }
 
 void PrintDump(const Json& json) {
-  for (const Json& text : json) std::cout << Printable(text.get_ref<const std::string&>());
+  for (const Json& text : json) std::cout << text.get_ref<const std::string&>();
 }
 
 }  // namespace kestrindb

@@ -10,7 +10,6 @@
 
 #include <chrono>
 #include <cmath>
-#include <csignal>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -277,6 +276,9 @@ std::size_t ExportCsv(const CQtParamInstance& params, const std::string& out, bo
     throw Failure(file_unusable,
                   "'" + out + "' is there already; --force replaces the tables in it.");
   }
+  if (fs::exists(out) && !fs::is_directory(out)) {
+    throw Failure(file_unusable, "'" + out + "' is no folder.");
+  }
   const NewFolder folder(out);
   const std::size_t rows = ForEachTable(params, [&](const TableInfo& table, auto hand_rows_to) {
     std::string text = CsvHead(table);
@@ -289,8 +291,15 @@ std::size_t ExportCsv(const CQtParamInstance& params, const std::string& out, bo
     fs::rename(folder.path, out);
     return rows;
   }
+  const auto target = [&out](const fs::directory_entry& file) {
+    return fs::path(out) / file.path().filename();
+  };
   for (const auto& file : fs::directory_iterator(folder.path)) {
-    fs::rename(file.path(), fs::path(out) / file.path().filename());
+    if (!fs::exists(target(file)) || fs::is_regular_file(target(file))) continue;
+    throw Failure(file_unusable, "'" + target(file).string() + "' is in the way: it is no file.");
+  }
+  for (const auto& file : fs::directory_iterator(folder.path)) {
+    fs::rename(file.path(), target(file));
   }
   return rows;
 }
@@ -298,8 +307,9 @@ std::size_t ExportCsv(const CQtParamInstance& params, const std::string& out, bo
 }  // namespace
 
 Json DescribeExport(const CQtParamInstance& params, const Request& request) {
-  // A file that may grow no further is a failure to write, and no signal.
-  std::signal(SIGXFSZ, SIG_IGN);
+  if (request.other_file == "-") {
+    throw Failure(file_unusable, "An export can't go to standard output: OUT is a name.");
+  }
   try {
     std::string out = request.other_file;
     while (out.size() > 1 && out.ends_with('/')) out.pop_back();
@@ -307,6 +317,9 @@ Json DescribeExport(const CQtParamInstance& params, const Request& request) {
     return {{"out", out}, {"rows", make(params, out, request.force)}};
   } catch (const Failure&) {
     throw;
+  } catch (const fs::filesystem_error& error) {
+    throw Failure(file_unusable, "'" + request.other_file +
+                                     "' can't be written: " + ReasonOf(error.code().value()) + ".");
   } catch (const std::exception& error) {
     throw Failure(file_unusable, error.what());
   }

@@ -21,10 +21,14 @@ std::ptrdiff_t LineOfDifference(const std::string& a, const std::string& b) {
 // Bytes need not be UTF-8, and stand in the JSON only as long as it goes to PrintFmt.
 Answer DescribeFmt(const Request& request) {
   try {
-    const std::string bytes = ReadFile(Wide(request.file));
+    if (request.in_place && request.file == "-") {
+      throw Failure(file_unusable, "Standard input can't be tidied in place.");
+    }
+    const std::string name = InputName(request.file);
+    const std::string bytes = ReadInput(request.file);
     if (bytes.find('\0') != std::string::npos) {
       throw Failure(file_unusable,
-                    "The file '" + request.file + "' is no text: there is a zero in line " +
+                    "The file '" + name + "' is no text: there is a zero in line " +
                         std::to_string(LineOfDifference(bytes, bytes.substr(0, bytes.find('\0')))) +
                         ".");
     }
@@ -34,7 +38,7 @@ Answer DescribeFmt(const Request& request) {
     if (request.in_place && tidied != bytes) ReplaceFile(Wide(request.file), tidied);
     if (request.check_only && !request.json && tidied != bytes) {
       json["text"] =
-          request.file + ":" + json["line"].dump() + ": not tidy; kestrindb fmt would change it\n";
+          name + ":" + json["line"].dump() + ": not tidy; kestrindb fmt would change it\n";
     } else if (!request.in_place && !request.check_only && !request.json) {
       json["text"] = tidied;
     }

@@ -7,6 +7,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <csignal>
 #include <exception>
 #include <iostream>
 
@@ -142,6 +143,8 @@ std::vector<std::string> WordsOf(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // A file that may grow no further is a failure to write, and no signal.
+  std::signal(SIGXFSZ, SIG_IGN);
   try {
     CLI::App app{"Loads and asks lKestrinDb parameter files.", "kestrindb"};
     app.set_version_flag("-v,--version", "kestrindb " + std::string(LibraryVersion()),
