@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <cmath>
 #include <map>
+#include <type_traits>
 
 #include "Names.h"
 
@@ -17,7 +18,8 @@ void File(CLI::App& command, Request& request) {
 
 void CheckOptions(CLI::App& command, Request& request) {
   command.add_option("--format", request.format, "gcc: as compilers tell, for editors")
-      ->check(CLI::IsMember({"gcc"}));
+      ->check(CLI::IsMember({"gcc"}).description(""))
+      ->type_name("gcc");
   command.add_flag_function(
       "--no-references", [&request](std::int64_t) { request.check.references = false; },
       "Don't look ids up in the tables that name them");
@@ -266,27 +268,48 @@ void Definition(CLI::App& command, Request& request) {
   });
 }
 
-// A finite number above 0.
+std::string Needed(const std::string& what, const std::string& text) {
+  const bool has_comma = text.find(',') != std::string::npos;
+  return what + " is needed, not '" + text + '\'' +
+         (has_comma ? ": a decimal comma? Write a point" : "");
+}
+
+std::string RefuseUnlessNumber(const std::string& text) {
+  double number = 0;
+  const bool is_number = CLI::detail::lexical_cast(text, number) && !std::isnan(number);
+  return is_number ? "" : Needed("a number", text);
+}
+
+// A finite number above 0 that `Number` holds.
+template <class Number>
 std::string RefuseUnlessPositive(const std::string& text) {
-  float number = 0;
-  const bool is_number = CLI::detail::lexical_cast(text, number);
-  if (is_number && number > 0 && std::isfinite(number)) return {};
-  return "a number above 0 is needed, not '" + text + '\'';
+  double number = 0;
+  if (!CLI::detail::lexical_cast(text, number) || !(number > 0)) {
+    return Needed("a number above 0", text);
+  }
+  Number held = 0;
+  if (CLI::detail::lexical_cast(text, held) && held > 0 && std::isfinite(static_cast<double>(held)))
+    return {};
+  return Needed(std::is_integral_v<Number> ? "a whole number from 1 to 4294967295"
+                                           : "a number from 1.2e-38 to 3.4e38",
+                text);
 }
 
 void IntervalOptions(CLI::App& command, Request& request) {
   const CLI::Option* const parameter =
       AddId(command, request, "PARAMETER", request.parameter, Clavis::Parameter, Unknown::taken)
           ->description("Id of a parameter, or its name in quotes; without it all with intervals");
-  command.add_option("--definition", request.definition,
-                     "Order definition to try, in place of those in the file");
+  const CLI::Option* const definition = command.add_option(
+      "--definition", request.definition, "Order definition to try, in place of those in the file");
   command.add_option("--assembly", request.assembly,
                      "Order source that harmonics refer to; without it the one in calculation "
                      "parameter 4 of each parameter");
   command.add_option("--speed-source", request.speed_source,
                      "Order source that tells the speed; without it that of the assembly's rotor");
   const auto add_positive = [&](const char* name, auto& value, const char* help) {
-    return command.add_option(name, value, help)->check(RefuseUnlessPositive)->type_name("NUMBER");
+    return command.add_option(name, value, help)
+        ->check(RefuseUnlessPositive<std::decay_t<decltype(value)>>)
+        ->type_name("NUMBER");
   };
   add_positive("--resolution-orders", request.resolution_orders,
                "Distance of two spectral lines on an axis of orders");
@@ -296,12 +319,15 @@ void IntervalOptions(CLI::App& command, Request& request) {
   add_positive("--order-scale", request.order_scale,
                "Value of one order in the unit of F, for mixed intervals; 1 without it");
   command.add_option("--unit", request.unit, "Unit of F; Hz without it");
-  command.callback([&request, parameter] {
-    if (!request.definition.empty() && parameter->count() > 0) {
+  command.callback([&request, parameter, definition] {
+    if (definition->count() > 0 && request.definition.empty()) {
+      throw CLI::ValidationError("--definition", "a definition is needed, not an empty text");
+    }
+    if (definition->count() > 0 && parameter->count() > 0) {
       throw CLI::ValidationError("--definition", "it stands in place of a PARAMETER");
     }
     if (request.resolution_orders == 0 && request.resolution_hz == 0) {
-      throw CLI::ValidationError("--resolution-orders", "it, --resolution-hz or both are needed");
+      throw CLI::ValidationError("--resolution-orders, --resolution-hz or both are needed");
     }
   });
 }
@@ -320,8 +346,13 @@ void Picture(CLI::App& command, Request& request) {
   command
       .add_option_function<double>("--from", set_bound(request.from),
                                    "Where the picture's axis begins")
-      ->needs(svg);
-  command.add_option_function<double>("--to", set_bound(request.to), "Where it ends")->needs(svg);
+      ->needs(svg)
+      ->check(RefuseUnlessNumber)
+      ->type_name("NUMBER");
+  command.add_option_function<double>("--to", set_bound(request.to), "Where it ends")
+      ->needs(svg)
+      ->check(RefuseUnlessNumber)
+      ->type_name("NUMBER");
 }
 
 void Titles(CLI::App& command, Request& request) {
@@ -331,8 +362,12 @@ void Titles(CLI::App& command, Request& request) {
 
 void TriggerOptions(CLI::App& command, Request& request) {
   AddId(command, request, "TRIGGER", request.trigger, trigger_element, Unknown::taken)->required();
-  CLI::Option* const values = command.add_option(
-      "VALUE", request.values, "A running value for each axis, in the order of the axes");
+  CLI::Option* const values =
+      command
+          .add_option("VALUE", request.values,
+                      "A running value for each axis, in the order of the axes")
+          ->check(RefuseUnlessNumber)
+          ->type_name("NUMBER");
   command.add_option("--cell", request.cell, "Show the places of this cell")->excludes(values);
   command.add_flag("--clamp", request.clamp, "Take values beside an axis for its nearest cell");
 }

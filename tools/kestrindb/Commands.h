@@ -79,6 +79,10 @@ struct Request {
 // Of a check, those that are only counted too.
 std::size_t CountFindings(const std::vector<kestrin::ParameterCheck::Finding>& findings);
 
+// What an order definition passes over unread and drops, in fields of `json`.
+void AddPassedOver(Json& json, const std::wstring& definition);
+void PrintPassedOver(const Json& json);
+
 struct Answer {
   Json json;
   Status status;

@@ -142,6 +142,7 @@ Json DescribeTrial(const CQtParamInstance& params, const Request& request) {
   }
   const Assembly assembly(params, request.assembly.value_or(-1), request);
   Json json = DescribeDefinition(params, definition.c_str(), assembly, request);
+  AddPassedOver(json, definition);
   for (std::size_t i = 0; i < count; i += 2) {
     const Position& upper = positions[count == 1 ? i : i + 1];
     json["intervals"].push_back(DescribeInterval(assembly, {positions[i], upper}, request));
@@ -206,6 +207,9 @@ void PrintIntervals(const Json& json) {
                     {"first line", "first_line"},
                     {"last line", "last_line"},
                     {"result", "text"}});
+  for (const Json& parameter : json["parameters"]) {
+    if (parameter.contains("passed_over")) PrintPassedOver(parameter);
+  }
 }
 
 }  // namespace kestrindb

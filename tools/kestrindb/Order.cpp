@@ -46,6 +46,28 @@ void PrintError(const Json& error, const std::string& definition) {
 
 }  // namespace
 
+void AddPassedOver(Json& json, const std::wstring& definition) {
+  const auto passed_over =
+      OrderInterpreter::FindPassedOver(definition.c_str(), CQtSpecIntervalStore::max_orders);
+  json["passed_over"] = Json::array();
+  for (const auto& [offset, length] : passed_over.unread) {
+    json["passed_over"].push_back(
+        {{"character", offset + 1}, {"text", Utf8(definition.substr(offset, length))}});
+  }
+  json["dropped"] = passed_over.dropped;
+}
+
+void PrintPassedOver(const Json& json) {
+  for (const Json& passage : json["passed_over"]) {
+    std::cout << "Passed over unread: '" << OnOneLine(Cell(passage, "text")) << "' at character "
+              << passage["character"] << ".\n";
+  }
+  if (json["dropped"] != 0) {
+    std::cout << "Dropped: " << json["dropped"] << " behind the first "
+              << CQtSpecIntervalStore::max_orders << " positions, for which there is room.\n";
+  }
+}
+
 Answer DescribeOrder(const Request& request) {
   const std::wstring definition = Wide(request.definition);
   std::vector<Entry::Definition> positions(CQtSpecIntervalStore::max_orders);
@@ -67,14 +89,7 @@ Answer DescribeOrder(const Request& request) {
                                  {"lines", position.lines()},
                                  {"domain", Name(position.domain())}});
   }
-  const auto passed_over =
-      OrderInterpreter::FindPassedOver(definition.c_str(), CQtSpecIntervalStore::max_orders);
-  json["passed_over"] = Json::array();
-  for (const auto& [offset, length] : passed_over.unread) {
-    json["passed_over"].push_back(
-        {{"character", offset + 1}, {"text", Utf8(definition.substr(offset, length))}});
-  }
-  json["dropped"] = passed_over.dropped;
+  AddPassedOver(json, definition);
   const unsigned paired = result.count % 2 == 0 ? result.count / 2 : 0;
   json["intervals"] = result.count == 1 ? 1 : paired;
   return {json, fine};
@@ -97,14 +112,7 @@ void PrintOrder(const Json& json) {
   } else {
     std::cout << "\nIntervals: " << json["intervals"] << '\n';
   }
-  for (const Json& passage : json["passed_over"]) {
-    std::cout << "Passed over unread: '" << OnOneLine(Cell(passage, "text")) << "' at character "
-              << passage["character"] << ".\n";
-  }
-  if (json["dropped"] != 0) {
-    std::cout << "Dropped: " << json["dropped"] << " behind the first "
-              << CQtSpecIntervalStore::max_orders << " positions, for which there is room.\n";
-  }
+  PrintPassedOver(json);
 }
 
 }  // namespace kestrindb

@@ -1,6 +1,7 @@
 // kestrindb completion SHELL, kestrindb man: the program itself, out of its table of commands.
 
 #include <CLI/CLI.hpp>
+#include <cctype>
 #include <iostream>
 #include <sstream>
 
@@ -19,7 +20,7 @@ Json ToJson(const CLI::Option& option) {
   if (is_argument) names.push_back(option.get_name());
   const std::string type = option.get_items_expected_max() == 0 ? "" : option.get_type_name();
   Json choices = Json::array();
-  std::istringstream words(type.find('|') == std::string::npos || type == "ID|NAME" ? "" : type);
+  std::istringstream words(!type.empty() && std::islower(type[0]) != 0 ? type : "");
   for (std::string word; std::getline(words, word, '|');) choices.push_back(word);
   return {{"names", names}, {"is_argument", is_argument}, {"required", option.get_required()},
           {"type", type},   {"choices", choices},         {"help", option.get_description()}};
@@ -105,7 +106,7 @@ void PrintBash(const Json& program) {
          "  [[ $word == -* ]] && place=options\n"
          "  case $command:$place in\n"
          "    :) words="
-      << Quoted(CommandWords(program))
+      << Quoted(CommandWords(program)) << " ;;\n    help:0) words=" << Quoted(CommandWords(program))
       << " ;;\n    :options) words=" << Quoted(OptionWords(program["options"])) << " ;;\n";
   for (const Json& command : program["commands"]) {
     const std::string name = Cell(command, "name");
@@ -121,6 +122,19 @@ void PrintBash(const Json& program) {
       }
       ++place;
     }
+  }
+  std::cout << "  esac\n"
+               "  case $command:${COMP_WORDS[COMP_CWORD - 1]} in\n";
+  const auto print_choices = [](const std::string& command, const Json& options) {
+    for (const Json& option : options) {
+      if (option["is_argument"] || option["choices"].empty()) continue;
+      std::cout << "    " << command << ':' << CellText(option["names"].back())
+                << ") words=" << Quoted(CellText(option["choices"])) << " ;;\n";
+    }
+  };
+  print_choices("*", program["options"]);
+  for (const Json& command : program["commands"]) {
+    print_choices(Cell(command, "name"), command["options"]);
   }
   std::cout << "  esac\n"
                "  COMPREPLY=($(compgen -W \"$words\" -- \"$word\"))\n"

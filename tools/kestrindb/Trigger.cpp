@@ -161,8 +161,9 @@ void PrintTrigger(const Json& json) {
   }
   for (const Json& value : json.value("values", Json::array())) {
     if (value["side"] == "inside") continue;
-    PrintFacts(width, {{"beside", Cell(value, "value") + " lies " + Cell(value, "side") +
-                                      " the axis of dimension " + Cell(value, "dimension")}});
+    PrintFacts(width, {{"beside", Cell(value, "value", "an infinite value") + " lies " +
+                                      Cell(value, "side") + " the axis of dimension " +
+                                      Cell(value, "dimension")}});
   }
   if (json["places"].empty()) return;
   std::cout << '\n';

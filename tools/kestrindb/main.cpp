@@ -121,6 +121,14 @@ std::string Mistake(const CLI::App& app, const CLI::ParseError& error) {
     return UnknownWord(app, command, words.front());
   }
   std::string sentence = error.what();
+  // Numbers that may have fractions are checked before; those that the parser refuses are whole.
+  constexpr std::string_view refused = "Could not convert: ";
+  const auto equals = sentence.find(" = ");
+  if (sentence.starts_with(refused) && equals != std::string::npos) {
+    sentence = sentence.substr(refused.size(), equals - refused.size()) +
+               ": a whole number, not too large, is needed, not '" + sentence.substr(equals + 3) +
+               '\'';
+  }
   if (!sentence.ends_with('.')) sentence += '.';
   return sentence + " See kestrindb " + command.get_name() + " --help.";
 }
@@ -146,6 +154,8 @@ int main(int argc, char** argv) {
   // A file that may grow no further is a failure to write, and no signal.
   std::signal(SIGXFSZ, SIG_IGN);
   try {
+    const LogSink sink(
+        [](std::wstring_view text, auto, auto) { std::cerr << Printable(Utf8(text)); });
     CLI::App app{"Loads and asks lKestrinDb parameter files.", "kestrindb"};
     app.set_version_flag("-v,--version", "kestrindb " + std::string(LibraryVersion()),
                          "Print the version and exit");
@@ -160,6 +170,10 @@ int main(int argc, char** argv) {
     try {
       app.parse(WordsOf(argc, argv));
     } catch (const CLI::Success& told) {
+      if (app.get_subcommands().empty() && !app.remaining().empty()) {
+        Complain(Mistake(app, told));  // help of a command that there isn't
+        return static_cast<int>(CLI::ExitCodes::RequiredError);
+      }
       return app.exit(told);
     } catch (const CLI::ParseError& error) {
       Complain(Mistake(app, error));
