@@ -214,7 +214,7 @@ std::vector<Finding> Check(const CLake& lake, const Options& options) {
 
 std::vector<Finding> Check(const CLake& lake, std::string_view bytes, const Options& options) {
   Run run{lake, options, Findings(options.most_of_a_kind), Lines(lake), {}};
-  if (!CheckBytes(run.findings, bytes)) CheckLake(run);
+  if (!CheckBytes(run, bytes)) CheckLake(run);
   std::vector<Finding> findings = run.findings.Take();
   CompleteColumns(findings, bytes);
   return findings;

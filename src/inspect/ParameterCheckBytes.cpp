@@ -47,9 +47,28 @@ void Tell(Findings& findings, Kind kind, std::size_t line, std::string message, 
   finding->severity = severity;
 }
 
+// What is read as UTF-8 although other programs refuse it: halves of a pair, and forms with more
+// bytes than the character needs.
+void TellLax(Findings& findings, std::string_view bytes) {
+  std::size_t line = 1;
+  while (!bytes.empty()) {
+    const Utf::Sequence next = Utf::Read(bytes.data(), bytes.data() + bytes.size());
+    if (next.state != Utf::Sequence::whole) return;  // nothing from there on is read
+    if (next.code == '\n') ++line;
+    if (Utf::IsHigh(next.code) || Utf::IsLow(next.code) || next.length > Utf::LengthOf(next.code)) {
+      return Tell(findings, Kind::not_utf8, line,
+                  "this line, the first of such, holds bytes that are read but are not UTF-8, and "
+                  "other programs refuse them. Type the character again",
+                  Severity::note);
+    }
+    bytes.remove_prefix(static_cast<std::size_t>(next.length));
+  }
+}
+
 }  // namespace
 
-bool CheckBytes(Findings& findings, std::string_view bytes) {
+bool CheckBytes(Run& run, std::string_view bytes) {
+  Findings& findings = run.findings;
   if (IsUtf16(bytes)) {
     Tell(findings, Kind::utf16, 1,
          "the file is UTF-16, and none of its lines can be read. " + std::string(save),
@@ -62,9 +81,14 @@ bool CheckBytes(Findings& findings, std::string_view bytes) {
     return true;
   }
   const auto first = std::find_if(bytes.begin(), bytes.end(), IsBeyondAscii);
-  if (bytes.starts_with(mark) || first == bytes.end()) return false;
+  if (bytes.starts_with(mark)) {
+    TellLax(findings, bytes);
+    return false;
+  }
+  if (first == bytes.end()) return false;
   const auto line = static_cast<std::size_t>(std::count(bytes.begin(), first, '\n')) + 1;
   const bool is_utf8 = IsUtf8(bytes);
+  run.is_bytewise = is_utf8;
   Tell(findings, Kind::no_utf8_mark, line,
        is_utf8 ? "the file is UTF-8 without a byte order mark, so that each byte is read as a "
                  "character, and letters such as \xC3\xA4 as two. " +

@@ -89,7 +89,7 @@ class MeaningCheck {
                        std::to_string(error.offset + 1) + ", " +
                        Quoted(std::wstring_view(text).substr(error.offset)) + ": " +
                        Text::ToUtf8(OrderInterpreter::ReasonText(error.reason)) +
-                       "; the parameter has no interval");
+                       "; the parameter has no interval. Correct the text from there on");
   }
 
   void CheckDefinition(int parameter, const wchar_t* text) {
@@ -139,7 +139,7 @@ class MeaningCheck {
     if (number >= 0 && static_cast<unsigned>(number) < count) return;
     Tell(Kind::unknown_calc_parameter, calc_parameters, {parameter, number},
          "there is no calculation parameter " + Number(number) + ": their numbers are 0 to " +
-             std::to_string(count - 1));
+             std::to_string(count - 1) + ". Correct the number");
   }
 
   void CheckTrigger(int parameter, const QVIpCalcParameter& row) {

@@ -20,6 +20,15 @@ bool IsClosing(const CLake::CNode& node) {
   return node.key().empty() && node.value().starts_with(L'}');
 }
 
+// As Chinese keyboards type them.
+constexpr wchar_t wide_colon_sign = 0xFF1A;
+constexpr wchar_t wide_bracket_sign = 0xFF5B;
+
+// Whether a value was meant to open a section.
+bool IsBracket(std::wstring_view value) {
+  return value.starts_with(L'{') || value.starts_with(wide_bracket_sign);
+}
+
 bool IsTable(const std::wstring& key) {
   return key.starts_with(L'<') && TableCatalogue::Find(Text::ToUtf8(key)) != nullptr;
 }
@@ -113,7 +122,7 @@ class NestingCheck {
 
   void CheckTop(const CLake::CNode& node, bool opens) {
     if (!node.is_named()) {
-      if (IsBlankOrComment(node) || shut_ != 0) return;
+      if (IsBlankOrComment(node) || TellNoColon(node.value()) || shut_ != 0) return;
       return Tell(Kind::outside_section, "",
                   opens ? "a section without a name; its lines are not read. Write <Name>: {"
                         : "a row outside every section; it is not read. Is the line missing that "
@@ -121,14 +130,16 @@ class NestingCheck {
     }
     const std::wstring& key = node.key();
     knows_something_ = knows_something_ || IsTable(key) || IsNamedLine(key);
-    shut_ = !opens && node.value().starts_with(L'{') ? number_ : 0;
+    shut_ = !opens && IsBracket(node.value()) ? number_ : 0;
     if (opens && !IsTable(key)) {
-      Tell(Kind::unknown_section, Text::ToUtf8(key),
-           "no table of this name is known; its lines are not read" + Suggestion(key));
+      // Counted with all others: a file can have any number of names that nobody knows.
+      if (Finding* const finding = run_.findings.Add(Kind::unknown_section, number_)) {
+        finding->message = "no table has the name " + Quoted(key) +
+                           "; the lines of this section are not read" + Suggestion(key);
+      }
     } else if (!opens && !IsTable(key) && !IsNamedLine(key)) {
-      const std::string suggestion = Suggestion(key);
-      Finding* const finding = run_.findings.Add(Kind::unknown_line, number_);
-      if (finding != nullptr) {
+      if (Finding* const finding = run_.findings.Add(Kind::unknown_line, number_)) {
+        const std::string suggestion = Suggestion(key);
         finding->message = "nothing reads a line with the key " + Quoted(key) + suggestion;
         if (!suggestion.empty()) finding->severity = Severity::loss;
       }
@@ -148,6 +159,31 @@ class NestingCheck {
            first->second.line);
     }
     first->second.opened = first->second.opened || opens;
+  }
+
+  // True of a line that begins with a name in angle brackets but has no colon behind it.
+  bool TellNoColon(std::wstring_view value) {
+    std::size_t end = 0;
+    while (end < value.size() && value[end] == L'<') {
+      const std::size_t close = value.find(L'>', end);
+      if (close == value.npos) return false;
+      end = close + 1;
+    }
+    const std::wstring key(value.substr(0, end));
+    std::wstring_view rest = Text::Trim(value.substr(end));
+    const bool wide_colon = rest.starts_with(wide_colon_sign);
+    if (wide_colon) rest = Text::Trim(rest.substr(1));
+    const bool opens = IsBracket(rest);
+    if (end == 0 || !(opens || IsTable(key) || IsNamedLine(key))) return false;
+    knows_something_ = knows_something_ || IsTable(key) || IsNamedLine(key);
+    if (opens) shut_ = number_;
+    Tell(Kind::outside_section, "",
+         std::string(wide_colon ? "the colon behind the name is a full-width one (U+FF1A)"
+                                : "no colon stands behind the name") +
+             (opens ? ", so that no section begins; the rows below are not read. Write "
+                    : ", and the line is not read. Write ") +
+             Text::ToUtf8(key) + ": " + (opens ? "{" : Text::ToUtf8(rest)));
+    return true;
   }
 
   void TellUnreachable() {
@@ -178,6 +214,12 @@ class NestingCheck {
   }
 
   void TellNoSection(const std::wstring& key, const Top& top) {
+    if (top.value.starts_with(wide_bracket_sign)) {
+      return TellAt(top.line, Kind::no_section, Text::ToUtf8(key),
+                    "the bracket is a full-width one (U+FF5B) and opens no section; the rows below "
+                    "are not read. Write " +
+                        Text::ToUtf8(key) + ": {");
+    }
     const bool has_bracket = top.value.starts_with(L'{');
     TellAt(top.line, Kind::no_section, Text::ToUtf8(key),
            has_bracket ? "the bracket opens no section, since " +

@@ -43,6 +43,28 @@ class KnownIds {
     return std::binary_search(ids->begin(), ids->end(), id);
   }
 
+  // True if the table that names ids of a kind has no rows. Its ids are told together then, since
+  // one slip, such as a misspelt name of the table, is behind all of them.
+  bool LacksHome(IdKind kind) const { return ids_[static_cast<std::size_t>(kind)]->empty(); }
+
+  struct Homeless {
+    Finding* first = nullptr;
+    std::size_t count = 0;
+  };
+  Homeless& HomelessOf(IdKind kind) { return homeless_[static_cast<std::size_t>(kind)]; }
+
+  void TellHomeless() {
+    for (std::size_t i = 0; i < homeless_.size(); ++i) {
+      const auto& [finding, count] = homeless_[i];
+      if (finding == nullptr || count < 2) continue;
+      const auto& home = TableCatalogue::HomeOf(static_cast<IdKind>(i));
+      finding->message =
+          std::string("no ") + home.what + " has a row: " + home.section +
+          " is missing or empty, and " + std::to_string(count) +
+          " ids in the file lead nowhere. Is the section there, under its right name?";
+    }
+  }
+
  private:
   static std::vector<int> Collect(const TableCatalogue::IdHome& home,
                                   const CQtParamDistillery& data) {
@@ -55,7 +77,9 @@ class KnownIds {
   }
 
   const CQtParamDistillery& data_;
-  std::array<std::optional<std::vector<int>>, static_cast<std::size_t>(IdKind::none)> ids_;
+  static constexpr auto kinds = static_cast<std::size_t>(IdKind::none);
+  std::array<std::optional<std::vector<int>>, kinds> ids_;
+  std::array<Homeless, kinds> homeless_ = {};
 };
 
 // ---- fields --------------------------------------------------------------------------------
@@ -331,8 +355,9 @@ class TableCheck {
       TellField(Kind::nul_in_text, read_, ColumnOf(used),
                 "the text holds a zero (U+0000) and ends there. Remove the zero");
     }
-    const auto control = std::find_if(text.begin(), text.end(),
-                                      [](wchar_t c) { return c != L'\0' && IsControl(c); });
+    const auto control = std::find_if(text.begin(), text.end(), [this](wchar_t c) {
+      return c != L'\0' && IsControl(c) && !(run_.is_bytewise && c >= 0x80);
+    });
     if (control != text.end()) {
       TellField(Kind::control_character, read_, ColumnOf(used),
                 "the text holds a character that can't be seen (" + CodeOf(*control) +
@@ -540,9 +565,13 @@ class TableCheck {
       return;
     }
     const auto& home = TableCatalogue::HomeOf(field.id);
-    TellField(must_be ? Kind::unknown_parameter : Kind::unknown_id, i, ColumnOf(starts_[i]),
-              std::string(home.what) + ' ' + std::to_string(id) + " has no row in " + home.section +
-                  (must_be ? ", and the load fails" : "") + ". Add it there or correct the id");
+    const bool together = !must_be && known_.LacksHome(field.id);
+    if (together && known_.HomelessOf(field.id).count++ > 0) return;
+    Finding* const finding = TellField(
+        must_be ? Kind::unknown_parameter : Kind::unknown_id, i, ColumnOf(starts_[i]),
+        std::string(home.what) + ' ' + std::to_string(id) + " has no row in " + home.section +
+            (must_be ? ", and the load fails" : "") + ". Add it there or correct the id");
+    if (together) known_.HomelessOf(field.id).first = finding;
   }
 
   void CheckInstrument() {
@@ -558,7 +587,8 @@ class TableCheck {
     const auto i = static_cast<std::size_t>(instrument_ - fields_.data());
     TellField(Kind::other_instrument, i, ColumnOf(starts_[i]),
               "parameter " + std::to_string(parameter) + " is one of instrument " +
-                  std::to_string(own) + ", not of " + std::to_string(instrument));
+                  std::to_string(own) + ", not of " + std::to_string(instrument) +
+                  ". Correct one of the two");
   }
 
   Run& run_;
@@ -593,6 +623,7 @@ void CheckRows(Run& run) {
     const auto section = run.lake[Text::FromUtf8(table.section)];
     if (section.exists() && section->is_section()) TableCheck(run, known, table).Check(*section);
   }
+  known.TellHomeless();
 }
 
 }  // namespace kestrin::ParameterCheck

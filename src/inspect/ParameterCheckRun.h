@@ -79,6 +79,7 @@ struct Run {
   CQtParamDistillery data;
   std::map<std::string, KeyLines, std::less<>> rows = {};  // by section
   std::set<std::size_t> bad_lines = {};
+  bool is_bytewise = false;  // UTF-8 of which each byte was read as a character; it is told once
   std::size_t cut_line = 0;  // in which the file broke off; it is told once
 
   // 0 if no line has that key.
@@ -108,6 +109,6 @@ void CheckMeaning(Run& run, const std::vector<LoggedRow>& logged);
 
 // What the bytes of a file show by themselves. True if the lake that was read from them means
 // nothing.
-bool CheckBytes(Findings& findings, std::string_view bytes);
+bool CheckBytes(Run& run, std::string_view bytes);
 
 }  // namespace kestrin::ParameterCheck

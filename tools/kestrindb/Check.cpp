@@ -44,8 +44,12 @@ void PrintFinding(const std::string& file, const Json& finding, bool for_editors
   if (finding.contains("position")) {
     std::cout << "field " << finding["position"] << ", `" << Cell(finding, "field") << "`: ";
   }
-  std::cout << Cell(finding, "message") << " [" << Cell(finding, "kind") << "]\n";
-  if (for_editors || !finding.contains("further")) return;
+  std::cout << Cell(finding, "message");
+  const bool more = finding.contains("further");
+  if (more && for_editors)
+    std::cout << " ... and " << PluralOf(finding["further"], "") << "more of this kind";
+  std::cout << " [" << Cell(finding, "kind") << "]\n";
+  if (for_editors || !more) return;
   std::cout << "... and " << PluralOf(finding["further"], "") << "more of this kind";
   if (finding.contains("section")) std::cout << " in " << Cell(finding, "section");
   std::cout << '\n';
