@@ -19,7 +19,7 @@ enum class Kind {
   unreadable_file,    // it couldn't be read, or not to its end
   utf16,              // its text is UTF-16
   binary,             // it is no text
-  not_utf8,           // bytes that are not UTF-8, behind the mark of UTF-8
+  not_utf8,           // behind the mark: bytes that end the text, or a form that UTF-8 forbids
   no_utf8_mark,       // characters beyond ASCII, and no mark: each byte is read as a character
   no_parameter_file,  // nothing in it is known
   refused_version,    // the load refuses the data base, for its version or because it is empty
@@ -65,7 +65,7 @@ enum class Kind {
   unknown_calc_parameter,  // a number that the system has no use for
   no_step,                 // an axis of a trigger without cells
   other_instrument,        // a key with a parameter of another instrument
-  unknown_id,              // an id that no table knows
+  unknown_id,              // an id that no table knows, or all those of a table without rows
 };
 
 enum class Severity {
