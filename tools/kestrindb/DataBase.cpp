@@ -52,6 +52,11 @@ std::string ReadCandidateLake(const std::string& file_name) {
   return bytes;
 }
 
+void TellIfCut() {
+  const Refusal& refusal = CParameterLake::Lake().last_refusal();
+  if (refusal) std::cerr << "kestrindb: " << Printable(Utf8(refusal.sentence)) << '\n';
+}
+
 DataBase::DataBase(const std::string& file_name) {
   using Clock = std::chrono::steady_clock;
   const auto seconds_since = [](Clock::time_point begin) {
@@ -64,6 +69,7 @@ DataBase::DataBase(const std::string& file_name) {
   const auto begin = Clock::now();
   bytes = ReadCandidateLake(file_name);
   reading = seconds_since(begin);
+  TellIfCut();
   const auto read = Clock::now();
   params.ReadTablesFromCandidateLake();
   loading = seconds_since(read);

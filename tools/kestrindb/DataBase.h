@@ -47,6 +47,9 @@ std::string InputName(const std::string& file_name);
 // Reads it into the candidate lake and gives its bytes. Throws Failure if it can't be used.
 std::string ReadCandidateLake(const std::string& file_name);
 
+// One line on standard error if the candidate lake ends where its file was no UTF-8 any more.
+void TellIfCut();
+
 // The file read into the candidate lake, the lake loaded.
 class DataBase {
  public:

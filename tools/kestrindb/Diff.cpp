@@ -16,6 +16,7 @@ namespace {
 struct Side {
   explicit Side(const std::string& file) {
     if (ReadCandidateLake(file).empty()) return;
+    TellIfCut();
     if (!params.ReadTablesFromCandidateLake()) {
       throw Failure(file_unusable, "The file '" + file + "' was not accepted as a data base: " +
                                        Utf8(params.LastRefusal().sentence));

@@ -46,6 +46,7 @@ void Search(const TableInfo& table, const CLake::CNode& section, const LineNumbe
 // A file that no load takes can be searched too.
 Answer DescribeWhere(const Request& request) {
   ReadCandidateLake(request.file);
+  TellIfCut();
   const CLake& lake = CParameterLake::Lake();
   LineNumbers numbers;
   for (const CLake::CNode& line : lake) numbers.emplace(&line, numbers.size() + 1);
