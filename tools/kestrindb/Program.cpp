@@ -142,8 +142,8 @@ void PrintBash(const Json& program) {
                "complete -o bashdefault -o default -F _kestrindb kestrindb\n";
 }
 
-// In a specification of zsh brackets and colons have a meaning.
-std::string Specification(const Json& option) {
+// In what zsh is told of an option brackets and colons have a meaning.
+std::string ForZsh(const Json& option) {
   const auto escaped = [](const std::string& text) {
     std::string out;
     for (const char c : text) {
@@ -183,7 +183,7 @@ void PrintZsh(const Json& program) {
                "case $words[1] in\n";
   for (const Json& command : program["commands"]) {
     std::cout << "  " << Cell(command, "name") << ") _arguments";
-    for (const Json& option : command["options"]) std::cout << Specification(option);
+    for (const Json& option : command["options"]) std::cout << ForZsh(option);
     std::cout << " ;;\n";
   }
   std::cout << "esac\n";
