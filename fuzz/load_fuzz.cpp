@@ -1,11 +1,12 @@
-// A whole load: the bytes are a parameter file. It is read, checked, loaded, asked about ids that
-// stand in it and about hostile ones, dumped, written back to the sea, loaded again, refused if its
-// own version asks for that, and purged.
+// A whole load: the bytes are a parameter file. It is read, checked, tidied, loaded, asked about
+// ids that stand in it and about hostile ones, dumped, written back to the sea, loaded again,
+// refused if its own version asks for that, and purged.
 
 #include <algorithm>
 #include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <ctime>
 #include <iterator>
 #include <map>
 #include <optional>
@@ -16,12 +17,15 @@
 #include <vector>
 
 #include "Fuzz.h"
+#include "frame/LoadForInspection.h"
 #include "frame/QtParamDerived.h"
 #include "frame/QtParamDistillery.h"
 #include "frame/QtParamInstance.h"
 #include "frame/TableList.h"
+#include "inspect/Difference.h"
 #include "inspect/ParameterCheck.h"
 #include "inspect/TableCatalogue.h"
+#include "inspect/Tidy.h"
 #include "interfaces/sea/ResourceSea.h"
 #include "interfaces/signal/MeasuringUnit.h"
 #include "lake/Lake.h"
@@ -286,6 +290,20 @@ void RequireRefusal(CQtParamDistillery& store, const CLake& lake, QuietLog& log)
   Require(Dump(store, log) == before, "a refusal leaves the tables as they were");
 }
 
+// A tidied file says the same, and has nothing left to tidy.
+void RequireTidy(const CLake& lake, Bytes bytes) {
+  const std::string tidied = Tidied({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+  Require(Tidied(tidied) == tidied, "tidied twice is tidied once");
+  CQtParamDistillery before;
+  CQtParamDistillery after;
+  const long long now = std::time(nullptr);
+  LoadForInspection::Run(before, lake);
+  LoadForInspection::Run(
+      after, FromBytes({reinterpret_cast<const std::uint8_t*>(tidied.data()), tidied.size()}));
+  const auto fail = [](auto&&...) { Require(false, "a tidied file has the same rows"); };
+  Difference::Compare(before, after, fail, now);
+}
+
 }  // namespace
 
 void Load(Bytes bytes) {
@@ -293,6 +311,7 @@ void Load(Bytes bytes) {
   const OwnHost host;
   const CLake lake = FromBytes(bytes);
   ParameterCheck::Check(lake);
+  RequireTidy(lake, bytes);
   FillCandidateLake(lake);
   CQtParamDistillery store;
   CQtParamInstance params(&store);

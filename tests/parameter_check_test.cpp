@@ -44,6 +44,11 @@ TEST(ParameterCheck, TellsEachFaultAtItsLine) {
       {"{\n2 \"row\"\n}\n", "3 outside_section\n"},
       {"}\n<TMode>: {\nx\n}\n", "3 unreachable_lines/6\n"},
       {"<TOther>: {\n<TMode>: {\n1 one\n}\n}\n", "3 unknown_section\n"},
+      {"<TMode>: {\n1 one\n<TChannel>: {\n1 x\n}\n}\n", "5 nested_section/3\n"},
+      {"<TMode>: {\n1 one\n<TChannel>: {\n1 x\n}\n\n", "3 unclosed_section\n"},
+      {"<TIpCalcParameter>: {\n1 1 eleven\n1 4 \"2 \"\n}\n", "4 no_number@3\n"},
+      {"<TInstrumentParam>: {\n1 1 a 0 0 0\n2 2 a 0 0 0\n3 2 a 0 0 0\n}\n",
+       "6 duplicate_name/5@3\n"},
   };
   for (const Case& c : cases) {
     EXPECT_EQ(Findings(FromBytes("\xEF\xBB\xBF" + (version + c.sections))), c.findings)

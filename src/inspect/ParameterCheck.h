@@ -27,6 +27,7 @@ enum class Kind {
   // of how its lines nest
   keyed_line,         // a line with a colon inside a table is no row
   no_section,         // the name of a table stands at a line that opens no section
+  nested_section,     // a table inside of another section, which no table reads
   unknown_section,    // a section that no table reads
   unknown_line,       // a named line that nothing reads
   cut_name,           // a document's name without quotes ends at its first blank
@@ -62,6 +63,7 @@ enum class Kind {
   closed_channels,         // channels that inherit from each other in a circle
   ambiguous_polygon,       // several rows of track polygons match a key: the first counts
   duplicate_name,          // a name that leads to another id
+  no_number,               // a calculation parameter that is an id has another text
   unknown_calc_parameter,  // a number that the system has no use for
   no_step,                 // an axis of a trigger without cells
   other_instrument,        // a key with a parameter of another instrument

@@ -103,6 +103,7 @@ class NestingCheck {
         TellUnreachable();
         return false;
       }
+      if (open_.size() == 1) TellNested(open_.front());
       open_.pop_back();
       return true;
     }
@@ -198,7 +199,19 @@ class NestingCheck {
     Tell(Kind::unreachable_lines, "", std::move(message), last == number_ ? 0 : last);
   }
 
+  void TellNested(const Open& outer) {
+    if (outer.tables == 0 || !IsTable(outer.key)) return;
+    TellAt(outer.first_table, Kind::nested_section, Text::ToUtf8(outer.key),
+           "a table inside of another section is not read" +
+               std::string(outer.tables == 1 ? ""
+                                             : ", nor are " + std::to_string(outer.tables - 1) +
+                                                   " more below it") +
+               ". Is a line with } missing above it, and one too many below?",
+           outer.line);
+  }
+
   void TellUnclosed() {
+    if (!open_.empty()) run_.swallowed = open_.front().first_table;
     for (const Open& section : open_) {
       std::string message = "the section has no closing bracket and takes in all that follows";
       if (section.tables > 0) {

@@ -224,7 +224,7 @@ class TableCheck {
   // As a table reads a line: whatever becomes of its fields, a row is made.
   void CheckLine(const CLake::CNode& node) {
     line_ = run_.lines.Of(node);
-    if (line_ == run_.cut_line) return;
+    if (line_ == run_.cut_line || (run_.swallowed != 0 && line_ > run_.swallowed)) return;
     if (IsBlankOrComment(node)) {
       EmptyTexts(0);
       return TellBlank(EnterKey());

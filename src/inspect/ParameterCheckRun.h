@@ -79,8 +79,9 @@ struct Run {
   CQtParamDistillery data;
   std::map<std::string, KeyLines, std::less<>> rows = {};  // by section
   std::set<std::size_t> bad_lines = {};
-  bool is_bytewise = false;  // UTF-8 of which each byte was read as a character; it is told once
-  std::size_t cut_line = 0;  // in which the file broke off; it is told once
+  bool is_bytewise = false;   // UTF-8 of which each byte was read as a character; it is told once
+  std::size_t cut_line = 0;   // in which the file broke off; it is told once
+  std::size_t swallowed = 0;  // the first line that an unclosed section takes in by mistake
 
   // 0 if no line has that key.
   std::size_t LineOf(std::string_view section, std::span<const int> key) const;
