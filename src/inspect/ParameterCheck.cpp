@@ -92,9 +92,9 @@ void CheckRefusals(Run& run) {
     }
   }
   if (const Refusal version = CQTableManager::WhyRefused(run.lake)) {
-    tell(Kind::refused_version, run.lines.OfKey(run.lake, CQTableManager::major_key),
+    tell(Kind::refused_version, run.lines.OfKey(CQTableManager::major_key),
          Text::ToUtf8(version.sentence))
-        .other_line = run.lines.OfKey(run.lake, CQTableManager::minor_key);
+        .other_line = run.lines.OfKey(CQTableManager::minor_key);
   }
 }
 
@@ -176,18 +176,26 @@ std::vector<Finding> Findings::Take() {
   return findings;
 }
 
-Lines::Lines(const CLake& lake) {
-  for (const CLake::CNode& node : lake) numbers_.emplace(&node.value(), numbers_.size() + 1);
+std::size_t Lines::Of(const CLake::CNode& node) {
+  while (&*at_ != &node) {
+    ++number_;
+    if (++at_ != lake_.end()) continue;
+    at_ = lake_.begin();
+    number_ = 1;
+  }
+  return number_;
 }
 
-std::size_t Lines::OfKey(const CLake& lake, const wchar_t* key) const {
-  const auto line = lake[key];
+std::size_t Lines::OfKey(const wchar_t* key) {
+  const auto line = lake_[key];
   return line.exists() ? Of(*line) : 0;
 }
 
-std::size_t Run::LineOf(std::string_view section, std::span<const int> key) const {
-  const auto table = rows.find(section);
-  if (table == rows.end()) return 0;
+std::size_t Run::LineOf(std::string_view section, std::span<const int> key) {
+  auto table = rows.find(section);
+  if (table == rows.end()) {
+    table = rows.emplace(section, ReadKeys(*this, *TableCatalogue::Find(section))).first;
+  }
   const auto line = table->second.find(KeyOf(key));
   return line == table->second.end() ? 0 : line->second;
 }

@@ -188,7 +188,7 @@ class NestingCheck {
   }
 
   void TellUnreachable() {
-    const std::size_t last = run_.lines.Count();
+    const auto last = static_cast<std::size_t>(std::distance(run_.lake.begin(), run_.lake.end()));
     std::string message = "this bracket closes no section";
     if (last > number_) {
       message += " and ends the data base: " + LineRange(number_ + 1, last) +

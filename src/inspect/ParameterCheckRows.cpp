@@ -130,6 +130,12 @@ void AppendToKey(std::wstring& key, const FieldRef& field) {
   }
 }
 
+std::wstring KeyIn(const RowBuffer& buffer) {
+  std::wstring key;
+  for (const FieldRef& field : buffer.key) AppendToKey(key, field);
+  return key;
+}
+
 std::wstring_view Word(std::wstring_view text) {
   text = Text::Trim(text);
   return text.substr(0, static_cast<std::size_t>(
@@ -188,11 +194,11 @@ class TableCheck {
   }
 
   void Check(const CLake::CNode& section) {
+    may_repeat_ = table_.unique_keys && table_.row_count(run_.data) != section.unnamed_size();
     for (auto child = section.begin_unnamed(); child != section.end_unnamed(); ++child) {
       CheckLine(**child);
       first_line_ = false;
     }
-    if (table_.unique_keys) run_.rows.emplace(table_.section, std::move(lines_by_key_));
   }
 
  private:
@@ -483,9 +489,8 @@ class TableCheck {
 
   // The line whose row has the key already, or 0.
   std::size_t EnterKey() {
-    if (!table_.unique_keys) return 0;
-    std::wstring key;
-    for (std::size_t i = 0; i < buffer_->key.size(); ++i) AppendToKey(key, fields_[i].ref);
+    if (!may_repeat_) return 0;
+    std::wstring key = KeyIn(*buffer_);
     const std::size_t before = lines_by_key_.size();
     const auto place = lines_by_key_.try_emplace(lines_by_key_.end(), std::move(key), line_);
     return lines_by_key_.size() > before ? 0 : place->second;
@@ -599,6 +604,7 @@ class TableCheck {
   const NamedField* instrument_ = nullptr;
   const NamedField* parameter_ = nullptr;
   const NamedField* polygon_mode_ = nullptr;
+  bool may_repeat_ = false;  // otherwise each line has made a row
   KeyLines lines_by_key_;
 
   // of the line at hand
@@ -618,12 +624,31 @@ class TableCheck {
 }  // namespace
 
 void CheckRows(Run& run) {
-  KnownIds known(run.data);
+  std::map<const CLake::CNode*, const TableInfo*> sections;
   for (const TableInfo& table : TableCatalogue::Tables()) {
     const auto section = run.lake[Text::FromUtf8(table.section)];
-    if (section.exists() && section->is_section()) TableCheck(run, known, table).Check(*section);
+    if (section.exists() && section->is_section()) sections.emplace(&*section, &table);
+  }
+  KnownIds known(run.data);
+  for (const CLake::CNode& node : run.lake) {
+    if (!node.is_section()) continue;
+    const auto found = sections.find(&node);
+    if (found != sections.end()) TableCheck(run, known, *found->second).Check(node);
   }
   known.TellHomeless();
+}
+
+KeyLines ReadKeys(Run& run, const TableInfo& table) {
+  KeyLines lines;
+  const auto section = run.lake[Text::FromUtf8(table.section)];
+  if (!table.unique_keys || !section.exists() || !section->is_section()) return lines;
+  const auto buffer = table.new_row();
+  for (auto child = section->begin_unnamed(); child != section->end_unnamed(); ++child) {
+    std::wstring_view rest = (*child)->value();
+    RowText::ReadFields(buffer->key, rest);  // what isn't read stays as in the line before
+    lines.try_emplace(lines.end(), KeyIn(*buffer), run.lines.Of(**child));
+  }
+  return lines;
 }
 
 }  // namespace kestrin::ParameterCheck

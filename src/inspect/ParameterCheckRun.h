@@ -9,7 +9,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -47,17 +46,20 @@ class Findings {
   std::map<std::string, std::map<Kind, Count>, std::less<>> counts_;
 };
 
-// The lines of a lake by their nodes.
+// The lines of a lake by their nodes. It counts on from the last line that was asked for, so that
+// asking costs little in the order of the file.
 class Lines {
  public:
-  explicit Lines(const CLake& lake);
-  std::size_t Of(const CLake::CNode& node) const { return numbers_.at(&node.value()); }
+  explicit Lines(const CLake& lake) : lake_(lake), at_(lake.begin()) {}
+  // Of a node of the lake.
+  std::size_t Of(const CLake::CNode& node);
   // 0 if there is none.
-  std::size_t OfKey(const CLake& lake, const wchar_t* key) const;
-  std::size_t Count() const { return numbers_.size(); }
+  std::size_t OfKey(const wchar_t* key);
 
  private:
-  std::unordered_map<const std::wstring*, std::size_t> numbers_;
+  const CLake& lake_;
+  CLake::const_iterator at_;
+  std::size_t number_ = 1;
 };
 
 // Which line each row came from, for tables with unique keys. A key is a text of its ids, one
@@ -77,14 +79,14 @@ struct Run {
   Findings findings;
   Lines lines;
   CQtParamDistillery data;
-  std::map<std::string, KeyLines, std::less<>> rows = {};  // by section
+  std::map<std::string, KeyLines, std::less<>> rows = {};  // of the sections that were asked for
   std::set<std::size_t> bad_lines = {};
   bool is_bytewise = false;   // UTF-8 of which each byte was read as a character; it is told once
   std::size_t cut_line = 0;   // in which the file broke off; it is told once
   std::size_t swallowed = 0;  // the first line that an unclosed section takes in by mistake
 
-  // 0 if no line has that key.
-  std::size_t LineOf(std::string_view section, std::span<const int> key) const;
+  // 0 if no line of a table with unique keys has that key.
+  std::size_t LineOf(std::string_view section, std::span<const int> key);
 };
 
 // At most so much of a text, in quotes.
@@ -95,8 +97,11 @@ bool IsBlankOrComment(const CLake::CNode& node);
 // False if nothing in the lake is known.
 bool CheckNesting(Run& run);
 
-// Fills run.rows, for which the data must have been loaded.
+// The data must have been loaded.
 void CheckRows(Run& run);
+
+// The lines of a table by the keys that a load reads from them.
+KeyLines ReadKeys(Run& run, const TableCatalogue::TableInfo& table);
 
 // A row that the log of the load spoke of.
 struct LoggedRow {
