@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <compare>
 #include <cstring>
 #include <cwchar>
 #include <numeric>
@@ -24,23 +23,28 @@ int Texts(const FieldView& a, const FieldView& b) {
   return std::wcsncmp(&As<wchar_t>(a), &As<wchar_t>(b), TableType::text_width);
 }
 
-// As the keys of tables are ordered: NaN behind all numbers.
-std::weak_ordering Order(const FieldView& a, const FieldView& b) {
+template <class T>
+int Values(const FieldView& a, const FieldView& b) {
+  return static_cast<int>(As<T>(a) > As<T>(b)) - static_cast<int>(As<T>(a) < As<T>(b));
+}
+
+// Below, at or above 0, as the keys of tables are ordered: NaN behind all numbers.
+int Order(const FieldView& a, const FieldView& b) {
   switch (a.kind) {
     case FieldKind::unsigned_int:
-      return As<unsigned>(a) <=> As<unsigned>(b);
+      return Values<unsigned>(a, b);
     case FieldKind::long_long:
-      return As<long long>(a) <=> As<long long>(b);
+      return Values<long long>(a, b);
     case FieldKind::real: {
-      const auto order = As<float>(a) <=> As<float>(b);
-      if (order < 0) return std::weak_ordering::less;
-      if (order > 0) return std::weak_ordering::greater;
-      return std::isnan(As<float>(a)) <=> std::isnan(As<float>(b));
+      const int order = Values<float>(a, b);
+      if (order != 0) return order;
+      return static_cast<int>(std::isnan(As<float>(a))) -
+             static_cast<int>(std::isnan(As<float>(b)));
     }
     case FieldKind::text:
-      return Texts(a, b) <=> 0;
+      return Texts(a, b);
     default:
-      return As<int>(a) <=> As<int>(b);
+      return Values<int>(a, b);
   }
 }
 
@@ -62,12 +66,12 @@ class Rows {
   std::size_t size() const { return places_.size(); }
   Columns operator[](std::size_t i) const { return Row(places_[i]); }
 
-  std::weak_ordering Keys(Columns a, Columns b) const { return First(key_columns_, a, b); }
-  std::weak_ordering Whole(Columns a, Columns b) const { return First(width_, a, b); }
+  int Keys(Columns a, Columns b) const { return First(key_columns_, a, b); }
+  int Whole(Columns a, Columns b) const { return First(width_, a, b); }
 
  private:
-  static std::weak_ordering First(std::size_t columns, Columns a, Columns b) {
-    auto order = std::weak_ordering::equivalent;
+  static int First(std::size_t columns, Columns a, Columns b) {
+    int order = 0;
     for (std::size_t i = 0; order == 0 && i < columns; ++i) order = Order(a[i], b[i]);
     return order;
   }
@@ -115,7 +119,7 @@ void Compare(const CQtParamDistillery& before, const CQtParamDistillery& after,
     };
     Columns last;
     while (i < old_rows.size() || j < new_rows.size()) {
-      auto order = j == new_rows.size() ? std::weak_ordering::less : std::weak_ordering::greater;
+      int order = j == new_rows.size() ? -1 : 1;
       if (i < old_rows.size() && j < new_rows.size()) {
         order = old_rows.Whole(old_rows[i], new_rows[j]);
       }

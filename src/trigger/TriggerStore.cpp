@@ -101,7 +101,7 @@ std::span<const CTriggerStore::Rows::value_type> CTriggerStore::param_range(int 
   const auto last = std::find_if(first, rows.end(), [base, trigger](const auto& row) {
     return row.first[0] != base || row.first[1] != trigger || Dimension(row.first) >= dimensions_d;
   });
-  return std::span(first, last);
+  return {first, last};
 }
 
 const QVTriggerParams* CTriggerStore::param(int mode, int trigger, unsigned dim) const {

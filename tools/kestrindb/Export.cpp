@@ -187,9 +187,9 @@ std::string ViewSql(const TableInfo& table) {
     const RowsInfo* const names = NamesOf(column.id);
     if (names == nullptr || names == &table) continue;
     const std::string of = Quoted("of_" + column.name);
-    columns += ", " + of + "." + "name as " + Quoted(column.name + "_name");
-    joins += " left join " + Quoted(Name(*names)) + " as " + of + " on " + of + "." +
-             Quoted(names->columns[0].name) + " = " + id;
+    columns += ", " + of + ".name as " + Quoted(column.name + "_name");
+    joins += " left join " + Quoted(Name(*names)) + " as " + of;
+    joins += " on " + of + '.' + Quoted(names->columns[0].name) + " = " + id;
   }
   if (joins.empty()) return "";
   return "create view " + Quoted(name + "_named") + " as select " + columns + " from " +

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <iterator>
 #include <limits>
 
 #include "Commands.h"
@@ -135,7 +136,7 @@ void DrawPolygon(const Json& json, const Request& request) {
     return Point{x_axis.At(point.x), y_axis.At(point.y)};
   };
   std::vector<Point> places;
-  for (const Point& point : line) places.push_back(place(point));
+  std::transform(line.begin(), line.end(), std::back_inserter(places), place);
   svg.Polyline(places, Svg::data);
   for (const Point& point : points) {
     if (point.x < x_axis.Low() || point.x > x_axis.High()) continue;

@@ -262,7 +262,7 @@ void PrintCompletion(const Json& json) {
 Answer DescribeManual(const Request& request) { return {DescribeProgram(*request.program), fine}; }
 
 void PrintManual(const Json& json) {
-  std::cout << ".TH KESTRINDB 1 \"\" \"kestrindb " << Cell(json, "version") << "\"\n"
+  std::cout << R"(.TH KESTRINDB 1 "" "kestrindb )" << Cell(json, "version") << "\"\n"
             << ".SH NAME\nkestrindb \\- " << Troff(Cell(json, "help")) << '\n'
             << ".SH SYNOPSIS\n.B kestrindb\n[\\fIoption\\fR ...] \\fIcommand\\fR ...\n"
             << ".SH OPTIONS\n";

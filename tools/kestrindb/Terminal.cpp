@@ -196,12 +196,10 @@ Terminal::Input Terminal::Next() {
     input.closed = true;
   } else if (kind == KEY_CODE_YES && character == KEY_MOUSE) {
     return MouseInput();
-  } else if (kind == OK && character == escape && SkipSequenceBehindEscape()) {
-    return input;
-  } else if ((input.key = KeyOf(kind, character)) || kind == KEY_CODE_YES || character < L' ') {
-    return input;
-  } else {
-    Text::AppendCharacter(input.text, character);
+  } else if (kind != OK || character != escape || !SkipSequenceBehindEscape()) {
+    input.key = KeyOf(kind, character);
+    const bool is_text = !input.key && kind != KEY_CODE_YES && character >= L' ';
+    if (is_text) Text::AppendCharacter(input.text, character);
   }
   return input;
 }
