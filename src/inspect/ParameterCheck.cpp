@@ -69,6 +69,7 @@ const KindInfo& InfoOf(Kind kind) {
       {"other_instrument", note},
       {"unknown_id", note},
   };
+  static_assert(std::size(infos) == static_cast<std::size_t>(Kind::unknown_id) + 1);
   return infos[static_cast<std::size_t>(kind)];
 }
 

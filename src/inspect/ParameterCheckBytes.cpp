@@ -9,7 +9,6 @@
 namespace kestrin::ParameterCheck {
 namespace {
 
-constexpr std::string_view mark = "\xEF\xBB\xBF";
 constexpr const char* save = "Save the file as UTF-8 with a byte order mark";
 
 bool IsUtf8(std::string_view bytes) {
@@ -81,7 +80,7 @@ bool CheckBytes(Run& run, std::string_view bytes) {
     return true;
   }
   const auto first = std::find_if(bytes.begin(), bytes.end(), IsBeyondAscii);
-  if (bytes.starts_with(mark)) {
+  if (bytes.starts_with(Utf::mark)) {
     TellLax(findings, bytes);
     return false;
   }

@@ -354,6 +354,7 @@ const char* KindName(TableType::FieldKind kind) {
   // In the order of the enumeration.
   static constexpr const char* names[] = {
       "integer", "unsigned", "long", "long long", "float", "text", "key (6 integers)"};
+  static_assert(std::size(names) == static_cast<std::size_t>(FieldKind::key) + 1);
   const auto index = static_cast<std::size_t>(kind);
   return index < std::size(names) ? names[index] : "";
 }

@@ -5,12 +5,12 @@
 #include <vector>
 
 #include "interfaces/text/Text.h"
+#include "interfaces/text/Utf.h"
 #include "lake/LakeReader.h"
 
 namespace kestrin {
 namespace {
 
-constexpr std::string_view mark = "\xEF\xBB\xBF";
 constexpr std::size_t most_tabs = 32;
 
 // Bytes as wide text and back; a file without the mark has one character in each byte.
@@ -98,10 +98,10 @@ class Tidier {
 }  // namespace
 
 std::string Tidied(std::string_view file) {
-  const bool is_marked = file.starts_with(mark);
-  if (!is_marked && file.starts_with(mark.front())) return std::string(file);
+  const bool is_marked = file.starts_with(Utf::mark);
+  if (!is_marked && file.starts_with(Utf::mark.front())) return std::string(file);
   const Encoding encoding{is_marked};
-  std::string_view rest = file.substr(is_marked ? mark.size() : 0);
+  std::string_view rest = file.substr(is_marked ? Utf::mark.size() : 0);
   Tidier tidier;
   while (!rest.empty()) {
     const std::string_view bytes = rest.substr(0, rest.find('\n'));
@@ -110,7 +110,8 @@ std::string Tidied(std::string_view file) {
     rest.remove_prefix(std::min(bytes.size() + 1, rest.size()));
   }
   if (!rest.empty()) tidier.AddBlank();
-  return std::string(is_marked ? mark : "") + encoding.Encode(tidier.Lines()) + std::string(rest);
+  return std::string(is_marked ? Utf::mark : "") + encoding.Encode(tidier.Lines()) +
+         std::string(rest);
 }
 
 }  // namespace kestrin

@@ -20,16 +20,20 @@ Json ToJson(const std::vector<TableCatalogue::FieldInfo>& fields) {
 }
 
 Json ToJson(const TableCatalogue::TableInfo& table) {
-  return {{"section", table.section},          {"accessor", table.accessor},
-          {"container", table.container},      {"unique_keys", table.unique_keys},
-          {"registered", table.reading_place}, {"made", table.making_place},
-          {"key", ToJson(table.key)},          {"row", ToJson(table.row)}};
+  return {{"section", table.section},
+          {"accessor", table.accessor},
+          {"container", table.container},
+          {"unique_keys", table.unique_keys},
+          {"reading_place", table.reading_place},
+          {"making_place", table.making_place},
+          {"key", ToJson(table.key)},
+          {"row", ToJson(table.row)}};
 }
 
 void PrintTableInfo(const Json& table) {
   const std::string accessor = Cell(table, "accessor");
   std::cout << "## `" << Cell(table, "section") << "`\n\n"
-            << "Table " << table["registered"] << ", " << Cell(table, "container")
+            << "Table " << table["reading_place"] << ", " << Cell(table, "container")
             << (table["unique_keys"] ? "" : " (a key may stand on several lines)") << "; "
             << (accessor.empty() ? "no accessor" : "accessor `" + accessor + "`") << ".\n\n"
             << "| position | field | kind | default |\n|---:|---|---|---|\n";

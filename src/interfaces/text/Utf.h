@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string_view>
 
 namespace kestrin::Utf {
 
-constexpr char32_t replacement = 0xFFFD;  // stands for what is no character
+constexpr char32_t replacement = 0xFFFD;           // stands for what is no character
+constexpr std::string_view mark = "\xEF\xBB\xBF";  // in front of a file in UTF-8
 
 // A character beyond the 16-bit range is a high surrogate and a low one behind it.
 constexpr bool IsHigh(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
