@@ -35,7 +35,7 @@ class KESTRIN_API LogSubject {
 
 // Takes what this thread logs while it lives, before any sink; of two the inner one takes it. The
 // subject is null where none is named. What `take` throws comes out of the operation that logged.
-class LogListener {
+class KESTRIN_API LogListener {
  public:
   using Take = std::function<void(std::wstring_view text, const LogSubject* subject)>;
 
