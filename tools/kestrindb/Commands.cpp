@@ -216,7 +216,7 @@ CLI::Option* AddKey(CLI::App& command, Request& request) {
       .add_option_function<std::vector<std::string>>(
           "KEY",
           [&request](const std::vector<std::string>& texts) {
-            request.resolve.push_back([&request, texts](const CQtParamInstance& params) {
+            request.resolve.emplace_back([&request, texts](const CQtParamInstance& params) {
               request.ids.assign(Clavis::element_count, -1);
               for (const int element : {Clavis::Mode, Clavis::Instrument, Clavis::Channel,
                                         Clavis::Location, Clavis::Parameter, Clavis::Sensor}) {
