@@ -47,6 +47,7 @@ const KindInfo& InfoOf(Kind kind) {
       {"extra_fields", loss},
       {"number_runs_on", loss},
       {"infinite_number", loss},
+      {"negative_number", loss},
       {"id_out_of_range", loss},
       {"wrong_quotes", loss},
       {"quote_not_closed", note},
@@ -204,6 +205,11 @@ std::size_t Run::LineOf(std::string_view section, std::span<const int> key) {
 std::string Quoted(std::wstring_view text) {
   constexpr std::size_t shown = 60;
   return '\'' + Text::ToUtf8(text.substr(0, shown)) + (text.size() > shown ? "...'" : "'");
+}
+
+bool IsOddQuote(wchar_t c) {
+  return c == L'\'' || c == L'`' || c == 0xAB || c == 0xBB || (c >= 0x2018 && c <= 0x201F) ||
+         (c >= 0x300C && c <= 0x300F) || c == 0xFF02 || c == 0xFF07;
 }
 
 bool IsBlankOrComment(const CLake::CNode& node) {

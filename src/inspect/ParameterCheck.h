@@ -44,7 +44,8 @@ enum class Kind {
   short_line,         // behind its end numbers keep the values of the line before, texts are empty
   extra_fields,       // what stands behind the last field is ignored
   number_runs_on,     // a number ends in the middle of a word
-  infinite_number,    // a number beyond the largest float
+  infinite_number,    // a number beyond the largest float, or none
+  negative_number,    // in a field that holds none
   id_out_of_range,    // an id that its element can't have
   wrong_quotes,       // a text in quotes that are none
   quote_not_closed,   // a text that ends with the line

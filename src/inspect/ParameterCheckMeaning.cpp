@@ -53,6 +53,7 @@ class MeaningCheck {
       if (key[1] == QVIpCalcParameter::base_order_reference) CheckOrderSource(key[0], row);
     }
     CheckAxes();
+    if (run_.options.references) CheckRotors();
   }
 
  private:
@@ -202,7 +203,29 @@ class MeaningCheck {
             : nullptr;
     if (lack == nullptr) return;
     Tell(Kind::unknown_id, calc_text, {parameter, QVIpCalcParameter::base_order_reference},
-         "order source " + std::to_string(source) + lack);
+         "order source " + std::to_string(source) + lack + ". Add it there or correct the id");
+  }
+
+  // What sits on a rotor in a physical mode needs its speed there, and that a speed source.
+  void CheckRotors() {
+    const auto& rotors = run_.data.Table<L"<TRotorSpeed>">();
+    const auto& sources = run_.data.Table<L"<TRotorSpeedSource>">();
+    const auto told = [](int rotor, const char* lack, int phys_mode, const char* table) {
+      return "rotor " + std::to_string(rotor) + lack + std::to_string(phys_mode) +
+             ". Add a row to " + table + ", or correct the id";
+    };
+    std::set<int> known;
+    for (const auto& [key, row] : rotors) {
+      known.insert(key[1]);
+      if (sources.empty() || RowOf(sources, {key[0], key[1]}) != nullptr) continue;
+      Tell(Kind::unknown_id, {"<TRotorSpeed>", 2}, key.id,
+           told(key[1], " has no speed source in physical mode ", key[0], "<TRotorSpeedSource>"));
+    }
+    for (const auto& [key, row] : run_.data.Table<L"<TOrderSource2Rotor>">()) {
+      if (!known.contains(row.ref) || RowOf(rotors, {key[1], row.ref}) != nullptr) continue;
+      Tell(Kind::unknown_id, {"<TOrderSource2Rotor>", 3}, key.id,
+           told(row.ref, " has no speed in physical mode ", key[1], "<TRotorSpeed>"));
+    }
   }
 
   // A source that its table doesn't map is the rotor, or the physical gear, of the same number.

@@ -26,7 +26,8 @@ constexpr wchar_t wide_bracket_sign = 0xFF5B;
 
 // Whether a value was meant to open a section.
 bool IsBracket(std::wstring_view value) {
-  return value.starts_with(L'{') || value.starts_with(wide_bracket_sign);
+  return value.starts_with(L'{') || value.starts_with(wide_bracket_sign) || value == L"(" ||
+         value == L"[";
 }
 
 bool IsTable(const std::wstring& key) {
@@ -36,6 +37,8 @@ bool IsTable(const std::wstring& key) {
 bool IsNamedLine(const std::wstring& key) {
   return std::find(named_lines.begin(), named_lines.end(), key) != named_lines.end();
 }
+
+bool IsIds(std::wstring_view key) { return key.find_first_not_of(L"-0123456789 \t\"") == key.npos; }
 
 // "; did you mean <TMode>?", or nothing.
 std::string Suggestion(const std::wstring& key) {
@@ -114,8 +117,11 @@ class NestingCheck {
       if (open_.front().tables++ == 0) open_.front().first_table = number_;
     } else if (open_.size() == 1 && node.is_named() && IsTable(open_.back().key)) {
       Tell(Kind::keyed_line, Text::ToUtf8(open_.back().key),
-           "the colon makes this a line with the key " + Quoted(node.key()) +
-               ", which is no row of the table. Put a text that holds a colon in quotes");
+           opens ? "a section inside of a table is not read. Put it behind the table"
+                 : "the colon makes this a line with the key " + Quoted(node.key()) +
+                       ", which is no row of the table. " +
+                       (IsIds(node.key()) ? "Remove the colon"
+                                          : "Put a text that holds a colon in quotes"));
     }
     if (opens) open_.push_back({number_, node.key()});
     return true;
@@ -173,7 +179,7 @@ class NestingCheck {
     const std::wstring key(value.substr(0, end));
     std::wstring_view rest = Text::Trim(value.substr(end));
     const bool wide_colon = rest.starts_with(wide_colon_sign);
-    if (wide_colon) rest = Text::Trim(rest.substr(1));
+    if (wide_colon || rest.starts_with(L'=')) rest = Text::Trim(rest.substr(1));
     const bool opens = IsBracket(rest);
     if (end == 0 || !(opens || IsTable(key) || IsNamedLine(key))) return false;
     knows_something_ = knows_something_ || IsTable(key) || IsNamedLine(key);
@@ -233,7 +239,7 @@ class NestingCheck {
                     "are not read. Write " +
                         Text::ToUtf8(key) + ": {");
     }
-    const bool has_bracket = top.value.starts_with(L'{');
+    const bool has_bracket = top.value.starts_with(L'{') && top.value.size() > 1;
     TellAt(top.line, Kind::no_section, Text::ToUtf8(key),
            has_bracket ? "the bracket opens no section, since " +
                              Quoted(Text::Trim(std::wstring_view(top.value).substr(1))) +
@@ -258,7 +264,10 @@ class NestingCheck {
       if (value == (quoted ? L'"' + name + L'"' : name)) continue;
       TellAt(run_.lines.Of(*line), Kind::cut_name, "",
              "the name is " + Quoted(name) + "; the rest of the line is not read" +
-                 (quoted ? "" : ". Put it in quotes: \"" + Text::ToUtf8(value) + '"'));
+                 (quoted ? ""
+                  : !value.empty() && IsOddQuote(value[0])
+                      ? ". Write straight quotes, \""
+                      : ". Put it in quotes: \"" + Text::ToUtf8(value) + '"'));
     }
   }
 

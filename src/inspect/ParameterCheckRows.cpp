@@ -155,9 +155,6 @@ bool IsTypographicMinus(wchar_t c) {
   return c == 0x2212 || c == 0x2010 || c == 0x2013 || c == 0x2014;
 }
 bool IsNoBreakSpace(wchar_t c) { return c == 0xA0 || c == 0x2007 || c == 0x202F || c == 0xFEFF; }
-bool IsOddQuote(wchar_t c) {
-  return c == L'\'' || c == L'`' || c == 0xAB || c == 0xBB || (c >= 0x2018 && c <= 0x201F);
-}
 bool IsControl(wchar_t c) { return c < L' ' || (c >= 0x7F && c <= 0x9F); }
 
 // What is odd at a place where a number should begin.
@@ -171,6 +168,9 @@ std::string OddStart(std::wstring_view rest) {
     return ": a no-break space (" + CodeOf(rest[0]) + ") is no white space here; type a blank";
   }
   if (rest[0] == L'"') return ": a text stands where a number belongs; is a field missing?";
+  for (const wchar_t* const mark : {L"<<<<<<<", L"=======", L">>>>>>>"}) {
+    if (rest.starts_with(mark)) return ": a conflict of a merge that isn't resolved?";
+  }
   return "";
 }
 
@@ -233,12 +233,19 @@ class TableCheck {
     if (line_ == run_.cut_line || (run_.swallowed != 0 && line_ > run_.swallowed)) return;
     if (IsBlankOrComment(node)) {
       EmptyTexts(0);
-      return TellBlank(EnterKey());
+      read_ = 0;
+      const std::size_t first = EnterKey();
+      TellBlank(first);
+      if (first == 0) CheckNeeded();
+      return;
     }
     fault_ = nullptr;
     const bool whole = ReadFields(node.value());
     const std::size_t first = EnterKey();
-    if (first == 0) return CheckIds();
+    if (first == 0) {
+      CheckIds();
+      return CheckNeeded();
+    }
     const std::string other = "line " + std::to_string(first);
     if (whole) {
       fault_ = Tell(Kind::duplicate_key,
@@ -307,11 +314,20 @@ class TableCheck {
   void LookAtNumber(std::wstring_view used, std::wstring_view rest) {
     const NamedField& field = fields_[read_];
     if (field.ref.kind == FieldKind::real &&
-        std::isinf(*static_cast<const float*>(field.ref.place)) &&
-        used.find_first_of(L"nN") == used.npos) {
-      TellField(Kind::infinite_number, read_, ColumnOf(used),
-                Text::ToUtf8(Text::Trim(used)) +
-                    " is beyond what the field holds, up to 3.4e38, and becomes infinite");
+        !std::isfinite(*static_cast<const float*>(field.ref.place))) {
+      const bool is_typed = used.find_first_of(L"nN") != used.npos;
+      Finding* const finding = TellField(
+          Kind::infinite_number, read_, ColumnOf(used),
+          Text::ToUtf8(Text::Trim(used)) +
+              (is_typed ? " is a number without bounds, or none at all. Write one that is measured"
+                        : " is beyond what the field holds, up to 3.4e38, and becomes infinite. "
+                          "Correct the number"));
+      if (finding != nullptr && is_typed) finding->severity = Severity::note;
+    }
+    if (field.ref.kind == FieldKind::unsigned_int && used.find(L'-') != used.npos) {
+      TellField(Kind::negative_number, read_, ColumnOf(used),
+                "the field holds no negative numbers: " + Text::ToUtf8(Text::Trim(used)) +
+                    " becomes " + Shown(read_) + ". Write a number from 0 up");
     }
     const bool text_follows = read_ + 1 < fields_.size() && IsText(read_ + 1);
     if (rest.empty() || Text::IsSpace(rest[0]) || (rest[0] == L'"' && text_follows)) return;
@@ -328,6 +344,9 @@ class TableCheck {
         static_cast<std::size_t>(std::find_if(behind.begin() + 1, behind.end(),
                                               [](wchar_t c) { return c < L'0' || c > L'9'; }) -
                                  behind.begin());
+    if (behind[0] == L',' && fields_[read_].ref.kind != FieldKind::real) {
+      return ": a comma separates no fields; type a blank";
+    }
     if (behind[0] == L',' && digits > 1) {
       return ": a decimal comma" + in + number + '.' + Text::ToUtf8(behind.substr(1, digits - 1));
     }
@@ -341,7 +360,7 @@ class TableCheck {
     if (IsNoBreakSpace(behind[0])) {
       return ": a no-break space (" + CodeOf(behind[0]) + ") separates no fields; type a blank";
     }
-    return ": separate the fields by a blank";
+    return ": write the number alone, and a blank behind it";
   }
 
   void LookAtText(std::wstring_view used, std::wstring_view before) {
@@ -386,6 +405,7 @@ class TableCheck {
              "` one with blanks? Then put it in quotes";
     }
     const std::wstring_view next = Word(rest);
+    if (rest.find(L'"') != rest.npos) return ". Is something in front of the quote too much?";
     return ". A text with blanks? Put it in quotes: \"" + Text::ToUtf8(Word(starts_[*unquoted_])) +
            ' ' + Text::ToUtf8(next) + (next == Text::Trim(rest) ? "" : " ...") + '"';
   }
@@ -399,7 +419,7 @@ class TableCheck {
     const std::string hint = comment             ? ""
                              : oddity_           ? oddity_->hint
                              : IsText(read_ - 1) ? QuotesHint(rest)
-                                                 : "";
+                                                 : ". Remove it";
     Finding* const finding =
         TellField(oddity_ ? oddity_->kind : Kind::extra_fields, fields_.size() - 1, ColumnOf(rest),
                   what + "; the rest of the line is not read: " + Quoted(extra) + hint);
@@ -457,6 +477,7 @@ class TableCheck {
                 HintOf(rest) + " (in the log: '" + reason + "'); the rest of the line is not read";
     }
     message += Kept(false);
+    if (reason != nullptr && HintOf(rest).empty()) message += ". Write a number that fits";
     if (table_.container == "tree" && table_.row.size() == 1 && !told_index_) {
       told_index_ = true;
       message += "; as long as a line is bad no name of this table is found";
@@ -539,6 +560,18 @@ class TableCheck {
                   std::to_string(axis) + " is passed over");
   }
 
+  // A relative limit needs its parameter, also where the line doesn't tell it.
+  void CheckNeeded() {
+    if (table_.section != "<TGrex15>") return;
+    const auto i = static_cast<std::size_t>(parameter_ - fields_.data());
+    const int id = IdIn(*parameter_);
+    if (known_.Knows(IdKind::parameter, id)) return;
+    TellField(Kind::unknown_parameter, i, i < read_ ? ColumnOf(starts_[i]) : 0,
+              "parameter " + std::to_string(id) +
+                  " has no row in <TInstrumentParam>, and the load fails. Add it there or correct "
+                  "the id");
+  }
+
   bool CheckRange(std::size_t i, int id) {
     std::string message;
     if (fields_[i].id == IdKind::mode && CQtParamInstance::IsVirtualMode(id)) {
@@ -559,8 +592,8 @@ class TableCheck {
 
   void CheckKnown(std::size_t i, int id) {
     NamedField& field = fields_[i];
-    const bool must_be = table_.section == "<TGrex15>" && field.id == IdKind::parameter;
-    if (!must_be && !run_.options.references) return;
+    if (table_.section == "<TGrex15>" && field.id == IdKind::parameter) return;  // CheckNeeded
+    if (!run_.options.references) return;
     if (field.id == IdKind::polygon_points && polygon_mode_ != nullptr &&
         polygon_mode_ < fields_.data() + read_ && IdIn(*polygon_mode_) == 1) {
       return;
@@ -570,12 +603,12 @@ class TableCheck {
       return;
     }
     const auto& home = TableCatalogue::HomeOf(field.id);
-    const bool together = !must_be && known_.LacksHome(field.id);
+    const bool together = known_.LacksHome(field.id);
     if (together && known_.HomelessOf(field.id).count++ > 0) return;
-    Finding* const finding = TellField(
-        must_be ? Kind::unknown_parameter : Kind::unknown_id, i, ColumnOf(starts_[i]),
-        std::string(home.what) + ' ' + std::to_string(id) + " has no row in " + home.section +
-            (must_be ? ", and the load fails" : "") + ". Add it there or correct the id");
+    Finding* const finding =
+        TellField(Kind::unknown_id, i, ColumnOf(starts_[i]),
+                  std::string(home.what) + ' ' + std::to_string(id) + " has no row in " +
+                      home.section + ". Add it there or correct the id");
     if (together) known_.HomelessOf(field.id).first = finding;
   }
 

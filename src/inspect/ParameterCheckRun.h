@@ -94,6 +94,9 @@ std::string Quoted(std::wstring_view text);
 
 bool IsBlankOrComment(const CLake::CNode& node);
 
+// Quotes that look like those of a text and are none: typographic, Chinese, full-width ones.
+bool IsOddQuote(wchar_t c);
+
 // False if nothing in the lake is known.
 bool CheckNesting(Run& run);
 

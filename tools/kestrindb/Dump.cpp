@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "Commands.h"
+#include "Output.h"
 #include "Rows.h"
 
 using namespace kestrin;
@@ -81,7 +82,7 @@ Json DescribeDump(const CQtParamInstance& params, const Request& request) {
 }
 
 void PrintDump(const Json& json) {
-  for (const Json& text : json) std::cout << text.get_ref<const std::string&>();
+  for (const Json& text : json) std::cout << Unaltered(text.get_ref<const std::string&>());
 }
 
 }  // namespace kestrindb

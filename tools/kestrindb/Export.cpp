@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <csignal>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -256,10 +257,16 @@ std::size_t ExportSqlite(const CQtParamInstance& params, const std::string& out,
   return rows;
 }
 
-// A folder that goes with what is in it, unless it has been given its name.
-struct NewFolder {
+// A folder that goes with what is in it, unless it has been given its name. A signal that ends the
+// program waits until then.
+class NewFolder {
+ public:
   explicit NewFolder(const std::string& beside)
       : path(beside + "." + std::to_string(getpid()) + ".new") {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : ending_signals) sigaddset(&signals, signal);
+    sigprocmask(SIG_BLOCK, &signals, &before_);
     fs::create_directory(path);
   }
   NewFolder(const NewFolder&) = delete;
@@ -267,8 +274,22 @@ struct NewFolder {
   ~NewFolder() {
     std::error_code ignored;
     fs::remove_all(path, ignored);
+    sigprocmask(SIG_SETMASK, &before_, nullptr);
   }
-  std::string path;
+
+  static void ThrowIfEnded() {
+    sigset_t waiting;
+    sigpending(&waiting);
+    for (const int signal : ending_signals) {
+      if (sigismember(&waiting, signal) == 1) throw Failure(file_unusable, "Ended by a signal.");
+    }
+  }
+
+  const std::string path;
+
+ private:
+  static constexpr int ending_signals[] = {SIGINT, SIGTERM, SIGHUP};
+  sigset_t before_;
 };
 
 std::size_t ExportCsv(const CQtParamInstance& params, const std::string& out, bool force) {
@@ -281,6 +302,7 @@ std::size_t ExportCsv(const CQtParamInstance& params, const std::string& out, bo
   }
   const NewFolder folder(out);
   const std::size_t rows = ForEachTable(params, [&](const TableInfo& table, auto hand_rows_to) {
+    NewFolder::ThrowIfEnded();
     std::string text = CsvHead(table);
     hand_rows_to([&text](const Values& row) { text += CsvLine(row); });
     CFile file(Wide(folder.path + "/" + Name(table) + ".csv"), CFile::modeWrite);

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "Commands.h"
+#include "Output.h"
 
 using namespace kestrin;
 
@@ -49,7 +50,7 @@ Answer DescribeFmt(const Request& request) {
 }
 
 void PrintFmt(const Json& json) {
-  if (json.contains("text")) std::cout << json["text"].get_ref<const std::string&>();
+  if (json.contains("text")) std::cout << Unaltered(json["text"].get_ref<const std::string&>());
 }
 
 }  // namespace kestrindb

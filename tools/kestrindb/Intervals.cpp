@@ -12,7 +12,6 @@
 using namespace kestrin;
 
 namespace kestrindb {
-namespace {}  // namespace
 
 std::string ResolutionText(const Json& json) {
   std::string text;

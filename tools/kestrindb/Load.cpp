@@ -67,8 +67,10 @@ void PrintLoad(const Json& json) {
   PrintTable(json["tables"], {{"table", "section"}, {"rows", "rows"}});
   const std::size_t logged = json["log"].size();
   std::cout << '\n'
-            << (logged == 0 ? "Nothing was logged."
-                            : std::to_string(logged) + " log entries; see standard error.")
+            << (logged == 0
+                    ? "Nothing was logged."
+                    : std::to_string(logged) + (logged == 1 ? " log entry" : " log entries") +
+                          "; see standard error.")
             << '\n';
   if (json["findings"] != 0) {
     std::cout << "kestrindb check has " << PluralOf(json["findings"], "finding") << ", by line.\n";

@@ -61,6 +61,10 @@ std::string PaintedForErrors(std::string_view text, Colour colour) {
   return Painted(text, colour, ShowsColours(STDERR_FILENO));
 }
 
+std::string Unaltered(const std::string& text) {
+  return isatty(STDOUT_FILENO) != 0 ? Printable(text) : text;
+}
+
 int ColumnsOf(std::string_view text) {
   std::string plain(text);
   for (auto at = plain.find("\x1B["); at != std::string::npos; at = plain.find("\x1B[", at)) {

@@ -17,6 +17,9 @@ std::string Painted(std::string_view text, Colour colour);
 // The same for standard error.
 std::string PaintedForErrors(std::string_view text, Colour colour);
 
+// What goes to standard output as it is; where that is a terminal, no control character does.
+std::string Unaltered(const std::string& text);
+
 // The columns that a text takes, its colours left out.
 int ColumnsOf(std::string_view text);
 
