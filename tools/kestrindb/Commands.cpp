@@ -151,7 +151,9 @@ void IdOfKind(CLI::App& command, Request& request) {
   };
   command.add_option_function<std::string>("ELEMENT", set, "What the id stands for: " + names)
       ->required();
-  command.add_option("ID", request.id, "The id")->required();
+  command.add_option("ID", request.id, "The id, or its name in quotes")
+      ->type_name("ID|NAME")
+      ->required();
 }
 
 void Out(CLI::App& command, Request& request) {

@@ -48,7 +48,7 @@ struct Request {
   bool check_only = false;
   bool force = false;
   kestrin::TableCatalogue::IdKind kind = kestrin::TableCatalogue::IdKind::none;
-  int id = 0;  // of that kind
+  std::string id;  // of that kind, or a name
   std::string separator = "|";
   std::string definition;
 

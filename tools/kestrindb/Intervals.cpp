@@ -91,6 +91,8 @@ Json DescribeInterval(const Assembly& assembly, const QVSpecIntervalEntry& entry
   json["text"] = resolution > 0 ? ResultText(assembly, result, low, high)
                  : of_orders    ? "needs --resolution-orders"
                                 : "needs --resolution-hz";
+  const bool is_mixed = entry.lower().domain() != entry.upper().domain();
+  if (is_mixed && low > high) json["text"] = "bounds reversed at this --order-scale";
   return json;
 }
 
