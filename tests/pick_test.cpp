@@ -1,9 +1,5 @@
-// Choosing a key at a terminal: the keys do what they say, a search finds what a user means, no
-// screen is too small, and the answer comes out clean while the screen is in use.
-#include <fcntl.h>
-#include <pty.h>
-#include <sys/ioctl.h>
-
+// Choosing a key at a terminal: the keys do what they say, a search finds what a user means, and no
+// screen is too small. What a terminal adds stands in cases/sessions/pictures.txt.
 #include <clocale>
 
 #include "../tools/kestrindb/KeyPicker.h"
@@ -16,8 +12,6 @@ using kestrindb::KeyPicker;
 using kestrindb::ScreenPicture;
 
 CClavis KeyOf(const std::array<int, Clavis::element_count>& ids) { return CClavis(ids.data()); }
-
-// --- Without a terminal ---
 
 class PickKeys : public ProcessBase {
  protected:
@@ -150,109 +144,6 @@ TEST_F(PickKeys, NoScreenIsTooSmall) {
       }
     }
   }
-}
-
-// --- At a terminal ---
-
-// kestrindb at a pseudo terminal, its standard output in a file; it ends after a minute at most.
-class Session {
- public:
-  explicit Session(std::vector<std::string> arguments, const char* terminal = "xterm") {
-    arguments.insert(arguments.begin(), {KESTRINDB, "pick", KESTRIN_SAMPLES "/gearbox.par"});
-    std::vector<char*> argv;
-    for (std::string& argument : arguments) argv.push_back(argument.data());
-    argv.push_back(nullptr);
-    const winsize size{24, 80, 0, 0};
-    child_ = forkpty(&tty_, nullptr, nullptr, &size);
-    if (child_ != 0) return;
-    setenv("TERM", terminal, 1);
-    setenv("LC_ALL", "C", 1);
-    dup2(open(answer_.path().c_str(), O_WRONLY), STDOUT_FILENO);
-    alarm(60);
-    execv(KESTRINDB, argv.data());
-    _exit(127);
-  }
-  Session(const Session&) = delete;
-  Session& operator=(const Session&) = delete;
-  ~Session() { close(tty_); }
-
-  // Sends the keys when the screen shows the text, from where the one before stood on.
-  void At(std::string_view text, std::string_view keys) {
-    std::size_t found = std::string::npos;
-    while ((found = screen_.find(text, seen_)) == std::string::npos) {
-      if (!Read()) FAIL() << screen_;
-    }
-    seen_ = found + text.size();
-    EXPECT_EQ(write(tty_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
-  }
-  void Resize(unsigned short lines, unsigned short columns) {
-    const winsize size{lines, columns, 0, 0};
-    EXPECT_EQ(ioctl(tty_, TIOCSWINSZ, &size), 0);
-  }
-  // The exit status, and what was answered.
-  std::string End() {
-    while (Read()) {
-    }
-    int status = 0;
-    waitpid(child_, &status, 0);
-    return std::to_string(WIFEXITED(status) ? WEXITSTATUS(status) : -1) + '\n' + answer_.bytes();
-  }
-  const std::string& Screen() const { return screen_; }
-
- private:
-  bool Read() {
-    char buffer[4096];
-    const ssize_t count = read(tty_, buffer, sizeof buffer);
-    if (count > 0) screen_.append(buffer, static_cast<std::size_t>(count));
-    return count > 0;
-  }
-
-  pid_t child_ = -1;
-  int tty_ = -1;
-  const ScratchFile answer_;
-  std::string screen_;
-  std::size_t seen_ = 0;
-};
-
-class PickAtTerminal : public testing::Test {
- protected:
-  void SetUp() override {
-    const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
-    if (terminal == -1) GTEST_SKIP() << "there is no pseudo terminal";
-    close(terminal);
-  }
-};
-
-TEST_F(PickAtTerminal, AnswersWhatTheUserHasConfirmed) {
-  const std::tuple<const char*, std::string, std::string> cases[] = {
-      {"", "\tOrder spectrum\r\x1BOF\r",
-       "0\nids                   130 2500 -1 -1 -1 -1\nnames only  "},
-      {"--bare", "\x1BOF\r", "0\n130 1700 -1 -1 17001 -1\n"},
-      {"--json", "\x1BOF\r", "0\n{\n  \"key\": [\n    130,\n    1700,"},
-      {"--ids", "\tzz\x1B\x1B\x1B", "3\n"},
-      {"", "\x03", "3\n"}};
-  for (const auto& [option, keys, answer] : cases) {
-    std::vector<std::string> arguments{"130", "1700", "-1", "-1", "17001", "-1", "--lang", "de"};
-    if (*option != 0) arguments.emplace_back(option);
-    Session session(arguments);
-    session.At("Schlüssel-Spezifikation", "");
-    session.At("Mesh 1 H1", keys);
-    EXPECT_EQ(session.End().substr(0, answer[0] == '0' ? answer.size() : 99), answer);
-    EXPECT_NE(session.Screen().find("\x1B[?1049l"), std::string::npos) << "screen given back";
-  }
-}
-
-TEST_F(PickAtTerminal, FollowsTheWindowAndRefusesWhatIsNoScreen) {
-  Session session({"--lang", "en"});
-  session.At("Esc leaves", "");
-  session.Resize(12, 60);
-  session.At("▼", "\x1B[1;5A");  // no key of the picker, and not Esc either
-  session.Resize(24, 80);
-  session.At("sensor", "\x03");
-  EXPECT_EQ(session.End(), "3\n");
-  Session dumb({}, "dumb");
-  EXPECT_EQ(dumb.End(), "4\n");
-  EXPECT_NE(dumb.Screen().find("TERM"), std::string::npos);
 }
 
 }  // namespace
