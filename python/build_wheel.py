@@ -36,13 +36,15 @@ def _metadata():
 
 def _install(folder, settings):
     """Builds and installs into the folder, and gives each file of the package with its place."""
-    build, prefix = settings.pop("build-dir", folder / "build"), folder / "prefix"
+    build, prefix = settings.pop("build-dir", None), folder / "prefix"
+    if build is None:
+        build = folder / "build"
+        settings.setdefault("Python_EXECUTABLE", sys.executable)
     options = {
         "CMAKE_BUILD_TYPE": "Release",
         "KESTRIN_PYTHON": "ON",
         "KESTRIN_TESTS": "OFF",
         "KESTRIN_TOOLS": "OFF",
-        "Python_EXECUTABLE": sys.executable,
         **settings,
     }
     definitions = [f"-D{name}={value}" for name, value in options.items()]

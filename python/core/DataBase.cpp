@@ -32,6 +32,7 @@ long long ToInteger(py::handle value, long long low, long long high, const char*
 }
 
 std::string Hint(const std::wstring& wrong, const std::vector<std::wstring>& known) {
+  if (wrong.size() >= QIdxName::width) return "";  // no name is that long, and the search is
   const auto nearest = Text::Nearest(wrong, known);
   return nearest ? " Did you mean '" + Text::ToUtf8(known[*nearest]) + "'?" : "";
 }

@@ -77,8 +77,25 @@ class DataBase {
 // The table whose rows name the ids of a kind, and the column of the names; null if none does.
 std::pair<const TableCatalogue::RowsInfo*, std::size_t> HomeOfNames(IdKind kind);
 
-// The parts of the module.
 using DataBaseClass = py::class_<DataBase, std::shared_ptr<DataBase>>;
+
+// The object behind one of Python's. Python can make one without its __init__, as copy.copy does,
+// and hand None to a method: both are exceptions where an object is taken by its holder.
+template <class T>
+T& Made(const std::shared_ptr<T>& object) {
+  if (object == nullptr) Raise(PyExc_TypeError, "None is no object of this class");
+  return *object;
+}
+
+// A method of a function whose first argument is the object.
+template <class R, class T, class... A>
+auto Method(R (*function)(T&, A...)) {
+  return [function](const std::shared_ptr<std::remove_const_t<T>>& self, A... a) {
+    return function(Made(self), std::forward<A>(a)...);
+  };
+}
+
+// The parts of the module.
 void AddQueries(py::module_& module, DataBaseClass& type);  // Queries.cpp
 void AddRows(py::module_& module);
 void AddEvaluation(py::module_& module, DataBaseClass& type);

@@ -86,7 +86,8 @@ py::object ToPython(const TableType::FieldView& column) {
 }
 
 // (section, key, before or None, after or None): of a changed row the fields that differ.
-py::list Diff(const DataBase& before, const DataBase& after) {
+py::list Diff(const DataBase& before, const std::shared_ptr<DataBase>& other) {
+  const DataBase& after = Made(other);
   py::list changes;
   const auto tell = [&changes](const RowsInfo& info, Difference::Columns a, Difference::Columns b) {
     const auto fields = [&](Difference::Columns row, bool key) -> py::object {
@@ -231,23 +232,22 @@ py::dict PlacesOf(const DataBase& data, int mode, int trigger, const Cell& cell,
 void AddEvaluation(py::module_& module, DataBaseClass& type) {
   module.def("order", &Order);
   module.def("check", &Check);
-  type.def("_diff", &Diff)
-      .def("_intervals", &Intervals)
-      .def("_order_sources", &OrderSources)
-      .def("_axes", &Axes)
-      .def("_cell", &CellOf)
-      .def("_places", &PlacesOf)
-      .def("_extension",
-           [](const DataBase& data, const std::vector<int>& bands) {
+  type.def("_diff", Method(&Diff))
+      .def("_intervals", Method(&Intervals))
+      .def("_order_sources", Method(&OrderSources))
+      .def("_axes", Method(&Axes))
+      .def("_cell", Method(&CellOf))
+      .def("_places", Method(&PlacesOf))
+      .def("_extension", Method(+[](const DataBase& data, const std::vector<int>& bands) {
              return data.params.VirtModeExtension(bands.data());
-           })
-      .def("_log", [](const DataBase& data) {
-        py::list lines;
-        for (const LogLine& line : data.log) {
-          lines.append(py::make_tuple(ToStr(line.section), ToStr(line.row), ToStr(line.text)));
-        }
-        return lines;
-      });
+           }))
+      .def("_log", Method(+[](const DataBase& data) {
+             py::list lines;
+             for (const LogLine& line : data.log) {
+               lines.append(py::make_tuple(ToStr(line.section), ToStr(line.row), ToStr(line.text)));
+             }
+             return lines;
+           }));
 }
 
 }  // namespace kestrin::python

@@ -24,9 +24,9 @@ long long ToId(const DataBase& data, const Argument& argument, py::handle given,
   if (IsScalar(given)) {
     return ToInteger(given, std::numeric_limits<int>::min(), high, argument.name);
   }
-  Raise(PyExc_TypeError, std::string(argument.name) + " takes ids" +
-                             (HomeOfNames(argument.kind).first != nullptr ? " and names" : "") +
-                             ", one or an array of them, not " + Py_TYPE(given.ptr())->tp_name);
+  const bool has_names = HomeOfNames(argument.kind).first != nullptr;
+  Raise(PyExc_TypeError, std::string(argument.name) + ": an id " + (has_names ? "or a name " : "") +
+                             "is needed, not " + Py_TYPE(given.ptr())->tp_name);
 }
 
 }  // namespace
@@ -354,17 +354,18 @@ void AddQueries(py::module_& module, DataBaseClass& type) {
 
   module.attr("queries") = list;
   type.def("_id",
-           [](const DataBase& data, const std::string& what, const py::object& given) {
+           Method(+[](const DataBase& data, const std::string& what, const py::object& given) {
+             const auto is_it = [&](int kind) {
+               return TableCatalogue::HomeOf(static_cast<IdKind>(kind)).what == what;
+             };
              int kind = 0;
-             while (TableCatalogue::HomeOf(static_cast<IdKind>(kind)).what != what) ++kind;
-             return ToId(data,
-                         {TableCatalogue::HomeOf(static_cast<IdKind>(kind)).what,
-                          static_cast<IdKind>(kind)},
-                         given, std::numeric_limits<int>::max());
-           })
-      .def("_key", [](const DataBase& data, const py::object& given) {
-        return ToKey(data, given).attr("tolist")();
-      });
+             while (kind < static_cast<int>(IdKind::none) && !is_it(kind)) ++kind;
+             return ToId(data, {what.c_str(), static_cast<IdKind>(kind)}, given,
+                         std::numeric_limits<int>::max());
+           }))
+      .def("_key", Method(+[](const DataBase& data, const py::object& given) {
+             return ToKey(data, given).attr("tolist")();
+           }));
 }
 
 }  // namespace kestrin::python

@@ -154,7 +154,8 @@ class QueryList {
            const char* doc, std::index_sequence<i...>) {
     type_.def(
         name,
-        [ask, arguments](DataBase& data, Object<A>... objects) -> py::object {
+        [=](const std::shared_ptr<DataBase>& self, Object<A>... objects) -> py::object {
+          DataBase& data = Made(self);
           if constexpr (sizeof...(A) == 0) {
             return ToPython(ask(data));
           } else {

@@ -62,6 +62,12 @@ py::object AsView(py::array array) {
   return array;
 }
 
+const RowsInfo& Known(const std::string& section) {
+  const RowsInfo* const info = TableCatalogue::FindRows(section);
+  if (info == nullptr) Raise(PyExc_KeyError, "There is no table " + section);
+  return *info;
+}
+
 // A table of a data base, which it keeps alive.
 class Rows {
  public:
@@ -73,7 +79,7 @@ class Rows {
   // `self` is the object that a view keeps alive.
   py::object Column(const py::object& self, std::size_t index) {
     const Places& places = PlacesOf(index);
-    const FieldKind kind = info_.columns[index].kind;
+    const FieldKind kind = info_.columns.at(index).kind;
     const py::dtype type = TypeOf(kind);
     const py::ssize_t count = places.Count();
     if (kind == FieldKind::text) {
@@ -154,7 +160,7 @@ class Rows {
 
 // Of each column its name, its type, whether it belongs to the key, and what its ids are.
 py::list Columns(const std::string& section) {
-  const RowsInfo& info = *TableCatalogue::FindRows(section);
+  const RowsInfo& info = Known(section);
   py::list told;
   for (const auto& column : info.columns) {
     const bool is_id = column.id != IdKind::none;
@@ -167,16 +173,23 @@ py::list Columns(const std::string& section) {
 }  // namespace
 
 void AddRows(py::module_& module) {
-  py::class_<Rows>(module, "Rows")
-      .def(py::init([](std::shared_ptr<DataBase> data, const std::string& section) {
-        return std::make_unique<Rows>(std::move(data), *TableCatalogue::FindRows(section));
+  py::class_<Rows, std::shared_ptr<Rows>>(module, "Rows")
+      .def(py::init([](const std::shared_ptr<DataBase>& data, const std::string& section) {
+        Made(data);
+        return std::make_shared<Rows>(data, Known(section));
       }))
-      .def("__len__", &Rows::Size)
-      .def_property_readonly("unique_keys", &Rows::UniqueKeys)
+      .def("__len__", Method(+[](const Rows& rows) { return rows.Size(); }))
+      .def_property_readonly("unique_keys",
+                             Method(+[](const Rows& rows) { return rows.UniqueKeys(); }))
       .def("_column",
-           [](const py::object& self, std::size_t i) { return self.cast<Rows&>().Column(self, i); })
-      .def("_view", [](const py::object& self) { return self.cast<Rows&>().View(self); })
-      .def("_names", &Rows::Names);
+           [](const py::object& self, std::size_t i) {
+             return Made(self.cast<std::shared_ptr<Rows>>()).Column(self, i);
+           })
+      .def("_view",
+           [](const py::object& self) {
+             return Made(self.cast<std::shared_ptr<Rows>>()).View(self);
+           })
+      .def("_names", Method(+[](Rows& rows, std::size_t i) { return rows.Names(i); }));
 
   module.def("columns", &Columns);
   // The tables in the order of reading, then what a load derives.

@@ -73,6 +73,8 @@ class Database(_core.Database):
 
     def diff(self, other: "Database") -> List[Change]:
         """What is different in another data base, which counts as the later one."""
+        if not isinstance(other, Database):
+            raise TypeError(f"diff() takes a Database, not {type(other).__name__}")
         changes = []
         for name in ("base_type", "alias_type", "calib_file_name", "learn_file_name"):
             before, after = getattr(self, name)(), getattr(other, name)()
@@ -101,7 +103,8 @@ class Database(_core.Database):
 
         `lines` is the number of spectral lines, a resolution their distance: in orders for
         intervals of orders, in the unit of F, mostly Hz, for the others. `order_scale` is the
-        value of one order in the unit of F, for mixed intervals. `definition` is tried in place of
+        value of one order in the unit of F, for mixed intervals. A parameter without intervals has
+        none. `definition` is tried in place of
         those in the file, and raises OrderError if it is none. An assembly is the order source
         that harmonics refer to, by itself that of each parameter; a speed source by itself that of
         the assembly's rotor.
@@ -237,6 +240,9 @@ class Database(_core.Database):
         if len(bands) != len(self.tables["TAutoModeParam"]):
             raise ValueError("one band is needed for each row of <TAutoModeParam>")
         return self._extension(list(bands))
+
+    def __reduce__(self) -> Any:
+        return (Database, (self._content,))  # a copy, also one in another process, loads anew
 
     def __repr__(self) -> str:
         return f"<Database {self.base_type()!r} of {self._name}>"

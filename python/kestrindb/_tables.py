@@ -130,6 +130,9 @@ class Table(_core.Rows):
         """An Arrow table; with `names` beside ids as in `to_dict`."""
         return _needed("pyarrow", "to_arrow()").table(self.to_dict(names))
 
+    def __reduce__(self) -> Any:
+        raise TypeError("a table stays with its data base: take its to_numpy() or to_pandas()")
+
     def __repr__(self) -> str:
         names = ", ".join(self._numbers)
         return f"<Table {self.section}: {len(self)} rows of {names}>"
@@ -144,7 +147,7 @@ class Tables(Mapping[str, Table]):
     def __getitem__(self, section: str) -> Table:
         found = self._all.get(section, self._all.get(f"<{section}>"))
         if found is None:
-            raise KeyError(f"There is no table {section!r}.{_core.hint(section)}")
+            raise KeyError(f"There is no table {section!r}.{_core.hint(str(section))}")
         return found
 
     def __iter__(self) -> Iterator[str]:

@@ -1,9 +1,11 @@
 """What is loaded, what is refused, and that nothing is lost or kept too long."""
 
+import copy
 import gc
 import io
 import os
 import pathlib
+import pickle
 import threading
 
 import kestrindb
@@ -51,6 +53,27 @@ def test_bad_lines_are_told_and_lose_nothing_else():
     # A file that breaks off is a data base so far.
     broken = kestrindb.load(BYTES + b"\n\xff")
     assert "UTF-8" in broken.log[0].text and broken.channel_name(3) == "Sync input"
+
+
+def test_copies_and_what_was_never_made(db):
+    assert pickle.loads(pickle.dumps(db)).diff(copy.copy(db)) == []
+    table = db.tables["TMode"]
+    with pytest.raises(TypeError):
+        copy.copy(table)
+    empty = kestrindb.Database.__new__(kestrindb.Database)
+    for ask in (
+        lambda: empty.base_type(),
+        lambda: empty.channel_name(3),
+        lambda: empty._log(),
+        lambda: db._diff(empty),
+        lambda: kestrindb.Database.base_type(None),
+        lambda: kestrindb.Table(empty, "<TMode>"),
+        lambda: kestrindb.Table(None, "<TMode>"),
+        lambda: len(kestrindb.Table.__new__(kestrindb.Table)),
+        lambda: db.diff(None),
+    ):
+        with pytest.raises((TypeError, RuntimeError)):
+            ask()
 
 
 def memory():
