@@ -132,9 +132,8 @@ class Database(_core.Database):
             for unit, low, high, first, last, result in self._intervals(
                 of, step, speed, source, lines, resolution_orders, resolution_hz, order_scale
             ):
-                told.append(
-                    Interval(number, name, text, source, speed, low, high, unit, first, last, result)
-                )
+                about = (number, name, text, source, speed)
+                told.append(Interval(*about, low, high, unit, first, last, result))
         return told
 
     def rotors(self, mode: IdOrName) -> List[Rotor]:

@@ -1,4 +1,4 @@
-"""The case files of the library's tests, asked through Python; tests/cases_test.cpp tells their form.
+"""The case files of the library's tests, asked through Python; cases_test.cpp tells their form.
 
 Each question is asked once more with a list for each id, which must give the same answer.
 """
@@ -34,7 +34,7 @@ def interval(db, mode, source, assembly, definition, lines, resolution, scale):
                            speed_source=source, resolution_orders=resolution,
                            resolution_hz=resolution, order_scale=scale)[:1]  # fmt: skip
     result = {"beyond spectrum": "beyond", "no resolution": "invalid"}.get(told.result, told.result)
-    return [result, *((told.low, told.high, told.first_line, told.last_line) if result == "ok" else ())]
+    return [result] if result != "ok" else [result, *told[5:7], *told[8:10]]
 
 
 def interpret(db, text, room):
@@ -87,8 +87,8 @@ FORMS = {
     "TriggerPlaces": places,
     "OrderSourceRange": lambda db, *a: db.order_source_range(*a),
     "SpecIntervalRange": lambda db, a: db.spec_interval_range(a % 2**32 - (a < 0) * 2**32).tolist(),
-    "FormatClavisText": lambda db, *a: db.format_clavis_text(six(a[2]), *a[:2]) if len(a) > 2 else None,
-    "FormatClavisTextNice": lambda db, between, key: db.format_clavis_text_nice(six(key), between),
+    "FormatClavisText": lambda db, *a: db.format_clavis_text(six(a[2]), *a[:2]) if a[2:] else None,
+    "FormatClavisTextNice": lambda db, text, key: db.format_clavis_text_nice(six(key), text),
     "FrequencyRatioToGeneratingRotor": lambda db, *a: db.frequency_ratio(*a),
 }
 
@@ -168,7 +168,8 @@ class Replay:
             words = [word for answer in answers for word in words_of(answer)]
             wanted = expected.replace('"', "").replace(",", " ").split()
             words = " ".join(words).replace('"', "").replace(",", " ").split()
-            assert len(words) == len(wanted) and all(map(same, words, wanted)), (names, given, expected, words)
+            told = (names, given, expected, words)
+            assert len(words) == len(wanted) and all(map(same, words, wanted)), told
             self.asked += 1
         self.questions = []
 

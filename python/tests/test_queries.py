@@ -51,7 +51,8 @@ def test_arrays_are_broadcast(db):
 def test_wrong_arguments_are_exceptions(db, wrong, error):
     asked = 0
     for query, arguments, _ in kestrindb._core.queries:
-        others = ["x" if kind == "str" else range(6) if kind == "key" else 1 for _, kind, _ in arguments]
+        good = {"str": "x", "key": range(6)}
+        others = [good.get(kind, 1) for _, kind, _ in arguments]
         for i, (_, kind, named) in enumerate(arguments):
             if kind == "int" and named:
                 with pytest.raises(error):
@@ -64,11 +65,12 @@ def test_wrong_arguments_are_exceptions(db, wrong, error):
 
 
 def test_intervals(db):
-    told = db.intervals(STEP, lines=400, resolution_orders=0.25, resolution_hz=10)
+    spectrum = {"lines": 400, "resolution_orders": 0.25, "resolution_hz": 10}
+    told = db.intervals(STEP, **spectrum)
     assert {interval.parameter for interval in told} == set(db.tables["IpSvOfSpec"]["parameter"])
-    assert db.intervals(STEP, told[5].parameter, lines=400, resolution_orders=0.25, resolution_hz=10) == [
-        interval for interval in told if interval.parameter == told[5].parameter
-    ]
+    number = told[5].parameter
+    of_one = [interval for interval in told if interval.parameter == number]
+    assert db.intervals(STEP, number, **spectrum) == of_one
     assert all((interval.first_line == -1) == (interval.result != "ok") for interval in told)
     for wrong in ({"lines": -1}, {"lines": 2**40}, {"lines": None}):
         with pytest.raises(TypeError):

@@ -3,6 +3,7 @@
 import kestrindb
 import numpy as np
 import pytest
+from conftest import SAMPLE
 
 
 def test_all_tables_agree_in_all_forms(db):
@@ -30,7 +31,7 @@ def test_numbers_are_views_that_keep_the_data_base(db):
     names = db.tables["TMode"]
     del db, speeds, array
     for _ in range(20):  # others would take the memory
-        kestrindb.load(b"\xef\xbb\xbf<DbDesign.CacheVersion>: 215\n<DbDesign.CacheMinorVersion>: 1\n")
+        kestrindb.load(SAMPLE)
     assert column.tolist() == expected and names["name"].tolist() == texts
     with pytest.raises(ValueError):
         column[0] = 1
