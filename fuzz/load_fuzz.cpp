@@ -29,7 +29,6 @@
 #include "interfaces/sea/ResourceSea.h"
 #include "interfaces/signal/MeasuringUnit.h"
 #include "lake/Lake.h"
-#include "lake/LakeReader.h"
 #include "queries.h"
 #include "spec/QtSpecInterval.h"
 #include "tables/QTableManager.h"
@@ -42,13 +41,7 @@ namespace {
 
 CLake FromBytes(Bytes bytes) {
   CLake lake;
-  kestrin::LakeReader::read(lake,
-                            [bytes](std::span<char> block) mutable -> std::optional<std::size_t> {
-                              const std::size_t count = std::min(block.size(), bytes.size());
-                              std::copy_n(bytes.begin(), count, block.begin());
-                              bytes = bytes.subspan(count);
-                              return count;
-                            });
+  ReadLake(lake, {reinterpret_cast<const char*>(bytes.data()), bytes.size()}, {});
   return lake;
 }
 

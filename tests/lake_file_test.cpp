@@ -6,7 +6,7 @@
 
 namespace {
 
-const std::string kMark = "\xEF\xBB\xBF";
+const std::string mark = "\xEF\xBB\xBF";
 using namespace std::string_literals;
 
 std::wstring Texts(const CLake::CNode& line) {
@@ -34,17 +34,17 @@ TEST(LakeFile, BytesBecomeLines) {
       {"\xE4\xFF\x80: \xC3\xA4", L"\u00E4\u00FF\x80|\u00C3\u00A4|/"},
       {"a\xEF\xBB\xBF", L"|a\u00EF\u00BB\u00BF|/"},
       {"a\0b\n\0"s, L"|a\0b|/|\0|/"s},
-      {kMark, L""},
-      {kMark + kMark + "\xC3\xA4: \xE2\x82\xAC\xF0\x9F\x98\x80\n",
+      {mark, L""},
+      {mark + mark + "\xC3\xA4: \xE2\x82\xAC\xF0\x9F\x98\x80\n",
        L"\xFEFF\u00E4|\u20AC\xD83D\xDE00|/"},
-      {kMark + "\xC1\x81\xF8\x80\x80\x80\x81\xFC\x80\x80\x80\x80\x82", L"|A\x01\x02|/"},
-      {kMark + "\xED\xA0\x80", L"|\xD800|/"},
+      {mark + "\xC1\x81\xF8\x80\x80\x80\x81\xFC\x80\x80\x80\x80\x82", L"|A\x01\x02|/"},
+      {mark + "\xED\xA0\x80", L"|\xD800|/"},
       // No continuation, no lead, beyond U+10FFFF, cut by the end; nothing behind it is read.
-      {kMark + "a\nbc\xC3(d\ne\n", L"|a|/|bc|/", Refusal::broken_text, 2},
-      {kMark + "a\nbc\x80 d\ne\n", L"|a|/|bc|/", Refusal::broken_text, 2},
-      {kMark + "a\n\xF4\x90\x80\x80\ne\n", L"|a|/", Refusal::broken_text, 2},
-      {kMark + "a\n\xFF\x80\x80\x80\x80\x80\ne\n", L"|a|/", Refusal::broken_text, 2},
-      {kMark + "a\nb\xF0\x9F\x98", L"|a|/|b|/", Refusal::broken_text, 2},
+      {mark + "a\nbc\xC3(d\ne\n", L"|a|/|bc|/", Refusal::broken_text, 2},
+      {mark + "a\nbc\x80 d\ne\n", L"|a|/|bc|/", Refusal::broken_text, 2},
+      {mark + "a\n\xF4\x90\x80\x80\ne\n", L"|a|/", Refusal::broken_text, 2},
+      {mark + "a\n\xFF\x80\x80\x80\x80\x80\ne\n", L"|a|/", Refusal::broken_text, 2},
+      {mark + "a\nb\xF0\x9F\x98", L"|a|/|b|/", Refusal::broken_text, 2},
       {"\xEF", L"|old|/", Refusal::broken_mark, 1},
       {"\xEF\xBBx\n", L"|old|/", Refusal::broken_mark, 1},
       {"\xEF\xBF\xBB", L"|old|/", Refusal::broken_mark, 1}};
@@ -63,7 +63,7 @@ TEST(LakeFile, BytesBecomeLines) {
 
 // Until the failure the medium is a file that ends there, but for a broken mark.
 TEST(LakeFile, AMediumThatFailsLeavesTheLinesReadUntilThere) {
-  const std::string whole = kMark + "<TMode>: {\n\t1 \"H\xC3\xB6he\"\n}\t; <TMode>\nk: v\n";
+  const std::string whole = mark + "<TMode>: {\n\t1 \"H\xC3\xB6he\"\n}\t; <TMode>\nk: v\n";
   for (std::size_t good = 0; good <= whole.size(); ++good) {
     SCOPED_TRACE(good);
     const std::string front = whole.substr(0, good);
@@ -115,24 +115,24 @@ TEST(LakeFile, WrittenAndReadBackIsTheSame) {
   const std::pair<std::string, std::string> cases[] = {
       {"", ""},
       {"   a: 1\r\n  <T>: {\n{\n1\n}\n\n; c\n} ;d\n}\nout\n",
-       kMark + "a: 1\n<T>: {\n\t{\n\t\t1\n\t}\n\t\n\t\t; c\n}\t; d\n}\nout\n"},
-      {kMark + "\xF0\x9F\x98\x80" + kMark, kMark + "\xF0\x9F\x98\x80" + kMark + "\n"},
-      {kMark + "\xED\xA0\xBD\xED\xB8\x80 \xED\xA0\xBDx\n\xED\xA0\xBD\nz",  // a pair, then lone ones
-       kMark + "\xF0\x9F\x98\x80 \xEF\xBF\xBDx\n\xEF\xBF\xBD\nz\n"},
-      {"\xE4", kMark + "\xC3\xA4\n"}};
+       mark + "a: 1\n<T>: {\n\t{\n\t\t1\n\t}\n\t\n\t\t; c\n}\t; d\n}\nout\n"},
+      {mark + "\xF0\x9F\x98\x80" + mark, mark + "\xF0\x9F\x98\x80" + mark + "\n"},
+      {mark + "\xED\xA0\xBD\xED\xB8\x80 \xED\xA0\xBDx\n\xED\xA0\xBD\nz",  // a pair, then lone ones
+       mark + "\xF0\x9F\x98\x80 \xEF\xBF\xBDx\n\xEF\xBF\xBD\nz\n"},
+      {"\xE4", mark + "\xC3\xA4\n"}};
   for (const auto& [read, written] : cases) {
     EXPECT_EQ(ToBytes(FromBytes(read)), written);
     EXPECT_EQ(ToBytes(FromBytes(written)), written);
   }
   CLake beyond;
   beyond.root().push_back(std::wstring(L"a") + static_cast<wchar_t>(0x10000) + L'\xDC00');
-  EXPECT_EQ(ToBytes(beyond), kMark + "a\xEF\xBF\xBD\xED\xB0\x80\n");
+  EXPECT_EQ(ToBytes(beyond), mark + "a\xEF\xBF\xBD\xED\xB0\x80\n");
 }
 
 // Characters of every length at every place of a block's edge: of ours, and of the buffers of the
 // platform's streams, which the facet serves as well.
 TEST(LakeFile, MegabytesOfManyByteCharactersComeOutTheSame) {
-  std::string bytes = kMark;
+  std::string bytes = mark;
   for (std::size_t i = 0; i < 30000; ++i) {
     bytes += std::string(i % 71, 'a') + "\u00E4\u20AC\uFEFF\U0001F600\n";
   }

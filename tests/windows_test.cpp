@@ -152,6 +152,14 @@ TEST(Lists, TheHeadingsCheckBoxFollowsTheRowsAndLeadsThem) {
   EXPECT_EQ(list.GetItemText(0, 1), L"x");
 }
 
+TEST(Lists, ASearchGoesOnBehindTheEntryAtWhichItStarts) {
+  CComboBox combo;
+  for (const wchar_t* const text : {L"a", L"b", L"a"}) combo.AddString(text);
+  EXPECT_EQ(combo.FindStringExact(-1, L"a"), 0);
+  EXPECT_EQ(combo.FindStringExact(0, L"a"), 2);
+  EXPECT_EQ(combo.FindStringExact(2, L"a"), 0);
+}
+
 struct CountingView : WindowView {
   int changes = 0;
   void Shown(CWnd&) override {}
@@ -204,7 +212,7 @@ TEST(TextPictures, KeepTheirShapeWhateverTheTextsAre) {
          └─────────────┴────┘  └────────┘  │ [ ] x       │        │
                                            └─────────────┴────────┘
 )");
-  for (const int width : {1, 2, 3, 5, 11, 40}) {
+  for (int width = 1; width < 41; ++width) {
     for (const int height : {1, 2, 3, 6, 30}) {
       const TextView::Lines lines = TextView::Draw(list, {width, height, width});
       EXPECT_EQ(lines.size(), static_cast<std::size_t>(height));

@@ -32,7 +32,7 @@ long long ToInteger(py::handle value, long long low, long long high, const char*
 }
 
 std::string Hint(const std::wstring& wrong, const std::vector<std::wstring>& known) {
-  if (wrong.size() >= QIdxName::width) return "";  // no name is that long, and the search is
+  if (wrong.size() >= QIdxName::width) return "";  // no name is near one that no table can hold
   const auto nearest = Text::Nearest(wrong, known);
   return nearest ? " Did you mean '" + Text::ToUtf8(known[*nearest]) + "'?" : "";
 }
@@ -81,12 +81,9 @@ DataBase::DataBase(const py::bytes& content, const std::string& name) {
 }
 
 std::pair<const TableCatalogue::RowsInfo*, std::size_t> HomeOfNames(IdKind kind) {
-  if (kind == IdKind::none) return {};
-  if (kind == IdKind::polygon_points) kind = IdKind::polygon;
-  const auto* const home = TableCatalogue::Find(TableCatalogue::HomeOf(kind).section);
-  const auto column = TableCatalogue::NameColumn(*home);
-  if (!column) return {};
-  return {home, *column};
+  const auto* const home = TableCatalogue::NamesOf(kind);
+  if (home == nullptr) return {};
+  return {home, *TableCatalogue::NameColumn(*home)};
 }
 
 const DataBase::Names& DataBase::NamesOf(IdKind kind, const TableCatalogue::RowsInfo& home,

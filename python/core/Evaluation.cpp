@@ -126,7 +126,7 @@ py::tuple Interval(const CQtSpecInterval& evaluation, const QVSpecIntervalEntry&
   const auto line = [ok](unsigned number) { return ok ? static_cast<long long>(number) : -1; };
   return py::make_tuple(of_orders ? "orders" : "Hz", ok ? range.start_frequency : low,
                         ok ? range.stop_frequency : high, line(range.start_index),
-                        line(range.stop_index), resolution == 0 ? "no resolution" : Name(result));
+                        line(range.stop_index), !(resolution > 0) ? "no resolution" : Name(result));
 }
 
 // Those of a parameter, or of a definition that is given in its place.
@@ -139,8 +139,9 @@ py::list Intervals(const DataBase& data, const py::object& of, int mode, int spe
     const auto read =
         OrderInterpreter::Interpret(ToWide(of).c_str(), positions.data(), most_positions);
     if (read.count == 1) positions[1] = positions[0];
-    const unsigned count = read.count == 1 ? 2 : read.count % 2 == 0 ? read.count : 0;
-    for (unsigned i = 0; i < count; i += 2) entries.emplace_back(positions[i], positions[i + 1]);
+    const unsigned count = OrderInterpreter::IntervalCount(read.count);
+    for (unsigned i = 0; i < 2 * count; i += 2)
+      entries.emplace_back(positions[i], positions[i + 1]);
   } else {
     const auto [first, last] = data.params.SpecIntervalRange(of.cast<unsigned>());
     for (auto row = first; row != last; ++row) entries.push_back(row->second);

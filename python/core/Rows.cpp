@@ -139,7 +139,7 @@ class Rows {
     });
   }
 
-  bool UniqueKeys() const { return info_.unique_keys; }
+  bool UniqueKeys() const { return info_.unique_loaded; }
 
  private:
   // Found by one walk over the rows, and anew if there are more of them since.

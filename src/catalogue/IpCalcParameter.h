@@ -22,8 +22,8 @@ struct KESTRIN_API QVIpCalcParameter : QValueBase, TableType::Fields<QVIpCalcPar
     base_order_reference = 4,
   };
 
-  static constexpr unsigned s_version = 1;
-  static constexpr unsigned NumEnums = 6;  // calculation parameters with a list of values
+  static constexpr unsigned s_version = 1;  // of the record, for hosts; nothing here reads it
+  static constexpr unsigned NumEnums = 6;   // calculation parameters with a list of values
 
   // A copy takes over the text as TableType::strcopy does: a text that a host has left without its
   // closing zero is cut, and the cut logged.

@@ -36,7 +36,7 @@ struct QVIpY : QValueBase, TableType::Fields<QVIpY> {
 
 // <TGrex10001>: the track polygon of a key; an element of -1 stands for any value.
 struct QVIpSvTrackPolygon : QValueBase, TableType::Fields<QVIpSvTrackPolygon> {
-  static constexpr unsigned s_version = 1;
+  static constexpr unsigned s_version = 1;  // of the record, for hosts; nothing here reads it
 
   int track_a = 0;
   int track_b = -1;

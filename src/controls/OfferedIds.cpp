@@ -5,6 +5,7 @@
 
 #include "frame/QtParamInstance.h"
 #include "interfaces/text/Number.h"
+#include "tables/FieldOr.h"
 
 using namespace kestrin;
 
@@ -33,11 +34,9 @@ unsigned int FilterBits(const CQtParamInstance& params, Clavis::qOrder element, 
       return static_cast<unsigned int>(CQtParamInstance::ResultType(id));
     case Clavis::Location:
       return params.LocationPropertyFlag(id);
-    case Clavis::Sensor: {
-      const auto row = params.AppSignalProperty().find(id);
-      const bool known = row != params.AppSignalProperty().end();
-      return known ? static_cast<unsigned int>(row->second.signal_type) : 0;
-    }
+    case Clavis::Sensor:
+      return static_cast<unsigned int>(
+          FieldOr(params.AppSignalProperty(), id, &QVAppSignalProperty::signal_type, 0));
     default:
       return ~0U;
   }

@@ -56,8 +56,6 @@ class KESTRIN_API CQtParamStore {
     return kestrin::tables::TableIn<Section>(tables_);
   }
 
-  const CQTableManager& Manager() const { return *manager_; }
-
   const CString& LearnFileName() const { return learn_archive_name_; }
   const CString& CalibFileName() const { return calibration_file_name_; }
   const CString& BaseType() const { return type_base_name_; }

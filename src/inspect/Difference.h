@@ -17,7 +17,8 @@ using Columns = std::span<const TableType::FieldView>;
 using Visitor =
     std::function<void(const TableCatalogue::RowsInfo& table, Columns before, Columns after)>;
 
-// Whether two values of a column are the same: floats bit by bit, but for NaN.
+// Whether two values of a column, which is never a key, are the same: floats bit by bit, but for
+// NaN. Any thread.
 KESTRIN_API bool IsSame(const TableType::FieldView& a, const TableType::FieldView& b);
 
 // Visits what differs in the 56 tables, in the order of the tables and of their keys. Where a key

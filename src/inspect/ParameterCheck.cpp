@@ -159,7 +159,7 @@ Finding* Findings::Add(Kind kind, std::size_t line, std::string_view section) {
 
 bool Findings::IsFull(Kind kind, std::string_view section) const {
   const auto place = counts_.find(section);
-  if (place == counts_.end()) return most_ == 0;
+  if (place == counts_.end()) return false;
   const auto count = place->second.find(kind);
   return (count == place->second.end() ? 0 : count->second.all) >= most_;
 }

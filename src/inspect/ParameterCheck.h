@@ -92,7 +92,7 @@ struct Finding {
 
 struct Options {
   bool references = true;           // whether ids are looked up in the tables that name them
-  std::size_t most_of_a_kind = 20;  // listed in a section; the last one tells how many there are
+  std::size_t most_of_a_kind = 20;  // listed in a section, 1 at least; the last tells of the others
 };
 
 // "bad_line" and so on; "error", "loss", "note".

@@ -2,6 +2,7 @@
 // loaded from it. Inside the library only.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <deque>
 #include <map>
@@ -9,7 +10,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "frame/QtParamDistillery.h"
@@ -23,7 +23,7 @@ namespace kestrin::ParameterCheck {
 // that a file which is all wrong costs no more than one that is all right.
 class Findings {
  public:
-  explicit Findings(std::size_t most_of_a_kind) : most_(most_of_a_kind) {}
+  explicit Findings(std::size_t most_of_a_kind) : most_(std::max<std::size_t>(most_of_a_kind, 1)) {}
 
   // A finding to be completed, or null if it is only counted. Good until the findings are taken.
   Finding* Add(Kind kind, std::size_t line, std::string_view section = {});

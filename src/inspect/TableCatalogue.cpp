@@ -200,10 +200,12 @@ RowsInfo DescribeRows(std::string section, std::vector<FieldInfo> key, std::vect
   AddColumns(columns, key);
   const std::size_t key_columns = columns.size();
   AddColumns(columns, row);
+  const bool completed = section == "<TGrex15>";
   return {std::move(section),
           std::move(key),
           std::move(row),
           unique_keys,
+          unique_keys && !completed,
           std::move(columns),
           key_columns,
           [](const CQtParamDistillery& data) { return RowsOf()(data).size(); },
@@ -339,7 +341,15 @@ const IdHome& HomeOf(IdKind kind) {
       {"polygon", "<TIpPolygon>", 0},
       {"polygon", "<TIpPolygonValue>", 0},
   };
+  static_assert(std::size(homes) == static_cast<std::size_t>(IdKind::none));
   return homes[static_cast<std::size_t>(kind)];
+}
+
+const RowsInfo* NamesOf(IdKind kind) {
+  if (kind == IdKind::none) return nullptr;
+  if (kind == IdKind::polygon_points) kind = IdKind::polygon;
+  const RowsInfo* const home = Find(HomeOf(kind).section);
+  return NameColumn(*home) ? home : nullptr;
 }
 
 std::optional<std::size_t> NameColumn(const RowsInfo& info) {

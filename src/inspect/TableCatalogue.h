@@ -53,6 +53,10 @@ struct IdHome {
 // Not for IdKind::none.
 KESTRIN_API const IdHome& HomeOf(IdKind kind);
 
+struct RowsInfo;
+// The table that has names for ids of a kind, under the ids in its first column; null if none has.
+KESTRIN_API const RowsInfo* NamesOf(IdKind kind);
+
 struct FieldInfo {
   std::string name;  // unique in its table
   TableType::FieldKind kind;
@@ -69,7 +73,9 @@ struct RowsInfo {
   std::string section;         // with its angle brackets
   std::vector<FieldInfo> key;  // as a line has the fields
   std::vector<FieldInfo> row;
-  bool unique_keys;
+  bool unique_keys;  // of the lines: a load drops the second one of a key
+  bool
+      unique_loaded;  // of the rows: relative limits get the keys of others when they are completed
   // Key and row as a table of a data base has them, the key in front: a field of kind key is six
   // integers here, "clavis_mode" to "clavis_sensor" in place of "clavis".
   std::vector<FieldInfo> columns;

@@ -226,7 +226,7 @@ bool CLake::CNode::Linker::add(NodeList::iterator line) {
 }
 
 void CLake::CNode::clear() {
-  const NodeList::iterator end = extra().end;
+  const auto end = extra().end;
   value_.clear();
   unlink();
   if (!extra_) return;

@@ -12,7 +12,6 @@
 // Bytes go through in large blocks: one read, one conversion, one search for line ends a block.
 
 #include <algorithm>
-#include <array>
 #include <cassert>
 #include <cerrno>
 #include <cstdio>
@@ -41,7 +40,6 @@ using lake_encoding::utf8toucs2;
 namespace {
 
 constexpr std::size_t block_size = std::size_t{64} * 1024;
-constexpr std::array<char, 3> utf8_mark = {'\xEF', '\xBB', '\xBF'};
 
 Refusal Refused(Refusal::Reason reason, const CString& file, std::wstring_view what, int line = 0) {
   return {reason, CString(L"The file '" + file + L"' ").append(what), line};
@@ -206,10 +204,9 @@ bool LakeReader::read(CLake& lake, const Source& source) {
   std::size_t have = 0;
   bool sound = FillTo(source, block, have, 1);
   bool marked = false;
-  if (have > 0 && block[0] == utf8_mark[0]) {
-    sound = FillTo(source, block, have, utf8_mark.size());
-    marked =
-        have >= utf8_mark.size() && std::equal(utf8_mark.begin(), utf8_mark.end(), block.begin());
+  if (have > 0 && block[0] == Utf::mark[0]) {
+    sound = FillTo(source, block, have, Utf::mark.size());
+    marked = std::string_view(block.data(), have).starts_with(Utf::mark);
     if (!marked) {
       lake.last_refusal_ = Refused(
           Refusal::broken_mark, lake.filename_,
@@ -228,7 +225,7 @@ bool LakeReader::read(CLake& lake, const Source& source) {
   });
   Decoder decoder(marked);
   std::span<const char> bytes(block.data(), have);
-  if (marked) bytes = bytes.subspan(utf8_mark.size());
+  if (marked) bytes = bytes.subspan(Utf::mark.size());
   for (;;) {
     cutter.add(decoder.decode(bytes));
     if (decoder.broken() || !sound) break;

@@ -107,6 +107,13 @@ struct Interpretation {
   SyntaxError error;   // error.reason is Reason::none on success
 };
 
+// How many intervals so many positions bound: pairs do, and a single one is its own partner; of an
+// odd number there are none.
+constexpr unsigned IntervalCount(unsigned positions) {
+  if (positions == 1) return 1;
+  return positions % 2 == 0 ? positions / 2 : 0;
+}
+
 // Characters of a definition as given, counted from 0, blanks included.
 struct Passage {
   std::size_t offset;

@@ -65,7 +65,7 @@ void CQtSpecIntervalStore::Load(unsigned nr_orders) {
 void CQtSpecIntervalStore::ProcessTables(int id, const wchar_t* definition, unsigned nr_orders) {
   Positions positions;
   const unsigned count = ReadPositions(definition, positions, nr_orders);
-  if (count > 1 && count % 2 != 0) {
+  if (count != 0 && OrderInterpreter::IntervalCount(count) == 0) {
     // The suite knows the line by its words, as they are spelt.
     PrWin::Output(PrWin::category_data_base, PrWin::style_bad_line,
                   L"CQtSpecIntervalStore::ProcessTables():\nIpSvOfSpec contains entry with %u "

@@ -22,7 +22,8 @@
 //
 // A file is anything with Read(buffer, count), which returns the number of bytes it got, and
 // Write(buffer, count), which has its own way to report a failure; CFile of interfaces/text/File.h
-// is one. Readers return false for whatever is cut short or corrupt and log nothing.
+// is one. Readers return false for whatever is cut short or corrupt and log nothing. Any
+// thread, with a file of its own.
 #pragma once
 
 #include <algorithm>

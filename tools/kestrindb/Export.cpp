@@ -165,8 +165,7 @@ std::string TableSql(const TableInfo& table) {
     key += (i == 0 ? "" : ", ") + Quoted(column.name);
     has_float_key = has_float_key || is_real;
   }
-  // The load completes the keys of relative limits, after which one may stand twice.
-  const bool is_unique = table.unique_keys && table.section != "<TGrex15>";
+  const bool is_unique = table.unique_loaded;
   std::string sql = "create table " + Quoted(Name(table)) + " (" + columns;
   if (is_unique) sql += ", primary key (" + key + ")";
   sql += is_unique && !has_float_key ? ") without rowid;" : ");";
@@ -185,7 +184,7 @@ std::string ViewSql(const TableInfo& table) {
   for (const FieldInfo& column : table.columns) {
     const std::string id = "t." + Quoted(column.name);
     columns += (columns.empty() ? "" : ", ") + id;
-    const RowsInfo* const names = NamesOf(column.id);
+    const RowsInfo* const names = TableCatalogue::NamesOf(column.id);
     if (names == nullptr || names == &table) continue;
     const std::string of = Quoted("of_" + column.name);
     columns += ", " + of + ".name as " + Quoted(column.name + "_name");

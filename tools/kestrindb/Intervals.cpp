@@ -137,7 +137,7 @@ Json DescribeTrial(const CQtParamInstance& params, const Request& request) {
                                 Utf8(OrderInterpreter::ReasonText(error.reason)) +
                                 ". See kestrindb order \"" + request.definition + "\".");
   }
-  if (count == 0 || (count > 1 && count % 2 != 0)) {
+  if (OrderInterpreter::IntervalCount(count) == 0) {
     throw Failure(data_bad, "The definition makes no intervals: its positions, here " +
                                 std::to_string(count) + ", stand in pairs, or there is one.");
   }

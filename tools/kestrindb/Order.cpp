@@ -90,8 +90,7 @@ Answer DescribeOrder(const Request& request) {
                                  {"domain", Name(position.domain())}});
   }
   AddPassedOver(json, definition);
-  const unsigned paired = result.count % 2 == 0 ? result.count / 2 : 0;
-  json["intervals"] = result.count == 1 ? 1 : paired;
+  json["intervals"] = OrderInterpreter::IntervalCount(result.count);
   return {json, fine};
 }
 

@@ -18,19 +18,11 @@ std::string InQuotes(const std::string& text) {
 
 }  // namespace
 
-const RowsInfo* NamesOf(TableCatalogue::IdKind kind) {
-  using Kind = TableCatalogue::IdKind;
-  if (kind == Kind::none) return nullptr;
-  if (kind == Kind::polygon_points) kind = Kind::polygon;
-  const RowsInfo* const home = TableCatalogue::Find(TableCatalogue::HomeOf(kind).section);
-  return TableCatalogue::NameColumn(*home) ? home : nullptr;
-}
-
 const std::string& IdNames::operator()(TableCatalogue::IdKind kind, long long id) {
   static const std::string none;
   const auto [place, is_new] = names_.try_emplace(kind);
   OfKind& names = place->second;
-  const RowsInfo* const home = is_new ? NamesOf(kind) : nullptr;
+  const RowsInfo* const home = is_new ? TableCatalogue::NamesOf(kind) : nullptr;
   if (home != nullptr) {
     const std::size_t name = *TableCatalogue::NameColumn(*home);
     home->walk(data_, [&](std::span<const TableType::FieldView> columns) {

@@ -29,9 +29,6 @@ class IdNames {
   std::map<kestrin::TableCatalogue::IdKind, OfKind> names_;  // of each kind, made when asked for
 };
 
-// The table whose rows name the ids of a column; null if none does.
-const RowsInfo* NamesOf(kestrin::TableCatalogue::IdKind kind);
-
 // The values of a row apart from it.
 Values ValuesOf(std::span<const TableType::FieldView> columns);
 

@@ -1,10 +1,11 @@
 // The library's own texts, in the language of its user.
 //
-// Everything that the library shows to people, beyond the names of the data base, comes out of one
-// string table with a number for each text. It exists in eleven languages; a text file each, under
-// strings/, is compiled in. Which language is used is one setting of the process: until a host sets
-// it, it is what the environment says when the first text is asked for, in the order LC_ALL,
-// LC_MESSAGES, LANG, of which the first that is not empty decides.
+// What controls and dialogs show, and the texts of calculation parameters, come out of one string
+// table with a number for each text. It exists in eleven languages; their text files, one for
+// English and for the system's default language, are compiled in. Which language is used is one
+// setting of the process: until a host sets it, it is what the environment says when the first text
+// is asked for, in the order LC_ALL, LC_MESSAGES, LANG, of which the first that is not empty
+// decides.
 //
 // Every function here may be called from any thread, also while another sets the language; a text
 // then comes in the language before or the one after. Only the environment must not be changed by

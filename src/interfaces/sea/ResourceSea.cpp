@@ -19,7 +19,7 @@ namespace {
 std::wstring_view NameOf(const wchar_t* name) { return name ? name : L""; }
 
 constexpr std::wstring_view first_line = L"sea 2";
-constexpr std::wstring_view kLastLine = L"end";
+constexpr std::wstring_view last_line = L"end";
 
 void AppendLine(std::wstring& out, std::wstring_view word, std::wstring_view text) {
   out.append(word).append(text.empty() ? L"" : L" ");
@@ -75,7 +75,7 @@ struct CResourceSea::Reader {
       list->emplace_back().SetSeaLine(text->c_str());
     } else if (word == L"true" || word == L"false") {
       content.bools[*text] = word == L"true";
-    } else if (line == kLastLine) {
+    } else if (line == last_line) {
       has_ended = true;
     } else {
       return L"it is no list, line of a list, true, false or end";
@@ -124,7 +124,7 @@ bool CResourceSea::Save(const std::wstring& file_name) const try {
   for (const auto& [name, value] : content_.bools) {
     AppendLine(text, value ? L"true" : L"false", name);
   }
-  AppendLine(text, kLastLine, {});
+  AppendLine(text, last_line, {});
   ReplaceFile(file_name, Text::ToUtf8(text));
   return true;
 } catch (const CFileException& failure) {

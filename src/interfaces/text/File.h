@@ -31,7 +31,7 @@ KESTRIN_API FilePointer OpenFile(const CString& name, const char* mode);
 KESTRIN_API std::string ReasonOf(int error);
 
 // Why a file was not opened, behind its name: "doesn't exist", "is a folder".
-std::string WhyUnopened(int error);
+KESTRIN_API std::string WhyUnopened(int error);
 
 // All bytes of a file. Throws CFileException if it can't be opened or not be read to its end.
 KESTRIN_API std::string ReadFile(const CString& name);
