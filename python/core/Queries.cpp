@@ -125,11 +125,12 @@ void AddQueries(py::module_& module, DataBaseClass& type) {
       "The physical mode of exactly this name; -1 for none.");
   query(
       "phys_mode_id", +[](DataBase& d, int step) { return d.params.PhysModeId(step); }, {mode},
-      "The physical mode of a test step, virtual or not, which may be a name behind `mode=`; -1 "
-      "if it has none.");
+      "The physical mode of a test step, virtual or not; -1 if it has none. A name by itself is "
+      "that of the physical mode; behind `mode=`, or in a list, that of a test step.");
   query("is_valid_phys_mode", &P::IsValidPhysMode, {phys_mode},
         "Whether <TPhysMode> holds the id.");
-  query("channel_name", &P::ChannelName, {channel}, "Empty for an unknown channel.");
+  query("channel_name", &P::ChannelName, {channel},
+        "The name of a channel; empty for an unknown one.");
   query("channel_id", &P::ChannelId, {name}, "The channel of exactly this name; -1 for none.");
   query("is_valid_channel", &P::IsValidChannel, {channel}, "Whether <TChannel> holds the id.");
   query("location_name", &P::LocationName, {location}, "Empty for an unknown object.");
@@ -151,7 +152,8 @@ void AddQueries(py::module_& module, DataBaseClass& type) {
       +[](DataBase& d, int a) { return d.params.ApplicationSignalUnit(a).prefixunit(false); },
       {signal},
       "The unit of a signal as people write it; empty for an unknown signal and for "
-      "one without a dimension.");
+      "one without a dimension. Puts it into `unit_text` of <TAppSignalProperty>, where a file has "
+      "a code.");
   query("sensor_group_name", &P::SensorGroupName, {sensor_group}, "Empty for an unknown group.");
   query("sensor_group_id", &P::SensorGroupId, {name},
         "The sensor group of exactly this name; -1 for none.");
@@ -262,6 +264,30 @@ void AddQueries(py::module_& module, DataBaseClass& type) {
   query("calc_param_enum_sub_text", &QVIpCalcParameter::GetCalcParamEnumSubText,
         {number, {"value"}}, "The name of a value of a calculation parameter; empty without one.");
 
+  const auto texts = [](auto collect) {
+    std::list<CString> collected;
+    collect(collected);
+    py::list told;
+    for (const CString& text : collected) told.append(ToStr(text));
+    return told;
+  };
+  type.def(
+      "calc_param_enum_texts",
+      [texts](const std::shared_ptr<DataBase>& self) {
+        Made(self);
+        return texts([](auto& all) { QVIpCalcParameter::GetCalcParamEnumTexts(all); });
+      },
+      "The names of all calculation parameters, by their numbers from 0.");
+  type.def(
+      "calc_param_enum_sub_texts",
+      [texts](const std::shared_ptr<DataBase>& self, int of) {
+        Made(self);
+        return texts([of](auto& all) { QVIpCalcParameter::GetCalcParamEnumSubTexts(of, all); });
+      },
+      py::arg("number"),
+      "The names of the values of a calculation parameter, from 0; \"(0)\" alone for one without "
+      "names.");
+
   // --- Key texts ---
   query(
       "format_clavis_text",
@@ -321,8 +347,9 @@ void AddQueries(py::module_& module, DataBaseClass& type) {
   query("rotor_speed_source", &P::RotorSpeedSource, {mode, source},
         "The speed source of the order source's rotor; -1 if there is none, and for virtual "
         "modes.");
-  query("rotor_speed_source_app_id", &P::RotorSpeedSourceAppId, {mode, source},
-        "The signal that carries that speed; -1 if there is none.");
+  query(
+      "rotor_speed_source_app_id", &P::RotorSpeedSourceAppId, {mode, source},
+      "The signal that carries the speed of an order source's speed source; -1 if there is none.");
   query("speed_info_of_rotor", &P::SpeedInfoOfRotor, {mode, rotor},
         "The signal that carries the speed of a rotor; -1 if there is none.");
   query("base_order", &P::BaseOrder, {mode, gear},
@@ -335,7 +362,8 @@ void AddQueries(py::module_& module, DataBaseClass& type) {
         "still. The handle calls it FrequencyRatioToGeneratingRotor.");
   query("rotor_frequency_relative_to_speed_source_rotor",
         &P::RotorFrequencyRelativeToSpeedSourceRotor, {mode, source},
-        "The same for an order source against the speed source of its rotor; 0 if it has none.");
+        "How often an order source turns in one turn of the speed source of its rotor; 0 if it has "
+        "none.");
 
   // --- Spectrum intervals and triggers ---
   query(

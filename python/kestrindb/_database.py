@@ -39,10 +39,16 @@ def _read(source: Source) -> Tuple[bytes, str]:
         content = source.read()
         if isinstance(content, str):
             content = _MARK + content.lstrip("\ufeff").encode()
-        return bytes(content), str(getattr(source, "name", "<file>"))
+        # A number would be so many zeros.
+        return bytes(memoryview(content)), _shown(getattr(source, "name", "<file>"))
     path = os.fspath(source)  # and no number, which would be a file that somebody else has open
     with open(path, "rb") as file:
-        return file.read(), path
+        return file.read(), _shown(path)
+
+
+def _shown(name: object) -> str:
+    """A name that need not be UTF-8, for messages."""
+    return str(name).encode(errors="replace").decode()
 
 
 class Database(_core.Database):
@@ -72,7 +78,8 @@ class Database(_core.Database):
         return check(self._content, references, most_of_a_kind)
 
     def diff(self, other: "Database") -> List[Change]:
-        """What is different in another data base, which counts as the later one."""
+        """What is different in another data base, which counts as the later one: rows, and the
+        names of the documents."""
         if not isinstance(other, Database):
             raise TypeError(f"diff() takes a Database, not {type(other).__name__}")
         changes = []
@@ -112,13 +119,15 @@ class Database(_core.Database):
         step = self._id("test step", mode)
         base = self.virt_mode_2_base_mode(step)
         records: List[Tuple[int, str, int]]
+        if definition is not None and parameter is not None:
+            raise TypeError("intervals() takes a parameter or a definition, not both")
         if definition is not None:
             order(definition)
             records = [(-1, definition, -1)]
         else:
             found = self.tables["IpSvOfSpec"].rows()
             records = [(row.parameter, row.definition, row.reference) for row in found]
-        if parameter is not None and definition is None:
+        if parameter is not None:
             wanted = self._id("parameter", parameter)
             records = [record for record in records if record[0] == wanted]
         told = []
@@ -137,7 +146,8 @@ class Database(_core.Database):
         return told
 
     def rotors(self, mode: IdOrName) -> List[Rotor]:
-        """The order sources of a test step, where they sit and how fast they turn."""
+        """The order sources of a test step, where they sit and how fast they turn; none for an
+        unknown one."""
         step = self._id("test step", mode)
         base = self.virt_mode_2_base_mode(step)
         phys_mode = self.phys_mode_id(step)
@@ -235,7 +245,8 @@ class Database(_core.Database):
         return self._places(step, number, tuple(cell), tuple(offset))
 
     def virt_mode_extension_of_bands(self, bands: Sequence[int]) -> int:
-        """The extension for one band index, -1 to 62, for each row of <TAutoModeParam>."""
+        """The extension for one band index, -1 to 62, for each row of <TAutoModeParam>. Others
+        give another test step's, or none's."""
         if len(bands) != len(self.tables["TAutoModeParam"]):
             raise ValueError("one band is needed for each row of <TAutoModeParam>")
         return self._extension(list(bands))
@@ -260,8 +271,11 @@ def check(source: Source, references: bool = True, most_of_a_kind: int = 20) -> 
     """Every fault of a parameter file by line, also of one that is refused.
 
     `references`: whether ids are looked up in the tables that name them. Of a kind in a section
-    only so many are listed; `further` of the last one counts the rest.
+    only so many are listed, 1 at least; `further` of the last one counts the rest.
     """
+    if most_of_a_kind < 1:
+        raise ValueError("most_of_a_kind is 1 at least")
+    most_of_a_kind = min(most_of_a_kind, 2**31)
     content, name = _read(source)
     return [Finding(*finding) for finding in _core.check(content, name, references, most_of_a_kind)]
 

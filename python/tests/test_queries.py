@@ -28,6 +28,13 @@ def test_names_stand_for_ids(db):
         db.speed_info_of_rotor(130, "input shaft")
 
 
+def test_calculation_parameters_have_texts(db):
+    assert len(db.calc_param_enum_texts()) == 43
+    assert db.calc_param_enum_texts()[1] == db.calc_param_enum_text(1) == "Trigger"
+    assert db.calc_param_enum_sub_texts(0)[3] == db.calc_param_enum_sub_text(0, 3) != ""
+    assert db.calc_param_enum_sub_texts(99) == ["(0)"]
+
+
 def test_arrays_are_broadcast(db):
     steps, sources = np.array([[130], [170]]), [1, 2, 3]
     ratios = db.frequency_ratio(steps, 1, sources)
@@ -75,6 +82,8 @@ def test_intervals(db):
     for wrong in ({"lines": -1}, {"lines": 2**40}, {"lines": None}):
         with pytest.raises(TypeError):
             db.intervals(STEP, **wrong)
+    with pytest.raises(TypeError, match="not both"):
+        db.intervals(STEP, number, definition="H1", lines=9)
     with pytest.raises(kestrindb.OrderError) as caught:
         db.intervals(STEP, definition="\U0001d711H", lines=9)
     assert caught.value.offset == 1 and pickle.loads(pickle.dumps(caught.value)).offset == 1
