@@ -174,8 +174,8 @@ using Cell = std::array<int, Triggers::dimensions_d>;
 // The indexes of a cell in one number; of each the lower 16 bits count.
 std::int64_t Packed(const Cell& indexes) {
   std::uint64_t cell = 0;
-  for (auto index = indexes.rbegin(); index != indexes.rend(); ++index) {
-    cell = cell << 16U | (static_cast<unsigned>(*index) & 0xFFFFU);
+  for (std::size_t dim = indexes.size(); dim-- > 0;) {
+    cell = cell << 16U | (static_cast<unsigned>(indexes[dim]) & 0xFFFFU);
   }
   return static_cast<std::int64_t>(cell);
 }

@@ -51,7 +51,7 @@ Ids ToIds(const DataBase& data, const Argument& argument, py::handle given, long
     for (const py::handle value : array.attr("ravel")().attr("tolist")()) *place++ = one(value);
     return ids;
   }
-  return Ids(array);
+  return {array};
 }
 
 Ids ToKey(const DataBase& data, py::handle given) {
@@ -291,7 +291,7 @@ void AddQueries(py::module_& module, DataBaseClass& type) {
   // --- Key texts ---
   query(
       "format_clavis_text",
-      +[](DataBase& d, QClavis a, int show_ids, unsigned mask) {
+      +[](DataBase& d, const QClavis& a, int show_ids, unsigned mask) {
         if (show_ids < 0 || show_ids > P::show_id_if_no_name) {
           Raise(PyExc_ValueError, "show_ids is 0, 1 or 2");
         }
@@ -302,7 +302,7 @@ void AddQueries(py::module_& module, DataBaseClass& type) {
       "name (2). Bit i of the mask: element i is shown, so that 63 stands for all.");
   query(
       "format_clavis_text_nice",
-      +[](DataBase& d, QClavis a, Name separator) {
+      +[](DataBase& d, const QClavis& a, Name separator) {
         return d.params.FormatClavisTextNice(a, separator);
       },
       {key, {"separator"}},

@@ -129,19 +129,19 @@ class QueryList {
   template <class R, class... A>
   void operator()(const char* name, R (CQtParamInstance::*ask)(A...) const,
                   const std::array<Argument, sizeof...(A)>& arguments, const char* doc) {
-    Add<R, A...>([ask](DataBase& data, A... a) { return (data.params.*ask)(a...); }, name,
-                 arguments, doc, std::index_sequence_for<A...>());
+    Add<R, std::decay_t<A>...>([ask](DataBase& data, A... a) { return (data.params.*ask)(a...); },
+                               name, arguments, doc, std::index_sequence_for<A...>());
   }
   template <class R, class... A>
   void operator()(const char* name, R (*ask)(A...),
                   const std::array<Argument, sizeof...(A)>& arguments, const char* doc) {
-    Add<R, A...>([ask](DataBase&, A... a) { return ask(a...); }, name, arguments, doc,
-                 std::index_sequence_for<A...>());
+    Add<R, std::decay_t<A>...>([ask](DataBase&, A... a) { return ask(a...); }, name, arguments, doc,
+                               std::index_sequence_for<A...>());
   }
   template <class R, class... A>
   void operator()(const char* name, R (*ask)(DataBase&, A...),
                   const std::array<Argument, sizeof...(A)>& arguments, const char* doc) {
-    Add<R, A...>(ask, name, arguments, doc, std::index_sequence_for<A...>());
+    Add<R, std::decay_t<A>...>(ask, name, arguments, doc, std::index_sequence_for<A...>());
   }
 
  private:

@@ -198,7 +198,7 @@ void PrintFish(const Json& program) {
       const auto& text = name.get_ref<const std::string&>();
       std::cout << (text.starts_with("--") ? " -l " + text.substr(2) : " -s " + text.substr(1));
     }
-    if (!option["is_argument"] && Cell(option, "type") != "") std::cout << " -r";
+    if (!option["is_argument"] && !Cell(option, "type").empty()) std::cout << " -r";
     if (!option["choices"].empty()) std::cout << " -a " << Quoted(CellText(option["choices"]));
     std::cout << " -d " << Quoted(Cell(option, "help")) << '\n';
   };
