@@ -56,7 +56,9 @@ Given FromPython(const DataBase& data, const Argument& argument, py::handle give
         is_signed ? std::numeric_limits<int>::max() : std::numeric_limits<unsigned>::max();
     return {ToIds(data, argument, given, high), 0, {}};
   }
-  return {{}, PyFloat_AsDouble(given.ptr()), {}};
+  const double number = PyFloat_AsDouble(given.ptr());
+  if (PyErr_Occurred() != nullptr) throw py::error_already_set();
+  return {{}, number, {}};
 }
 
 template <class T>
@@ -160,7 +162,6 @@ class QueryList {
             return ToPython(ask(data));
           } else {
             std::array<Given, sizeof...(A)> given{FromPython<A>(data, arguments[i], objects)...};
-            if (PyErr_Occurred() != nullptr) throw py::error_already_set();
             std::vector<Ids*> ids;
             ((is_id<A> ? ids.push_back(&given[i].ids) : void()), ...);
             const auto one = [&](py::ssize_t row) { return ask(data, At<A>(given[i], row)...); };
