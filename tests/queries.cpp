@@ -437,8 +437,11 @@ Map MakeAll() {
     return Join(row.ValueInt(), row.ValueFloat(), row.ValueText());
   });
   add("AddVModeName", [](P& p, int mode, Name name) { return p.AddVModeName(mode, name); });
-  add("ModeIsOfType", [](const P& p, int mode, unsigned flag) {
-    return p.ModeIsOfType(mode, static_cast<QVModeProps::modeFlag>(flag));
+  add("ModeIsOfType", [](const P& p, int mode, unsigned number) {
+    const auto flag = static_cast<QVModeProps::modeFlag>(number);
+    const auto row = p.ModeProperty().find(P::VirtMode2BaseMode(mode));
+    const bool by_row = row != p.ModeProperty().end() && P::ModeIsOfType(row->second, flag);
+    return Same(Show(p.ModeIsOfType(mode, flag)), Show(by_row));
   });
   add("FormatClavisText", [](const P& p, int show, unsigned mask, Name ids) {
     const auto show_id = static_cast<P::show_id_t>(std::clamp(show, 0, 2));

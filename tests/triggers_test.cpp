@@ -24,6 +24,7 @@ TEST(Triggers, PackOneValueIntoTheCellThatIsGiven) {
   std::int64_t cell = 0x00050004;
   EXPECT_TRUE(CTriggerStore::cell(axis, 0, 3, cell, false));
   EXPECT_EQ(cell, 0x00050007) << "ORed";
+  EXPECT_FALSE(CTriggerStore::cell(axis, 0, -1, cell, false));
   const TestStore data("<TTriggerParam>: {\n10 1 1 2 0 30 10 1 0 3\n}\n");
   const CTriggerStore store(data.params);
   EXPECT_TRUE(store.cell(10 + 2048, 1, 0, 36, cell, false)) << "from the row's own start";

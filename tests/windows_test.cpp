@@ -152,7 +152,11 @@ TEST(Lists, TheHeadingsCheckBoxFollowsTheRowsAndLeadsThem) {
   EXPECT_EQ(list.GetItemText(0, 1), L"x");
 }
 
-TEST(Lists, ASearchGoesOnBehindTheEntryAtWhichItStarts) {
+TEST(Lists, ACombosEntriesKeepTheirOrderAndItsSelection) {
+  CComboBox sorted(CComboBox::Order::sorted);
+  sorted.SetCurSel(sorted.AddString(L"b"));
+  sorted.AddString(L"a");
+  EXPECT_EQ(sorted.GetCurSel(), 1);
   CComboBox combo;
   for (const wchar_t* const text : {L"a", L"b", L"a"}) combo.AddString(text);
   EXPECT_EQ(combo.FindStringExact(-1, L"a"), 0);
