@@ -84,7 +84,7 @@ TEST(KeySets, TypeAndBenchStandBesideTheKey) {
   EXPECT_TRUE(set.contains(key) && !set.contains(QIdx8(1, 1, key)));
   set.insertTypeBench(1, -1, true);
   EXPECT_TRUE(set.valid() && set.contains(QIdx8(1, 77, key)) && set.contains(CQIdx8Set::Type, 1));
-  EXPECT_EQ(std::as_const(set).ElementSet(CQIdx8Set::Bench), (Ids{-1}));
+  EXPECT_EQ(set.ElementSet(CQIdx8Set::Bench), (Ids{-1}));
   EXPECT_FALSE(InAll({1}).valid()) << "no pairs";
   EXPECT_FALSE(set.contains(CQIdx8Set::Type, 2) || set.contains(Clavis::Sensor, 5));
   EXPECT_THROW(set.contains(8, 1), std::out_of_range);

@@ -189,7 +189,8 @@ std::string ViewSql(const TableInfo& table) {
     const std::string of = Quoted("of_" + column.name);
     columns += ", " + of + ".name as " + Quoted(column.name + "_name");
     joins += " left join " + Quoted(Name(*names)) + " as " + of;
-    joins += " on " + of + '.' + Quoted(names->columns[0].name) + " = " + id;
+    joins += " on " + of + '.';
+    joins += Quoted(names->columns[0].name) + " = " + id;
   }
   if (joins.empty()) return "";
   return "create view " + Quoted(name + "_named") + " as select " + columns + " from " +
