@@ -265,7 +265,11 @@ class NewFolder {
       : path(beside + "." + std::to_string(getpid()) + ".new") {
     sigset_t signals;
     sigemptyset(&signals);
-    for (const int signal : ending_signals) sigaddset(&signals, signal);
+    for (const int signal : ending_signals) {
+      struct sigaction action {};
+      sigaction(signal, nullptr, &action);
+      if (action.sa_handler != SIG_IGN) sigaddset(&signals, signal);  // ignored behind nohup
+    }
     sigprocmask(SIG_BLOCK, &signals, &before_);
     fs::create_directory(path);
   }

@@ -140,7 +140,7 @@ void Svg::Text(Point at, std::string_view text, Anchor anchor, std::string_view 
 
 void Svg::UprightText(Point at, std::string_view text, double length) {
   const std::vector<std::string> lines = Wrapped(text, length);
-  double x = at.x - 14 * static_cast<double>(lines.size() - 1);
+  double x = std::max(at.x - 14 * static_cast<double>(lines.size() - 1), 12.0);
   for (const std::string& line : lines) {
     const std::string turn = "translate(" + ShortText(x) + ' ' + ShortText(at.y) + ") rotate(-90)";
     body_ += "<text" + Attribute("transform", turn) + TextAttributes(Anchor::middle, ink, 12) +
