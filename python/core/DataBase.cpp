@@ -4,7 +4,7 @@
 
 namespace kestrin::python {
 
-py::str ToStr(std::wstring_view text) { return py::str(Text::ToUtf8(text)); }
+py::str ToStr(std::wstring_view text) { return {Text::ToUtf8(text)}; }
 
 std::wstring ToWide(py::handle text) {
   const auto bytes = py::reinterpret_steal<py::bytes>(PyUnicode_AsUTF8String(text.ptr()));
