@@ -31,6 +31,12 @@ QuietLog::QuietLog() {
 
 QuietLog::~QuietLog() { PrWin::SetSink(std::exchange(Before(), nullptr)); }
 
+WideLocale::WideLocale() {
+  static const locale_t utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  Require(utf8 != nullptr, "the system knows C.UTF-8");
+  before_ = uselocale(utf8);
+}
+
 MemoryFile::MemoryFile(Bytes bytes) : handle_(memfd_create("kestrin-fuzz", MFD_CLOEXEC)) {
   while (!bytes.empty()) {
     const ssize_t count = handle_ < 0 ? -1 : write(handle_, bytes.data(), bytes.size());

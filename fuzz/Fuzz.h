@@ -9,6 +9,7 @@
 #pragma once
 
 #include <algorithm>
+#include <clocale>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -109,6 +110,19 @@ class QuietLog {
 
  private:
   Logged logged_;
+};
+
+// The wide functions of C hold for white what a UTF-8 system does, on this thread, while it lives.
+// The library answers the same without it.
+class WideLocale {
+ public:
+  WideLocale();
+  WideLocale(const WideLocale&) = delete;
+  WideLocale& operator=(const WideLocale&) = delete;
+  ~WideLocale() { uselocale(before_); }
+
+ private:
+  locale_t before_;
 };
 
 // A file in memory that has a name for the system: what is written and read by name costs no disk.
