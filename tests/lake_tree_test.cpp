@@ -156,6 +156,24 @@ TEST(LakeTree, FaultsOfTheCallerChangeNothing) {
   EXPECT_EQ(ToBytes(lake), before);
 }
 
+// A value becomes wide text when somebody asks for it, be it on several threads at once.
+TEST(LakeThreads, AskForTheSameValues) {
+  std::string file;
+  for (int i = 0; i < 2000; ++i) file += "1 \"a row\" 2\n";
+  const CLake lake = FromBytes(file);
+  std::array<std::set<const std::wstring*>, 4> values;
+  {
+    std::vector<std::jthread> threads;
+    for (auto& own : values) {
+      threads.emplace_back([&] {
+        for (const auto& line : lake) own.insert(&line.value());
+      });
+    }
+  }
+  for (const auto& own : values) EXPECT_EQ(own, values[0]);
+  for (const auto& line : lake) ASSERT_EQ(line.value(), L"1 \"a row\" 2");
+}
+
 TEST(LakeTree, ManyLevelsNeedNoStackAndManyRowsNoTime) {
   constexpr int count = 300000;
   std::string file;

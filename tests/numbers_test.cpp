@@ -49,12 +49,14 @@ TEST(Numbers, AgreeWithTheCLibraryOnRandomTexts) {
 
     errno = 0;
     const long long whole = std::strtoll(text.c_str(), &end, 10);
-    EXPECT_EQ(Of(Number::ScanLongLong(wide)), Result<long long>(whole, used(), state(errno == 0)));
+    EXPECT_EQ(Of(Number::ScanInteger<long long>(text)),
+              Result<long long>(whole, used(), state(errno == 0)));
     const int narrow = static_cast<int>(std::clamp<long long>(whole, INT_MIN, INT_MAX));
     EXPECT_EQ(Of(Number::ScanInt(wide)), Result<int>(narrow, used(), state(narrow == whole)));
     const bool fits = whole >= -static_cast<long long>(UINT_MAX) && whole <= UINT_MAX;
     const unsigned positive = fits ? static_cast<unsigned>(whole) : UINT_MAX;
-    EXPECT_EQ(Of(Number::ScanUnsigned(wide)), Result<unsigned>(positive, used(), state(fits)));
+    EXPECT_EQ(Of(Number::ScanInteger<unsigned>(text)),
+              Result<unsigned>(positive, used(), state(fits)));
   }
 }
 

@@ -85,11 +85,11 @@ std::set<Spoken> WhatALoadLogs(const CLake& lake) {
     ASSERT_NE(subject, nullptr) << Text::ToUtf8(text);
     std::size_t line = 1;
     for (const auto& node : lake) {
-      if (&node.value() == subject->line) break;
+      std::string room;
+      if (subject->line && node.bytes(room).data() == subject->line->data()) break;
       ++line;
     }
-    spoken.insert(
-        {subject->line != nullptr ? line : 0, {subject->key.begin(), subject->key.end()}});
+    spoken.insert({subject->line ? line : 0, {subject->key.begin(), subject->key.end()}});
   });
   CQtParamDistillery data;
   LoadForInspection::Run(data, lake);

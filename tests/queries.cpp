@@ -157,13 +157,14 @@ std::string Field(unsigned kind, Name line) {
   void* const places[] = {&integer, &positive, &long_int, &long_long, &real, text, &key};
   kind %= static_cast<unsigned>(std::size(places));
   const TableType::FieldRef field{static_cast<TableType::FieldKind>(kind), places[kind]};
-  std::wstring_view rest = line;
+  const std::string bytes = Text::ToBytes(line);
+  std::string_view rest = bytes;
   const RowText::Result result = RowText::ReadFields({&field, 1}, rest);
   std::wstring value;
   const TableType::FieldView view{field.kind, field.place};
   RowText::Append(value, {&view, 1});
   const std::string failure = result.reason == nullptr ? "" : std::string(" ") + result.reason;
-  return Join(Text::ToUtf8(value), std::wstring(rest)) + (result.ok ? "" : failure);
+  return Join(Text::ToUtf8(value), Text::FromBytes(rest)) + (result.ok ? "" : failure);
 }
 
 using Definition = QVSpecIntervalEntry::Definition;
@@ -411,8 +412,10 @@ Map MakeAll() {
     return Join(of(ModuleHandle::lKestrinDb), of(ModuleHandle::none));
   });
   add("Int", [](Name text) { return ShowScanned(Number::ScanInt(text)); });
-  add("LongLong", [](Name text) { return ShowScanned(Number::ScanLongLong(text)); });
-  add("Unsigned", [](Name text) { return ShowScanned(Number::ScanUnsigned(text)); });
+  add("LongLong",
+      [](Name text) { return ShowScanned(Number::ScanInteger<long long>(Text::ToBytes(text))); });
+  add("Unsigned",
+      [](Name text) { return ShowScanned(Number::ScanInteger<unsigned>(Text::ToBytes(text))); });
   add("Double", [](Name text) { return ShowScanned(Number::ScanDouble(text)); });
   add("ToText", [](float number) { return TableCatalogue::ToText(number); });
   add("Field", Field);

@@ -46,7 +46,7 @@ std::mutex& LakeMutex() {
 }
 
 std::wstring RowOf(const LogSubject& subject) {
-  if (subject.line != nullptr) return std::wstring(Text::Trim(*subject.line));
+  if (subject.line) return std::wstring(Text::Trim(Text::FromBytes(*subject.line)));
   std::wstring key;
   for (const int id : subject.key) key += (key.empty() ? L"" : L" ") + std::to_wstring(id);
   return key;

@@ -213,7 +213,8 @@ bool IsOddQuote(wchar_t c) {
 }
 
 bool IsBlankOrComment(const CLake::CNode& node) {
-  return node.key().empty() && node.value().empty();
+  std::string room;
+  return !node.is_named() && node.bytes(room).empty();
 }
 
 const char* Name(Kind kind) { return InfoOf(kind).name; }

@@ -17,7 +17,8 @@ constexpr std::array named_lines = {
 };
 
 bool IsClosing(const CLake::CNode& node) {
-  return node.key().empty() && node.value().starts_with(L'}');
+  std::string room;
+  return !node.is_named() && node.bytes(room).starts_with('}');
 }
 
 // As Chinese keyboards type them.
@@ -110,7 +111,8 @@ class NestingCheck {
       open_.pop_back();
       return true;
     }
-    const bool opens = node.value() == L"{";
+    std::string room;
+    const bool opens = node.bytes(room) == "{";
     if (open_.empty()) {
       CheckTop(node, opens);
     } else if (opens && IsTable(node.key())) {

@@ -14,6 +14,7 @@
 #include "interfaces/signal/Clavis.h"
 #include "interfaces/text/Number.h"
 #include "interfaces/text/Text.h"
+#include "interfaces/text/Utf.h"
 #include "tables/FieldOr.h"
 #include "tables/RowText.h"
 #include "trigger/TriggerStore.h"
@@ -240,7 +241,7 @@ class TableCheck {
       return;
     }
     fault_ = nullptr;
-    const bool whole = ReadFields(node.value());
+    const bool whole = ReadFields(node.bytes(room_));
     const std::size_t first = EnterKey();
     if (first == 0) {
       CheckIds();
@@ -259,12 +260,12 @@ class TableCheck {
   }
 
   // False if the line is bad or short.
-  bool ReadFields(std::wstring_view value) {
+  bool ReadFields(std::string_view value) {
     value_ = value;
     oddity_.reset();
     is_odd_ = false;
     unquoted_.reset();
-    std::wstring_view rest = value;
+    std::string_view rest = value;
     for (read_ = 0; read_ < fields_.size(); ++read_) {
       if (rest.empty()) {
         TellOddity();
@@ -272,7 +273,7 @@ class TableCheck {
         TellShort();
         return false;
       }
-      const std::wstring_view before = rest;
+      const std::string_view before = rest;
       starts_[read_] = before;
       const RowText::Result result = RowText::ReadFields({&fields_[read_].ref, 1}, rest);
       if (!result.ok) {
@@ -280,14 +281,14 @@ class TableCheck {
         return false;
       }
       TellOddity();
-      const std::wstring_view used = before.substr(0, before.size() - rest.size());
+      const std::string_view used = before.substr(0, before.size() - rest.size());
       if (IsText(read_)) {
         LookAtText(used, before);
       } else {
         LookAtNumber(used, rest);
       }
     }
-    if (!Text::Trim(rest).empty()) {
+    if (!Utf::Trim(rest).empty()) {
       TellExtra(rest);
     } else {
       TellOddity();
@@ -298,9 +299,9 @@ class TableCheck {
   bool IsText(std::size_t field) const { return fields_[field].ref.kind == FieldKind::text; }
 
   // The place of a part of the line, from 1.
-  std::size_t ColumnOf(std::wstring_view part) const {
-    while (!part.empty() && Text::IsSpace(part.front())) part.remove_prefix(1);
-    return static_cast<std::size_t>(part.data() - value_.data()) + 1;
+  std::size_t ColumnOf(std::string_view part) const {
+    while (const std::size_t space = Utf::SpaceLength(part)) part.remove_prefix(space);
+    return Text::FromBytes({value_.data(), part.data()}).size() + 1;
   }
 
   void TellOddity() {
@@ -311,28 +312,29 @@ class TableCheck {
     oddity_.reset();
   }
 
-  void LookAtNumber(std::wstring_view used, std::wstring_view rest) {
+  void LookAtNumber(std::string_view used, std::string_view rest) {
     const NamedField& field = fields_[read_];
     if (field.ref.kind == FieldKind::real &&
         !std::isfinite(*static_cast<const float*>(field.ref.place))) {
-      const bool is_typed = used.find_first_of(L"nN") != used.npos;
+      const bool is_typed = used.find_first_of("nN") != used.npos;
       Finding* const finding = TellField(
           Kind::infinite_number, read_, ColumnOf(used),
-          Text::ToUtf8(Text::Trim(used)) +
+          std::string(Utf::Trim(used)) +
               (is_typed ? " is a number without bounds, or none at all. Write one that is measured"
                         : " is beyond what the field holds, up to 3.4e38, and becomes infinite. "
                           "Correct the number"));
       if (finding != nullptr && is_typed) finding->severity = Severity::note;
     }
-    if (field.ref.kind == FieldKind::unsigned_int && used.find(L'-') != used.npos) {
+    if (field.ref.kind == FieldKind::unsigned_int && used.find('-') != used.npos) {
       TellField(Kind::negative_number, read_, ColumnOf(used),
-                "the field holds no negative numbers: " + Text::ToUtf8(Text::Trim(used)) +
+                "the field holds no negative numbers: " + std::string(Utf::Trim(used)) +
                     " becomes " + Shown(read_) + ". Write a number from 0 up");
     }
     const bool text_follows = read_ + 1 < fields_.size() && IsText(read_ + 1);
-    if (rest.empty() || Text::IsSpace(rest[0]) || (rest[0] == L'"' && text_follows)) return;
-    const std::string number = Text::ToUtf8(Text::Trim(used));
-    const std::wstring_view word = Word(rest);
+    if (rest.empty() || Utf::SpaceLength(rest) > 0 || (rest[0] == '"' && text_follows)) return;
+    const std::string number(Utf::Trim(used));
+    const std::wstring behind = Text::FromBytes(rest);
+    const std::wstring_view word = Word(behind);
     oddity_.emplace(
         Oddity{Kind::number_runs_on, read_, ColumnOf(used), "the number ends behind " + number,
                ", and " + Quoted(word) + " is taken for the next field", RunOnHint(number, word)});
@@ -363,20 +365,21 @@ class TableCheck {
     return ": write the number alone, and a blank behind it";
   }
 
-  void LookAtText(std::wstring_view used, std::wstring_view before) {
-    const std::wstring_view text = Text::Trim(used);
+  void LookAtText(std::string_view used, std::string_view before) {
+    const std::wstring wide = Text::FromBytes(used);
+    const std::wstring_view text = Text::Trim(wide);
     const bool quoted = text.starts_with(L'"');
-    if (before.size() >= near_limit) {
+    const std::size_t length = before.size() < near_limit ? 0 : Text::FromBytes(before).size();
+    if (length >= near_limit) {
       TellField(Kind::text_near_limit, read_, ColumnOf(used),
-                std::to_string(before.size()) +
-                    " characters from this text to the end of the line; " +
+                std::to_string(length) + " characters from this text to the end of the line; " +
                     std::to_string(RowText::max_text_rest + 1) + " can't be read");
     }
     if (quoted && (text.size() == 1 || !text.ends_with(L'"'))) {
       TellField(Kind::quote_not_closed, read_, ColumnOf(used),
                 "the quote is never closed, and the text takes in the rest of the line. Close it");
     }
-    if (used.find(L'\0') != used.npos) {
+    if (used.find('\0') != used.npos) {
       TellField(Kind::nul_in_text, read_, ColumnOf(used),
                 "the text holds a zero (U+0000) and ends there. Remove the zero");
     }
@@ -406,19 +409,21 @@ class TableCheck {
     }
     const std::wstring_view next = Word(rest);
     if (rest.find(L'"') != rest.npos) return ". Is something in front of the quote too much?";
-    return ". A text with blanks? Put it in quotes: \"" + Text::ToUtf8(Word(starts_[*unquoted_])) +
-           ' ' + Text::ToUtf8(next) + (next == Text::Trim(rest) ? "" : " ...") + '"';
+    const std::wstring start = Text::FromBytes(starts_[*unquoted_]);
+    return ". A text with blanks? Put it in quotes: \"" + Text::ToUtf8(Word(start)) + ' ' +
+           Text::ToUtf8(next) + (next == Text::Trim(rest) ? "" : " ...") + '"';
   }
 
-  void TellExtra(std::wstring_view rest) {
+  void TellExtra(std::string_view rest) {
     if (is_odd_) return;
-    const std::wstring_view extra = Text::Trim(rest);
+    const std::wstring wide = Text::FromBytes(rest);
+    const std::wstring_view extra = Text::Trim(wide);
     const bool comment = extra.starts_with(L';');
     const std::string what =
         oddity_ ? oddity_->what : "the table has " + std::to_string(fields_.size()) + " fields";
     const std::string hint = comment             ? ""
                              : oddity_           ? oddity_->hint
-                             : IsText(read_ - 1) ? QuotesHint(rest)
+                             : IsText(read_ - 1) ? QuotesHint(wide)
                                                  : ". Remove it";
     Finding* const finding =
         TellField(oddity_ ? oddity_->kind : Kind::extra_fields, fields_.size() - 1, ColumnOf(rest),
@@ -455,16 +460,17 @@ class TableCheck {
       fault_ = Tell(Kind::short_line, "");
       return;
     }
-    fault_ = TellField(Kind::short_line, read_, value_.size() + 1,
+    fault_ = TellField(Kind::short_line, read_, Text::FromBytes(value_).size() + 1,
                        "the line ends here" + Kept(true) + ". Write the row out in full");
   }
 
-  void TellBad(const char* reason, std::wstring_view rest) {
+  void TellBad(const char* reason, std::string_view line) {
     run_.bad_lines.insert(line_);
     if (run_.findings.IsFull(Kind::bad_line, table_.section)) {
       Tell(Kind::bad_line, "");
       return;
     }
+    const std::wstring rest = Text::FromBytes(line);
     std::string message;
     if (reason == nullptr) {
       message = std::to_string(rest.size()) +
@@ -482,7 +488,7 @@ class TableCheck {
       told_index_ = true;
       message += "; as long as a line is bad no name of this table is found";
     }
-    fault_ = TellField(Kind::bad_line, read_, ColumnOf(rest), std::move(message));
+    fault_ = TellField(Kind::bad_line, read_, ColumnOf(line), std::move(message));
   }
 
   // Why a number may not have been found.
@@ -642,11 +648,12 @@ class TableCheck {
 
   // of the line at hand
   std::size_t line_ = 0;
-  std::wstring_view value_;
-  std::vector<std::wstring_view> starts_;  // of each field
-  std::size_t read_ = 0;                   // fields read well
-  Finding* fault_ = nullptr;               // that it is bad, short or dropped
-  std::optional<std::size_t> unquoted_;    // the last text without quotes
+  std::string room_;
+  std::string_view value_;
+  std::vector<std::string_view> starts_;  // of each field
+  std::size_t read_ = 0;                  // fields read well
+  Finding* fault_ = nullptr;              // that it is bad, short or dropped
+  std::optional<std::size_t> unquoted_;   // the last text without quotes
   std::optional<Oddity> oddity_;
   bool is_odd_ = false;  // and that has been told
 
@@ -676,8 +683,9 @@ KeyLines ReadKeys(Run& run, const TableInfo& table) {
   const auto section = run.lake[Text::FromUtf8(table.section)];
   if (!table.unique_keys || !section.exists() || !section->is_section()) return lines;
   const auto buffer = table.new_row();
+  std::string room;
   for (auto child = section->begin_unnamed(); child != section->end_unnamed(); ++child) {
-    std::wstring_view rest = (*child)->value();
+    std::string_view rest = (*child)->bytes(room);
     RowText::ReadFields(buffer->key, rest);  // what isn't read stays as in the line before
     lines.try_emplace(lines.end(), KeyIn(*buffer), run.lines.Of(**child));
   }

@@ -17,7 +17,7 @@ using namespace kestrin;
 
 // ---------------------------------------------------------------------------------------- CLake
 
-CLake::CLake(CString filename) : filename_(std::move(filename)), nodes_(new_nodes()) {
+CLake::CLake(CString filename) : filename_(std::move(filename)), lines_(new_lines()) {
   if (!filename_.empty()) read({});
 }
 
@@ -32,50 +32,55 @@ CLake::~CLake() = default;
 
 bool CLake::empty() const { return begin() == end(); }
 
-void CLake::clear() { nodes_ = new_nodes(); }
+void CLake::clear() { lines_ = new_lines(); }
 
 void CLake::merge(const CLake& other) { link_root(other.copied_lines()); }
 
-CLake::const_iterator CLake::begin() const { return std::next(nodes_->begin()); }
+CLake::const_iterator CLake::begin() const { return std::next(lines_->nodes.begin()); }
 
-CLake::const_iterator CLake::end() const { return nodes_->end(); }
+CLake::const_iterator CLake::end() const { return lines_->nodes.end(); }
 
 CLake::CNodeProxy CLake::operator[](const std::wstring& key) { return root()[key]; }
 
 const CLake::CNodeProxy CLake::operator[](const std::wstring& key) const { return root()[key]; }
 
-CLake::NodeList CLake::copied_lines() const {
-  NodeList lines;
-  for (const CNode& line : *this) lines.push_back(line.pure_line());
+CLake::Lines CLake::copied_lines() const {
+  Lines lines{{}, lines_->texts};
+  for (const CNode& line : *this) lines.nodes.emplace_back().copy_texts(line);
   return lines;
 }
 
-std::unique_ptr<CLake::NodeList> CLake::new_nodes() {
-  auto nodes = std::make_unique<NodeList>(1);
-  nodes->front().set_collection(*nodes);
-  nodes->front().link(nodes->end());
-  return nodes;
+std::unique_ptr<CLake::Lines> CLake::new_lines() {
+  auto lines = std::make_unique<Lines>();
+  CNode& root = lines->nodes.emplace_back();
+  root.set_collection(lines->nodes);
+  root.link(lines->nodes.end());
+  return lines;
 }
 
-void CLake::replace_lines(NodeList&& lines) {
-  auto nodes = new_nodes();
-  nodes->splice(nodes->end(), lines);
-  nodes->front().link(std::next(nodes->begin()));
-  nodes_ = std::move(nodes);
+void CLake::replace_lines(Lines&& lines) {
+  auto all = new_lines();
+  NodeList& nodes = all->nodes;
+  nodes.splice(nodes.end(), lines.nodes);
+  all->texts = std::move(lines.texts);
+  nodes.front().link(std::next(nodes.begin()));
+  lines_ = std::move(all);
 }
 
-void CLake::link_root(NodeList&& more) {
+void CLake::link_root(Lines&& more) {
   // Lines that are linked by halves are no lake. What takes their place then has to be there
   // before.
-  auto nothing = new_nodes();
-  nodes_->splice(nodes_->end(), more);
+  auto nothing = new_lines();
+  NodeList& nodes = lines_->nodes;
+  nodes.splice(nodes.end(), more.nodes);
+  lines_->texts.merge(more.texts);
   try {
     root().clear();
-    root().set_collection(*nodes_);
-    auto outside = root().link(std::next(nodes_->begin()));
-    for (; outside != nodes_->end(); ++outside) outside->unlink();
+    root().set_collection(nodes);
+    auto outside = root().link(std::next(nodes.begin()));
+    for (; outside != nodes.end(); ++outside) outside->unlink();
   } catch (...) {
-    nodes_ = std::move(nothing);
+    lines_ = std::move(nothing);
     throw;
   }
 }
@@ -84,25 +89,42 @@ void CLake::link_root(NodeList&& more) {
 
 CLake::CNode::CNode(NodeList& list, std::wstring_view key, std::wstring_view value,
                     std::wstring_view comment)
-    : collection_(&list), value_(value) {
-  if (!key.empty()) own_extra().key = key;
-  if (!comment.empty()) own_extra().comment = comment;
+    : CNode() {
+  collection_ = &list;
+  this->value(std::wstring(value));
+  if (key.empty() && comment.empty()) return;
+  Extra& own = make_extra();
+  own.key = key;
+  own.comment = comment;
 }
 
-CLake::CNode::CNode(const CNode& other)
-    : collection_(other.collection_),
-      value_(other.value_),
-      extra_(other.extra_ ? std::make_unique<Extra>(*other.extra_) : nullptr),
-      depth_(other.depth_),
-      is_section_(other.is_section_) {}
+// A copy may outlive the lake, so it has a text of its own.
+CLake::CNode::CNode(const CNode& other) : CNode() {
+  value(other.value());
+  if (const Extra* const extra = other.own_extra()) make_extra() = *extra;
+  collection_ = other.collection_;
+  depth_ = other.depth_;
+  is_section_ = other.is_section_;
+}
 
 CLake::CNode& CLake::CNode::operator=(const CNode& other) {
-  return *this = CNode(other);  // NOLINT(misc-unconventional-assign-operator): it is *this
+  CNode copy(other);
+  const std::unique_ptr<Wide> before(wide_.exchange(copy.wide_.exchange(nullptr)));
+  collection_ = copy.collection_;
+  bytes_ = copy.bytes_;
+  depth_ = copy.depth_;
+  is_section_ = copy.is_section_;
+  return *this;
 }
 
-CLake::CNode::Extra& CLake::CNode::own_extra() {
-  if (!extra_) extra_ = std::make_unique<Extra>();
-  return *extra_;
+CLake::CNode::~CNode() { delete wide(); }
+
+CLake::CNode::Wide& CLake::CNode::own_wide() const {
+  if (Wide* const there = wide()) return *there;
+  auto made = std::make_unique<Wide>(Wide{Text::FromBytes(bytes_), nullptr});
+  Wide* first = nullptr;
+  const bool is_first = wide_.compare_exchange_strong(first, made.get());
+  return is_first ? *made.release() : *first;
 }
 
 const CLake::CNode::Extra& CLake::CNode::no_extra() {
@@ -110,14 +132,29 @@ const CLake::CNode::Extra& CLake::CNode::no_extra() {
   return none;
 }
 
+CLake::CNode::Extra& CLake::CNode::make_extra() {
+  Wide& own = own_wide();
+  if (!own.extra) own.extra = std::make_unique<Extra>();
+  return *own.extra;
+}
+
+const std::wstring& CLake::CNode::value() const { return own_wide().value; }
+
+std::string_view CLake::CNode::bytes(std::string& room) const {
+  if (bytes_.data() != nullptr) return bytes_;
+  return room = Text::ToBytes(value());
+}
+
 void CLake::CNode::value(const std::wstring& text) {
   assert(!is_section_);
-  if (!is_section_) value_ = text;
+  if (is_section_) return;
+  own_wide().value = text;
+  bytes_ = {};
 }
 
 void CLake::CNode::comment(const std::wstring& text) {
   assert(!is_section_);
-  if (!is_section_) own_extra().comment = text;
+  if (!is_section_) make_extra().comment = text;
 }
 
 CLake::CNode& CLake::CNode::operator=(const std::wstring& text) {
@@ -135,8 +172,10 @@ CLake::NodeList::iterator CLake::CNode::find(const std::wstring& key) const {
 int CLake::CNode::find_value(const std::wstring& value) const {
   if (!is_section_) return -1;
   const auto& lines = extra().unnamed;
-  const auto found =
-      std::find_if(lines.begin(), lines.end(), [&](auto line) { return line->value_ == value; });
+  const std::string wanted = Text::ToBytes(value);
+  std::string room;
+  const auto found = std::find_if(lines.begin(), lines.end(),
+                                  [&](auto line) { return line->bytes(room) == wanted; });
   return found == lines.end() ? -1 : static_cast<int>(found - lines.begin());
 }
 
@@ -163,12 +202,12 @@ unsigned int CLake::CNode::push_back(const std::wstring& text) {
     make_section(self);
   }
   make_end();
-  auto& unnamed = own_extra().unnamed;
-  auto& line = unnamed.emplace_back(extra_->end);
+  Extra& own = make_extra();
+  auto& line = own.unnamed.emplace_back(own.end);
   try {
-    line = collection_->emplace(extra_->end, *collection_, L"", text, L"");
+    line = collection_->emplace(own.end, *collection_, L"", text, L"");
   } catch (...) {
-    unnamed.pop_back();
+    own.unnamed.pop_back();
     throw;
   }
   line->depth_ = depth_ + 1;
@@ -176,13 +215,14 @@ unsigned int CLake::CNode::push_back(const std::wstring& text) {
 }
 
 void CLake::CNode::clear_section() {
-  if (!extra_) return;
+  Extra* const own = own_extra();
+  if (own == nullptr) return;
   if (collection_) {
-    for (const auto& [key, line] : extra_->named) collection_->erase(line);
-    for (const auto line : extra_->unnamed) collection_->erase(line);
+    for (const auto& [key, line] : own->named) collection_->erase(line);
+    for (const auto line : own->unnamed) collection_->erase(line);
   }
-  extra_->named.clear();
-  extra_->unnamed.clear();
+  own->named.clear();
+  own->unnamed.clear();
 }
 
 CLake::NodeList::iterator CLake::CNode::link(NodeList::iterator first) {
@@ -199,7 +239,7 @@ CLake::CNode::Linker::Linker(CNode& section) : open_{&section} { section.begin_s
 
 bool CLake::CNode::Linker::add(NodeList::iterator line) {
   CNode& section = *open_.back();
-  Extra& children = *section.extra_;
+  Extra& children = *section.own_extra();
   line->unlink();
   line->collection_ = section.collection_;
   line->depth_ = section.depth_ + 1;
@@ -227,14 +267,14 @@ bool CLake::CNode::Linker::add(NodeList::iterator line) {
 
 void CLake::CNode::clear() {
   const auto end = extra().end;
-  value_.clear();
+  bytes_ = "";
+  if (wide() != nullptr) own_wide().value.clear();
   unlink();
-  if (!extra_) return;
-  extra_->key.clear();
-  extra_->end = end;
+  if (Extra* const own = own_extra()) {
+    own->key.clear();
+    own->end = end;
+  }
 }
-
-bool CLake::CNode::opens_section() const { return value_.size() == 1 && value_.front() == L'{'; }
 
 // Forgets the place in a tree, and what other lines have made of this one: it is as it would come
 // from a file. Linking finds the rest anew.
@@ -242,24 +282,28 @@ void CLake::CNode::unlink() {
   collection_ = nullptr;
   depth_ = -1;
   is_section_ = opens_section();
-  if (!extra_) return;
-  extra_->named.clear();
-  extra_->unnamed.clear();
-  extra_->end = {};
+  Extra* const own = own_extra();
+  if (own == nullptr) return;
+  own->named.clear();
+  own->unnamed.clear();
+  own->end = {};
 }
 
-// The texts alone, as `unlink` would leave them.
-CLake::CNode CLake::CNode::pure_line() const {
-  CNode line;
-  line.value_ = value_;
-  if (!key().empty()) line.own_extra().key = key();
-  if (!comment().empty()) line.own_extra().comment = comment();
-  line.is_section_ = opens_section();
-  return line;
+// Makes a new node the line that `unlink` would leave of the other one, in a lake that shares the
+// text.
+void CLake::CNode::copy_texts(const CNode& other) {
+  bytes_ = other.bytes_;
+  if (bytes_.data() == nullptr) own_wide().value = other.value();
+  if (other.is_named() || !other.comment().empty()) {
+    Extra& own = make_extra();
+    own.key = other.key();
+    own.comment = other.comment();
+  }
+  is_section_ = opens_section();
 }
 
 void CLake::CNode::begin_section() {
-  Extra& children = own_extra();
+  Extra& children = make_extra();
   children.named.clear();
   children.unnamed.clear();
   children.end = collection_->end();
@@ -267,7 +311,7 @@ void CLake::CNode::begin_section() {
 }
 
 CLake::NodeList::iterator CLake::CNode::insert(const std::wstring& key) {
-  Extra& children = own_extra();
+  Extra& children = make_extra();
   assert(is_section_ && collection_ && children.named.count(key) == 0);
   if (const auto there = children.named.find(key); there != children.named.end()) {
     return there->second;
@@ -288,17 +332,18 @@ CLake::NodeList::iterator CLake::CNode::insert(const std::wstring& key) {
 // what is written nests as the tree does, whatever siblings have been added since.
 void CLake::CNode::make_section(NodeList::iterator self) {
   if (is_section_) return;
-  Extra& own = own_extra();
+  Extra& own = make_extra();
   own.end = collection_->emplace(std::next(self), *collection_, L"", L"}", own.key);
   own.end->depth_ = depth_;
   own.comment.clear();  // behind a "{" it would be read back as a part of the value
-  value_ = L"{";
+  own_wide().value = L"{";
+  bytes_ = "{";
   is_section_ = true;
 }
 
 // A node that was read from a stream as the start of a section has no end until it is linked.
 void CLake::CNode::make_end() {
-  Extra& own = own_extra();
+  Extra& own = make_extra();
   if (own.end == NodeList::iterator()) own.end = collection_->end();
 }
 

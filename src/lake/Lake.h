@@ -12,19 +12,22 @@
 // There are no paths: `<QType><FBaseName>` is one flat key of one line of the root.
 //
 // A file has hundreds of thousands of lines, and nearly all of them are rows: a value and nothing
-// else. So a node holds its value, and keeps key, comment and indexes aside, for those lines that
-// have them.
+// else, which a table reads once. So the text of a file stays whole, as UTF-8, and the node of a
+// row knows its part of it. Wide texts, and the indexes of a section, are kept aside: for lines
+// that have a key, a comment or children, or a value that somebody has set or asked for.
 //
 // Threads: a lake has no lock. Constant operations but `write`, which stores a name that it is
 // given, may run on any number of threads as long as no other operation runs beside them.
 #pragma once
 
+#include <atomic>
 #include <concepts>
 #include <cstddef>
 #include <iosfwd>
 #include <list>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -87,8 +90,8 @@ class KESTRIN_API CLake {
   const_iterator end() const;
 
   // The section that holds the lines of the top level.
-  CNode& root() { return nodes_->front(); }
-  const CNode& root() const { return nodes_->front(); }
+  CNode& root() { return lines_->nodes.front(); }
+  const CNode& root() const { return lines_->nodes.front(); }
 
   // Looks a key up in the root.
   CNodeProxy operator[](const std::wstring& key);
@@ -97,16 +100,22 @@ class KESTRIN_API CLake {
  private:
   friend struct kestrin::LakeReader;
 
+  // Lines, and the texts that they are parts of. A copy of the lines shares them.
+  struct Lines {
+    NodeList nodes;
+    std::set<std::shared_ptr<const std::string>> texts;
+  };
+
   // A root without lines, which are linked to it as they come.
-  static std::unique_ptr<NodeList> new_nodes();
-  NodeList copied_lines() const;
-  void replace_lines(NodeList&& lines);
+  static std::unique_ptr<Lines> new_lines();
+  Lines copied_lines() const;
+  void replace_lines(Lines&& lines);
   // Links all lines anew, with more lines behind them. If memory runs out, there are no lines.
-  void link_root(NodeList&& more = {});
+  void link_root(Lines&& more = {});
 
   mutable CString filename_;
   kestrin::Refusal last_refusal_;
-  std::unique_ptr<NodeList> nodes_;  // the root, then the lines; nodes know the list by its place
+  std::unique_ptr<Lines> lines_;  // the root in front; nodes know their list by its place
 };
 
 namespace kestrin {
@@ -127,15 +136,18 @@ class KESTRIN_API CLake::CNode {
   CNode() = default;
   CNode(NodeList& list, std::wstring_view key, std::wstring_view value, std::wstring_view comment);
   CNode(const CNode& other);
-  CNode(CNode&& other) noexcept = default;
   CNode& operator=(const CNode& other);
-  CNode& operator=(CNode&& other) noexcept = default;
-  ~CNode() = default;
+  ~CNode();
 
-  // The texts are those of one line of a file: trimmed, without a line feed.
+  // The texts are those of one line of a file: trimmed, without a line feed. A value that is asked
+  // for stays in memory as wide text, beside the file's; `bytes` gives it without.
   const std::wstring& key() const { return extra().key; }
-  const std::wstring& value() const { return value_; }
+  const std::wstring& value() const;
   const std::wstring& comment() const { return extra().comment; }
+
+  // The value in the form of Text::ToBytes: a part of the file's text, good as long as the value
+  // isn't changed and the lake stands, or made in `room`, where a host has set the value.
+  std::string_view bytes(std::string& room) const;
 
   // Set value or comment. A section's own line is fixed, and "{" can't be assigned (`push_back`
   // makes a section): both are faults of the caller, asserted in a debug build and without effect
@@ -145,7 +157,7 @@ class KESTRIN_API CLake::CNode {
   void comment(const std::wstring& text);
   CNode& operator=(const std::wstring& text);
 
-  bool is_named() const { return !key().empty(); }
+  bool is_named() const { return own_extra() != nullptr && !own_extra()->key.empty(); }
   bool is_section() const { return is_section_; }
 
   // The direct children: by key, the first line of a key standing for all; and those without a key
@@ -204,16 +216,28 @@ class KESTRIN_API CLake::CNode {
     UnnamedChildren unnamed;
     NodeList::iterator end;  // of a section: the closing line, or the end of the list
   };
+  // What such lines have, and those whose value somebody has asked for.
+  struct Wide {
+    std::wstring value;
+    std::unique_ptr<Extra> extra;
+  };
 
-  const Extra& extra() const { return extra_ ? *extra_ : no_extra(); }
-  Extra& own_extra();
+  Wide* wide() const { return wide_.load(std::memory_order_acquire); }
+  // Made once, by whichever thread comes first.
+  Wide& own_wide() const;
+  Extra* own_extra() const { return wide() != nullptr ? wide()->extra.get() : nullptr; }
+  const Extra& extra() const { return own_extra() != nullptr ? *own_extra() : no_extra(); }
   static const Extra& no_extra();
+  Extra& make_extra();
 
-  bool opens_section() const;
-  bool is_closing() const { return !value_.empty() && value_.front() == L'}' && !is_named(); }
+  bool opens_section() const { return bytes_.data() != nullptr ? bytes_ == "{" : value() == L"{"; }
+  bool is_closing() const {
+    return (bytes_.data() != nullptr ? bytes_.starts_with('}') : value().starts_with(L'}')) &&
+           !is_named();
+  }
 
   CNodeProxy look_up(const std::wstring& key, CNode* owner) const;
-  CNode pure_line() const;
+  void copy_texts(const CNode& other);
   void unlink();
   void begin_section();
   NodeList::iterator insert(const std::wstring& key);
@@ -221,12 +245,15 @@ class KESTRIN_API CLake::CNode {
   void make_end();
   NodeList::iterator position() const;
 
-  void set_line(std::wstring_view line);
-  void append_line(std::wstring& text) const;
+  void set_line(std::string_view line);  // the value becomes a part of it
+  void set_own_line(std::wstring_view line);
+  void append_line(std::string& text) const;
 
   NodeList* collection_ = nullptr;  // the list that holds this node; none outside every section
-  std::wstring value_;              // "{" for a section; a closing line's begins with "}"
-  std::unique_ptr<Extra> extra_;
+  // The value: "{" for a section; a closing line's begins with "}". Without a place in memory if it
+  // stands in the wide text alone.
+  std::string_view bytes_ = "";
+  mutable std::atomic<Wide*> wide_ = nullptr;
   int depth_ = -1;  // 0 for a line of the root; a closing line has that of its section
   bool is_section_ = false;
 };

@@ -9,13 +9,13 @@
 // A file that begins with the mark EF BB BF is UTF-8 behind it, any other Latin-1. Written is
 // always UTF-8 with the mark. Nesting comes from the brackets alone; the tabs are for people.
 //
-// Bytes go through in large blocks: one read, one conversion, one search for line ends a block.
+// Whatever the file's encoding, its text becomes one block of UTF-8 that stays; the lines are parts
+// of it.
 
 #include <algorithm>
-#include <cassert>
+#include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cwchar>
 #include <istream>
 #include <memory>
 #include <optional>
@@ -24,18 +24,14 @@
 #include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "interfaces/text/File.h"
 #include "interfaces/text/Text.h"
 #include "interfaces/text/Utf.h"
 #include "lake/Lake.h"
 #include "lake/LakeReader.h"
-#include "lake/Utf8ToUcs2.h"
 
 using namespace kestrin;
-
-using lake_encoding::utf8toucs2;
 
 namespace {
 
@@ -60,128 +56,75 @@ Refusal Unopened(const CString& file, int error) {
 namespace {
 
 // The place of the first colon or semicolon outside of quotes, or else the line's size.
-std::size_t FindStop(std::wstring_view line) {
-  const auto matters = [](wchar_t c) { return c == L':' || c == L';' || c == L'"'; };
-  auto place = std::find_if(line.begin(), line.end(), matters);
-  while (place != line.end() && *place == L'"') {
-    place = std::find(place + 1, line.end(), L'"');
-    if (place != line.end()) place = std::find_if(place + 1, line.end(), matters);
+std::size_t FindStop(std::string_view line) {
+  // Most lines have neither.
+  if (line.find(':') == line.npos && line.find(';') == line.npos) return line.size();
+  std::size_t place = line.find_first_of(":;\"");
+  while (place < line.size() && line[place] == '"') {
+    place = line.find('"', place + 1);
+    if (place != line.npos) place = line.find_first_of(":;\"", place + 1);
   }
-  return static_cast<std::size_t>(place - line.begin());
+  return std::min(place, line.size());
 }
 
 }  // namespace
 
-void CLake::CNode::set_line(std::wstring_view line) {
+void CLake::CNode::set_line(std::string_view line) {
   const std::size_t stop = FindStop(line);  // it decides what the line is
-  std::wstring_view key;
-  std::wstring_view value = Text::Trim(line);
-  std::wstring_view comment;
-  if (stop < line.size() && line[stop] == L':') {
-    key = Text::Trim(line.substr(0, stop));
-    value = Text::Trim(line.substr(stop + 1));
-  } else if (stop < line.size() && (value.front() == L';' || value.front() == L'}')) {
-    value = Text::Trim(line.substr(0, stop));
-    comment = Text::Trim(line.substr(stop + 1));
+  std::string_view key;
+  std::string_view value = Utf::Trim(line);
+  std::string_view comment;
+  if (stop < line.size() && line[stop] == ':') {
+    key = Utf::Trim(line.substr(0, stop));
+    value = Utf::Trim(line.substr(stop + 1));
+  } else if (stop < line.size() && (value.front() == ';' || value.front() == '}')) {
+    value = Utf::Trim(line.substr(0, stop));
+    comment = Utf::Trim(line.substr(stop + 1));
   }
 
-  value_ = value;
+  bytes_ = value;
+  if (wide() != nullptr) own_wide().value = Text::FromBytes(value);
   is_section_ = opens_section();
-  if (!extra_ && key.empty() && comment.empty()) return;
-  own_extra().key = key;
-  own_extra().comment = comment;
+  if (wide() == nullptr && key.empty() && comment.empty()) return;
+  Extra& own = make_extra();
+  own.key = Text::FromBytes(key);
+  own.comment = Text::FromBytes(comment);
 }
 
-void CLake::CNode::append_line(std::wstring& text) const {
-  if (depth_ > 0) text.append(static_cast<std::size_t>(depth_), L'\t');
-  if (is_named()) text.append(key()).append(L": ");
-  text += value_;
-  if (!comment().empty()) text.append(L"\t; ").append(comment());
-  text += L'\n';
+void CLake::CNode::set_own_line(std::wstring_view line) {
+  const std::string bytes = Text::ToBytes(line);
+  set_line(bytes);
+  own_wide();
+  bytes_ = {};
+}
+
+void CLake::CNode::append_line(std::string& text) const {
+  if (depth_ > 0) text.append(static_cast<std::size_t>(depth_), '\t');
+  if (is_named()) text.append(Text::ToBytes(key())).append(": ");
+  std::string room;
+  text += bytes(room);
+  if (!comment().empty()) text.append("\t; ").append(Text::ToBytes(comment()));
+  text += '\n';
 }
 
 std::wistream& operator>>(std::wistream& in, CLake::CNode& node) {
   std::wstring line;
   line.reserve(200);
   std::getline(in, line, L'\n');
-  node.set_line(line);
+  node.set_own_line(line);
   return in;
 }
 
 std::wostream& operator<<(std::wostream& out, const CLake::CNode& node) {
-  std::wstring line;
-  node.append_line(line);
+  std::string bytes;
+  node.append_line(bytes);
+  const std::wstring line = Text::FromBytes(bytes);
   return out.write(line.data(), static_cast<std::streamsize>(line.size())).flush();
 }
 
 // ------------------------------------------------------------------------------------- reading
 
 namespace {
-
-// Turns blocks of bytes into blocks of wide text.
-class Decoder {
- public:
-  explicit Decoder(bool utf8) : utf8_(utf8) {}
-
-  // Takes what it can off the front of the bytes, of which there are at most block_size, and leaves
-  // there a sequence that they cut. The text is good until the next call.
-  std::wstring_view decode(std::span<const char>& bytes) {
-    wchar_t* end = text_.get();
-    if (utf8_) {
-      const char* next = nullptr;
-      const auto outcome = facet_.in(state_, bytes.data(), bytes.data() + bytes.size(), next,
-                                     text_.get(), text_.get() + block_size, end);
-      broken_ = outcome == utf8toucs2::error;
-      bytes = bytes.subspan(static_cast<std::size_t>(next - bytes.data()));
-    } else {
-      for (const char byte : bytes) *end++ = static_cast<unsigned char>(byte);
-      bytes = {};
-    }
-    return {text_.get(), static_cast<std::size_t>(end - text_.get())};
-  }
-
-  // True once the bytes have shown to be no text.
-  bool broken() const { return broken_; }
-
- private:
-  const utf8toucs2 facet_{1};
-  std::mbstate_t state_{};
-  bool utf8_;
-  bool broken_ = false;
-  // No byte gives more than one unit, so a block always has room.
-  std::unique_ptr<wchar_t[]> text_ = std::make_unique_for_overwrite<wchar_t[]>(block_size);
-};
-
-// Cuts text into lines, of which most stand whole in one piece.
-template <class Take>
-class LineCutter {
- public:
-  explicit LineCutter(Take take) : take_(take) {}
-
-  void add(std::wstring_view text) {
-    for (;;) {
-      const std::size_t feed = text.find(L'\n');
-      if (feed == std::wstring_view::npos) break;
-      if (begun_.empty()) {
-        take_(text.substr(0, feed));
-      } else {
-        begun_ += text.substr(0, feed);
-        take_(begun_);
-        begun_.clear();
-      }
-      text.remove_prefix(feed + 1);
-    }
-    begun_ += text;
-  }
-
-  void finish() {
-    if (!begun_.empty()) take_(begun_);
-  }
-
- private:
-  Take take_;
-  std::wstring begun_;
-};
 
 // Fills the block from `have` on until it holds `want` bytes or the source ends.
 bool FillTo(const LakeReader::Source& source, std::span<char> block, std::size_t& have,
@@ -195,6 +138,34 @@ bool FillTo(const LakeReader::Source& source, std::span<char> block, std::size_t
   return true;
 }
 
+// Takes what it can off the front of a file's bytes, into a text in the shortest forms, and leaves
+// there a sequence that they cut. False if the bytes are no text from there on.
+bool TakeText(std::string_view& bytes, bool is_utf8, std::string& text) {
+  const char* from = bytes.data();
+  const char* const end = from + bytes.size();
+  auto state = Utf::Sequence::whole;
+  while (from != end) {
+    const char* const other = Utf::SkipAscii(from, end);
+    text.append(from, other);
+    from = other;
+    if (from == end) break;
+    const Utf::Sequence next =
+        is_utf8 ? Utf::Read(from, end)
+                : Utf::Sequence{Utf::Sequence::whole, 1, static_cast<unsigned char>(*from)};
+    state = next.state;
+    if (state != Utf::Sequence::whole) break;
+    std::array<char, 4> shortest;
+    char* to = shortest.data();
+    Utf::Write(next.code, to);
+    text.append(shortest.data(), to);
+    from += next.length;
+  }
+  bytes = {from, end};
+  return state != Utf::Sequence::invalid;
+}
+
+constexpr char surrogate = '\xED';  // with this byte each begins, and few characters do
+
 }  // namespace
 
 bool LakeReader::read(CLake& lake, const Source& source) {
@@ -202,51 +173,53 @@ bool LakeReader::read(CLake& lake, const Source& source) {
   const auto bytes_read = std::make_unique_for_overwrite<char[]>(block_size);
   const std::span<char> block(bytes_read.get(), block_size);
   std::size_t have = 0;
-  bool sound = FillTo(source, block, have, 1);
-  bool marked = false;
-  if (have > 0 && block[0] == Utf::mark[0]) {
-    sound = FillTo(source, block, have, Utf::mark.size());
-    marked = std::string_view(block.data(), have).starts_with(Utf::mark);
-    if (!marked) {
-      lake.last_refusal_ = Refused(
-          Refusal::broken_mark, lake.filename_,
-          L"begins with a broken UTF-8 mark. Save the file as UTF-8 with a byte order mark.", 1);
-      return false;
-    }
+  bool sound = FillTo(source, block, have, Utf::mark.size());
+  std::string_view bytes(block.data(), have);
+  const bool is_utf8 = bytes.starts_with(Utf::mark);
+  if (!is_utf8 && bytes.starts_with(Utf::mark.front())) {
+    lake.last_refusal_ = Refused(
+        Refusal::broken_mark, lake.filename_,
+        L"begins with a broken UTF-8 mark. Save the file as UTF-8 with a byte order mark.", 1);
+    return false;
   }
+  if (is_utf8) bytes.remove_prefix(Utf::mark.size());
 
-  auto nodes = CLake::new_nodes();
-  CLake::CNode::Linker linker(nodes->front());
-  bool in_root = true;  // behind a closing line too many no line belongs to the root
-  LineCutter cutter([&](std::wstring_view text) {
-    const auto line = nodes->emplace(nodes->end());
-    line->set_line(text);
-    in_root = in_root && linker.add(line);
-  });
-  Decoder decoder(marked);
-  std::span<const char> bytes(block.data(), have);
-  if (marked) bytes = bytes.subspan(Utf::mark.size());
+  const auto text = std::make_shared<std::string>();
+  bool is_text = true;
   for (;;) {
-    cutter.add(decoder.decode(bytes));
-    if (decoder.broken() || !sound) break;
+    is_text = TakeText(bytes, is_utf8, *text);
+    if (!is_text || !sound) break;
     std::copy(bytes.begin(), bytes.end(), block.begin());
     have = bytes.size();
     const std::size_t kept = have;
     sound = FillTo(source, block, have, kept + 1);
     if (have == kept) break;
-    bytes = std::span<const char>(block.data(), have);
+    bytes = {block.data(), have};
   }
-  const auto line = static_cast<int>(nodes->size());  // the root counts for the one that is begun
-  cutter.finish();
-  if (decoder.broken() || (sound && !bytes.empty())) {
-    lake.last_refusal_ = Refused(
-        Refusal::broken_text, lake.filename_,
-        L"is not UTF-8 in line " + std::to_wstring(line) + L", and was read up to there.", line);
-  } else if (!sound) {
-    lake.last_refusal_ = Refused(Refusal::broken_medium, lake.filename_,
-                                 L"was read in part, up to where the medium failed.", line);
+  // Two surrogates that stand as two sequences are one character.
+  if (is_utf8 && text->find(surrogate) != text->npos) *text = Text::ToBytes(Text::FromBytes(*text));
+
+  auto lines = CLake::new_lines();
+  lines->texts.insert(text);
+  CLake::CNode::Linker linker(lines->nodes.front());
+  bool in_root = true;  // behind a closing line too many no line belongs to the root
+  for (std::string_view rest = *text; !rest.empty();) {
+    const std::size_t feed = std::min(rest.find('\n'), rest.size());
+    const auto line = lines->nodes.emplace(lines->nodes.end());
+    line->set_line(rest.substr(0, feed));
+    in_root = in_root && linker.add(line);
+    rest.remove_prefix(std::min(feed + 1, rest.size()));
   }
-  lake.nodes_ = std::move(nodes);
+  const bool is_cut = !is_text || (sound && !bytes.empty());
+  if (is_cut || !sound) {
+    const auto line = static_cast<int>(std::count(text->begin(), text->end(), '\n')) + 1;
+    const std::wstring what =
+        is_cut ? L"is not UTF-8 in line " + std::to_wstring(line) + L", and was read up to there."
+               : L"was read in part, up to where the medium failed.";
+    lake.last_refusal_ =
+        Refused(is_cut ? Refusal::broken_text : Refusal::broken_medium, lake.filename_, what, line);
+  }
+  lake.lines_ = std::move(lines);
   return sound;
 }
 
@@ -281,66 +254,26 @@ bool CLake::read(const CString& filename) {
 
 // ------------------------------------------------------------------------------------- writing
 
-namespace {
-
-// Replaces what the facet would refuse: one bad character must not cost the rest of a file.
-void Repair(std::wstring& text) {
-  char32_t highest = 0;
-  for (const wchar_t c : text) highest = std::max(highest, static_cast<char32_t>(c));
-  if (highest < 0xD800) return;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto unit = static_cast<char32_t>(text[i]);
-    const char32_t next = i + 1 < text.size() ? static_cast<char32_t>(text[i + 1]) : 0;
-    const bool is_alone = Utf::IsHigh(unit) && !Utf::IsLow(next);
-    if (unit > 0xFFFF || is_alone) text[i] = static_cast<wchar_t>(Utf::replacement);
-  }
-}
-
-class Encoder {
- public:
-  explicit Encoder(std::FILE* file) : file_(file), bytes_(block_size) {}
-
-  // Writes whole lines; false when the medium takes no more.
-  bool write(std::wstring& text) {
-    Repair(text);
-    const wchar_t* from = text.data();
-    const wchar_t* const end = from + text.size();
-    while (from != end) {
-      char* to = nullptr;
-      const auto outcome =
-          facet_.out(state_, from, end, from, bytes_.data(), bytes_.data() + bytes_.size(), to);
-      assert(outcome != utf8toucs2::error);
-      const auto count = static_cast<std::size_t>(to - bytes_.data());
-      if (outcome == utf8toucs2::error || std::fwrite(bytes_.data(), 1, count, file_) != count) {
-        return false;
-      }
-    }
-    return true;
-  }
-
- private:
-  const utf8toucs2 facet_{1};
-  std::mbstate_t state_{};
-  std::FILE* file_;
-  std::vector<char> bytes_;
-};
-
-}  // namespace
-
 bool CLake::write(const CString& filename) const {
   if (!filename.empty()) filename_ = filename;
   const FilePointer file = OpenFile(filename_, "wbe");
   if (!file) return false;
 
-  Encoder encoder(file.get());
-  std::wstring text;
+  std::string text(empty() ? "" : Utf::mark);
+  const auto put = [&] {
+    // What the text still holds of a high surrogate stands alone.
+    for (auto at = text.find(surrogate); at != text.npos; at = text.find(surrogate, at + 1)) {
+      if ((text[at + 1] & '\xF0') == '\xA0') text.replace(at, 3, "\xEF\xBF\xBD");
+    }
+    const bool is_whole = std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
+    text.clear();
+    return is_whole;
+  };
   for (const CNode& line : *this) {
     line.append_line(text);
-    if (text.size() < block_size) continue;
-    if (!encoder.write(text)) return true;
-    text.clear();
+    if (text.size() >= block_size && !put()) return true;
   }
-  encoder.write(text);
+  put();
   return true;
 }
 

@@ -38,7 +38,7 @@ struct kestrin::LakeReader {
   // A line by itself.
   static CLake::CNode line(std::wstring_view text) {
     CLake::CNode node;
-    node.set_line(text);
+    node.set_own_line(text);
     return node;
   }
 };

@@ -1,5 +1,4 @@
-// Both directions go unit by unit, with a short cut for runs of ASCII, which most of a parameter
-// file is.
+// Both directions go unit by unit.
 
 #include "lake/Utf8ToUcs2.h"
 
@@ -30,32 +29,6 @@ Memory Recall(const std::mbstate_t& state) {
 
 void Store(std::mbstate_t& state, Memory memory) { std::memcpy(&state, &memory, sizeof memory); }
 
-constexpr std::ptrdiff_t run_length = 16;
-
-// Both copy whole runs of ASCII as long as there is input and room, and leave the rest to the
-// caller.
-void WidenAscii(const char*& from, const char* from_end, wchar_t*& to, const wchar_t* to_end) {
-  while (from_end - from >= run_length && to_end - to >= run_length) {
-    std::uint64_t words[2];
-    std::memcpy(words, from, sizeof words);
-    if (((words[0] | words[1]) & 0x8080808080808080U) != 0) return;
-    for (int i = 0; i < run_length; ++i) to[i] = static_cast<unsigned char>(from[i]);
-    from += run_length;
-    to += run_length;
-  }
-}
-
-void NarrowAscii(const wchar_t*& from, const wchar_t* from_end, char*& to, const char* to_end) {
-  while (from_end - from >= run_length && to_end - to >= run_length) {
-    char32_t all = 0;
-    for (int i = 0; i < run_length; ++i) all |= static_cast<char32_t>(from[i]);
-    if (all >= 0x80) return;
-    for (int i = 0; i < run_length; ++i) to[i] = static_cast<char>(from[i]);
-    from += run_length;
-    to += run_length;
-  }
-}
-
 }  // namespace
 
 // The last byte of a sequence that gives two units is taken only together with the second one: a
@@ -66,8 +39,6 @@ utf8toucs2::result utf8toucs2::do_in(state_type& state, const char* from, const 
   Memory memory = Recall(state);
   result outcome = ok;
   while (from != from_end) {
-    if (memory.pending == 0) WidenAscii(from, from_end, to, to_end);
-    if (from == from_end) break;
     if (to == to_end) {
       outcome = partial;
       break;
@@ -104,8 +75,6 @@ utf8toucs2::result utf8toucs2::do_out(state_type& state, const wchar_t* from,
   Memory memory = Recall(state);
   result outcome = ok;
   while (from != from_end) {
-    if (memory.begun != 0 && memory.pending == 0) NarrowAscii(from, from_end, to, to_end);
-    if (from == from_end) break;
     auto code = static_cast<char32_t>(*from);
     if (memory.pending != 0 ? !Utf::IsLow(code) : code > 0xFFFF) {
       outcome = error;

@@ -1,7 +1,7 @@
 // The conversion facet between UTF-8 in files and UTF-16 code units in memory.
 //
-// It is the one that lakes are read and written with, and fits the wide file streams of this
-// platform: imbue a stream with a locale that holds it. On writing, the mark EF BB BF goes out in
+// With it a host's wide file streams read and write as a lake does: imbue a stream with a locale
+// that holds it. On writing, the mark EF BB BF goes out in
 // front of the first character; on reading, a mark is a character as any other.
 //
 // More is accepted than strict UTF-8: overlong forms, and surrogates as characters. What it

@@ -19,6 +19,7 @@
 #pragma once
 
 #include <cwchar>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -124,7 +125,7 @@ class CQParamSeaTypedTable : public CQParamTypedTable<Map>, public CQParamSeaTab
  private:
   enum class Logged { whole_line, rest_of_line };  // what the log shows of a bad line
 
-  // `next` gives one line after the other, and null behind the last.
+  // `next` gives one line after the other, and nothing behind the last.
   template <class Next>
   bool ReadLines(Logged logged, Next next);
 };
@@ -139,12 +140,12 @@ bool CQParamSeaTypedTable<Map>::ReadLines(Logged logged, Next next) {
   kestrin::RowCollector<Map> rows(*this);
   bool all_well = true;
   kestrin::LogSubject subject(this->name);
-  while (const std::wstring* line = next()) {
-    subject.line = line;
-    std::wstring_view rest = *line;
+  while ((subject.line = next()).has_value()) {
+    std::string_view rest = *subject.line;
     if (!kestrin::RowText::Read(key_fields, rest) || !kestrin::RowText::Read(value_fields, rest)) {
+      if (logged == Logged::whole_line) rest = *subject.line;
       DynTables::log_error(L"CQParamSeaTypedTable< T >::ReadTable()", this->name,
-                           logged == Logged::whole_line ? *line : std::wstring(rest));
+                           kestrin::Text::FromBytes(rest));
       all_well = false;
     }
     rows.Add(key, value);
@@ -164,11 +165,12 @@ bool CQParamSeaTypedTable<Map>::ReadTable(const CResourceSea* source) {
   CResourceList list(source, this->name);
   list.GotoHead();
   CString line;
-  return ReadLines(Logged::rest_of_line, [&]() -> const std::wstring* {
-    if (!list.IsValid()) return nullptr;
+  std::string bytes;
+  return ReadLines(Logged::rest_of_line, [&]() -> std::optional<std::string_view> {
+    if (!list.IsValid()) return std::nullopt;
     list.GetCurrentLine()->GetLine(line);
     list.GotoNext();
-    return &line;
+    return bytes = kestrin::Text::ToBytes(line);
   });
 }
 
@@ -181,8 +183,10 @@ bool CQParamSeaTypedTable<Map>::ReadTable(CLake& lake) {
   if (!section.is_section()) return false;
   if constexpr (requires(Map & map) { map.reserve(1); }) this->reserve(section.unnamed_size());
   auto line = section.begin_unnamed();
-  return ReadLines(Logged::whole_line, [&]() -> const std::wstring* {
-    return line == section.end_unnamed() ? nullptr : &(*line++)->value();
+  std::string room;
+  return ReadLines(Logged::whole_line, [&]() -> std::optional<std::string_view> {
+    if (line == section.end_unnamed()) return std::nullopt;
+    return (*line++)->bytes(room);
   });
 }
 

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <optional>
 
 #include "interfaces/sea/PrWin.h"
 #include "interfaces/text/Number.h"
 #include "interfaces/text/Text.h"
+#include "interfaces/text/Utf.h"
 
 using namespace kestrin;
 
@@ -67,8 +69,6 @@ using TableType::FieldKind;
 using TableType::FieldRef;
 using TableType::FieldView;
 
-constexpr const char* no_error = nullptr;
-
 // What the conversion of each number kind says when it fails.
 struct FailureTexts {
   const char* no_digits;
@@ -80,68 +80,77 @@ constexpr FailureTexts stol_texts{"invalid stol argument", "stol argument out of
 constexpr FailureTexts stoll_texts{"invalid stoll argument", "stoll argument out of range"};
 constexpr FailureTexts stof_texts{"invalid stof argument", "stof argument out of range"};
 
-// Stores a scanned number and takes it off the line, or tells why not.
+// How much of a line a field has taken, and why not what it takes.
+struct Step {
+  std::size_t used;
+  const char* failure;
+};
+
 template <class T, class Scanned>
-const char* Take(T& field, const Scanned& number, const FailureTexts& texts,
-                 std::wstring_view& line) {
-  if (number.state == Number::State::no_digits) return texts.no_digits;
-  if (number.state == Number::State::out_of_range) return texts.out_of_range;
+Step Take(T& field, const Scanned& number, const FailureTexts& texts) {
+  if (number.state == Number::State::no_digits) return {0, texts.no_digits};
+  if (number.state == Number::State::out_of_range) return {0, texts.out_of_range};
   field = static_cast<T>(number.value);
-  line.remove_prefix(number.used);
-  return no_error;
+  return {number.used, nullptr};
 }
 
-const char* ReadInt(int& field, std::wstring_view& line) {
-  if (line.empty()) return no_error;
-  return Take(field, Number::ScanInt(line), stoi_texts, line);
+Step ReadReal(float& field, std::string_view line) {
+  const auto number = Number::ScanDouble(line);
+  const Number::Scanned<float> rounded{Number::ToFloat(number.value), number.state, number.used};
+  return Take(field, rounded, stof_texts);
 }
 
-const char* ReadKey(QClavis& key, std::wstring_view& line) {
-  for (int& element : key.id) {
-    if (const char* failure = ReadInt(element, line)) return failure;
-  }
-  return no_error;
-}
+Step ReadKey(QClavis& key, std::string_view line);
 
-const char* ReadNumber(const FieldRef& field, std::wstring_view& line) {
-  if (line.empty()) return no_error;
+Step ReadNumber(const FieldRef& field, std::string_view line) {
   switch (field.kind) {
     case FieldKind::integer:
-      return ReadInt(*static_cast<int*>(field.place), line);
-    case FieldKind::unsigned_int:
-      return Take(*static_cast<unsigned*>(field.place), Number::ScanUnsigned(line), stoul_texts,
-                  line);
     case FieldKind::long_int:
-      return Take(*static_cast<int*>(field.place), Number::ScanInt(line), stol_texts, line);
+      return Take(*static_cast<int*>(field.place), Number::ScanInteger<int>(line),
+                  field.kind == FieldKind::integer ? stoi_texts : stol_texts);
+    case FieldKind::unsigned_int:
+      return Take(*static_cast<unsigned*>(field.place), Number::ScanInteger<unsigned>(line),
+                  stoul_texts);
     case FieldKind::long_long:
-      return Take(*static_cast<long long*>(field.place), Number::ScanLongLong(line), stoll_texts,
-                  line);
-    case FieldKind::real: {
-      const auto number = Number::ScanDouble(line);
-      const Number::Scanned<float> rounded{Number::ToFloat(number.value), number.used,
-                                           number.state};
-      return Take(*static_cast<float*>(field.place), rounded, stof_texts, line);
-    }
+      return Take(*static_cast<long long*>(field.place), Number::ScanInteger<long long>(line),
+                  stoll_texts);
+    case FieldKind::real:
+      return ReadReal(*static_cast<float*>(field.place), line);
     case FieldKind::key:
       return ReadKey(*static_cast<QClavis*>(field.place), line);
     case FieldKind::text:
       break;
   }
-  return no_error;
+  return {0, nullptr};
 }
 
-// False if the rest of the line is too long.
-bool ReadText(wchar_t* text, std::wstring_view& line) {
-  if (line.size() > max_text_rest) return false;
-  const auto first = std::find_if_not(line.begin(), line.end(), Text::IsSpace);
-  const bool quoted = first != line.end() && *first == L'"';
-  const auto begin = quoted ? first + 1 : first;
-  const auto end =
-      quoted ? std::find(begin, line.end(), L'"') : std::find_if(begin, line.end(), Text::IsSpace);
-  const auto rest = quoted && end != line.end() ? end + 1 : end;
-  *std::copy(begin, end, text) = L'\0';
-  line.remove_prefix(static_cast<std::size_t>(rest - line.begin()));
-  return true;
+Step ReadKey(QClavis& key, std::string_view line) {
+  const std::size_t size = line.size();
+  Step step{0, nullptr};
+  for (int& element : key.id) {
+    if (line.empty() || step.failure != nullptr) break;
+    step = ReadNumber({FieldKind::integer, &element}, line);
+    line.remove_prefix(step.used);
+  }
+  return {size - line.size(), step.failure};
+}
+
+// How much of the line a text takes; nothing if the rest of the line is too long.
+std::optional<std::size_t> ReadText(wchar_t* text, std::string_view line) {
+  if (line.size() > max_text_rest && Text::FromBytes(line).size() > max_text_rest) return {};
+  std::string_view rest = line;
+  while (const std::size_t space = Utf::SpaceLength(rest)) rest.remove_prefix(space);
+  const bool is_quoted = rest.starts_with('"');
+  if (is_quoted) rest.remove_prefix(1);
+  std::size_t size = 0;
+  if (is_quoted) {
+    size = std::min(rest.find('"'), rest.size());
+  } else {
+    while (size < rest.size() && Utf::SpaceLength(rest.substr(size)) == 0) ++size;
+  }
+  *Utf::Widen(rest.substr(0, size), text) = L'\0';
+  if (is_quoted && size < rest.size()) ++size;
+  return line.size() - rest.size() + size;
 }
 
 void AppendField(std::wstring& text, const FieldView& field) {
@@ -165,7 +174,8 @@ void AppendField(std::wstring& text, const FieldView& field) {
   }
 }
 
-void LogFailure(std::string_view reason, std::wstring_view rest) {
+void LogFailure(std::string_view reason, std::string_view line) {
+  const std::wstring rest = Text::FromBytes(line);
   std::wstring text;
   text.reserve(rest.size() + words_of_a_message);
   text.append(L"Error converting parameter sea to parameter tables: '");
@@ -177,18 +187,25 @@ void LogFailure(std::string_view reason, std::wstring_view rest) {
 
 }  // namespace
 
-Result ReadFields(std::span<const FieldRef> fields, std::wstring_view& line) {
-  for (std::size_t i = 0; i < fields.size(); ++i) {
+Result ReadFields(std::span<const FieldRef> fields, std::string_view& line) {
+  std::string_view rest = line;
+  Result result{true, fields.size(), nullptr};
+  for (std::size_t i = 0; i < fields.size() && result.ok; ++i) {
     if (fields[i].kind == FieldKind::text) {
-      if (!ReadText(static_cast<wchar_t*>(fields[i].place), line)) return {false, i, nullptr};
-    } else if (const char* failure = ReadNumber(fields[i], line)) {
-      return {false, i, failure};
+      const auto used = ReadText(static_cast<wchar_t*>(fields[i].place), rest);
+      rest.remove_prefix(used.value_or(0));
+      if (!used) result = {false, i, nullptr};
+    } else if (!rest.empty()) {
+      const Step step = ReadNumber(fields[i], rest);
+      rest.remove_prefix(step.used);
+      if (step.failure != nullptr) result = {false, i, step.failure};
     }
   }
-  return {true, fields.size(), nullptr};
+  line = rest;
+  return result;
 }
 
-bool Read(std::span<const FieldRef> fields, std::wstring_view& line) {
+bool Read(std::span<const FieldRef> fields, std::string_view& line) {
   const Result result = ReadFields(fields, line);
   if (result.reason != nullptr) LogFailure(result.reason, line);
   return result.ok;

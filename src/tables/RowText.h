@@ -9,6 +9,7 @@
 // they had and text fields become empty: a table reads all its lines into one record, so a short
 // line takes over the numbers of the line before.
 //
+// Lines are read as bytes, in the form of Text::ToBytes; limits count the elements of wide text.
 // Reading and writing don't depend on the host's locale. Everything here may run on any thread.
 #pragma once
 
@@ -51,11 +52,12 @@ struct Result {
 inline constexpr std::size_t max_text_rest = TableType::text_width - 2;
 
 // Reads the fields from left to right and takes what they used off the front of line. Stops at the
-// first that fails: it and those behind it keep their values, and line still begins with it.
-KESTRIN_API Result ReadFields(std::span<const TableType::FieldRef> fields, std::wstring_view& line);
+// first that fails: it and those behind it keep their values, and line still begins with it. Of a
+// key inside a row the ids in front of the one that fails are read.
+KESTRIN_API Result ReadFields(std::span<const TableType::FieldRef> fields, std::string_view& line);
 
 // The same with a log line for a number that failed.
-KESTRIN_API bool Read(std::span<const TableType::FieldRef> fields, std::wstring_view& line);
+KESTRIN_API bool Read(std::span<const TableType::FieldRef> fields, std::string_view& line);
 
 // Appends the fields with one blank between each two. Texts go out without quotes.
 KESTRIN_API void Append(std::wstring& text, std::span<const TableType::FieldView> fields);

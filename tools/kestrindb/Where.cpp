@@ -31,8 +31,9 @@ void ForEachLine(const TableInfo& table, const LineVisitor& visit) {
   if (!section.exists() || !section->is_section()) return;
   const auto row = table.new_row();
   const auto columns = row->Columns();
+  std::string room;
   for (auto child = section->begin_unnamed(); child != section->end_unnamed(); ++child) {
-    std::wstring_view rest = (*child)->value();
+    std::string_view rest = (*child)->bytes(room);
     if (rest.empty()) continue;
     if (RowText::ReadFields(row->key, rest).ok) RowText::ReadFields(row->row, rest);
     visit(**child, columns);

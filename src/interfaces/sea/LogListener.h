@@ -6,6 +6,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -17,7 +18,8 @@ namespace kestrin {
 // The row that the log lines of this thread are about while this lives; the innermost one counts.
 class KESTRIN_API LogSubject {
  public:
-  // A row that is being read. Its line is the value of a line of a lake, which need not last.
+  // A row that is being read. Its line is that of CLake::CNode::bytes, or of a sea in that form,
+  // and need not last.
   explicit LogSubject(const wchar_t* table);
   // A row that has been read, by its key. The ids must outlive this.
   LogSubject(const wchar_t* table, std::span<const int> ids);
@@ -26,7 +28,7 @@ class KESTRIN_API LogSubject {
   ~LogSubject();
 
   const wchar_t* section;
-  const std::wstring* line = nullptr;
+  std::optional<std::string_view> line;
   std::span<const int> key;
 
  private:

@@ -2,16 +2,21 @@
 //
 // The scanners behave as the wcsto... family of the classic locale on the widths that the caller
 // names: leading white space (Text::IsSpace) is skipped, a sign is taken, reading stops at the
-// first character that can't belong to the number. They never throw, never allocate for numbers of
-// ordinary length, and may be called from any thread.
+// first character that can't belong to the number. They read bytes as lines lie in a lake
+// (Text::ToBytes); those of wide text count its elements. They never throw for numbers of ordinary
+// length, and may be called from any thread. Inside the library only.
 #pragma once
 
 #include <array>
 #include <charconv>
 #include <concepts>
 #include <cstddef>
+#include <limits>
 #include <string>
 #include <string_view>
+#include <system_error>
+
+#include "interfaces/text/Utf.h"
 
 namespace kestrin::Number {
 
@@ -19,21 +24,56 @@ enum class State { ok, no_digits, out_of_range };
 
 template <class T>
 struct Scanned {
-  T value{};             // the number; on out_of_range an integer holds the nearest bound
-  std::size_t used = 0;  // characters read, leading white space included; 0 if no digit was read
+  T value{};  // the number; on out_of_range an integer holds the nearest bound
   State state = State::no_digits;
+  std::size_t used = 0;  // read, leading white space included; 0 if no digit was read
 };
 
-// Decimal integers, base 10.
-Scanned<int> ScanInt(std::wstring_view text);
-Scanned<long long> ScanLongLong(std::wstring_view text);
+struct Start {
+  const char* place;  // behind white space and sign
+  bool negative;
+};
 
-// A minus sign negates modulo 2^32: "-1" gives 4294967295.
-Scanned<unsigned> ScanUnsigned(std::wstring_view text);
+inline Start SkipSign(std::string_view text) {
+  while (const std::size_t space = Utf::SpaceLength(text)) text.remove_prefix(space);
+  const bool negative = text.starts_with('-');
+  return {text.data() + (negative || text.starts_with('+') ? 1 : 0), negative};
+}
+
+// A decimal integer, base 10. A minus sign negates an unsigned one modulo its width: "-1" gives
+// 4294967295. Stands here to be compiled into the reader of rows, which are mostly integers.
+template <std::integral Int>
+inline Scanned<Int> ScanInteger(std::string_view text) {
+  const auto [begin, negative] = SkipSign(text);
+  const char* const text_end = text.data() + text.size();
+  unsigned long long value = 0;  // wraps if there are too many digits
+  const char* end = begin;
+  for (; end != text_end; ++end) {
+    const auto digit = static_cast<unsigned char>(*end - '0');
+    if (digit > 9) break;
+    value = value * 10 + digit;
+  }
+  if (end == begin) return {};
+  constexpr std::ptrdiff_t always_fit = std::numeric_limits<unsigned long long>::digits10;
+  const bool too_many =
+      end - begin > always_fit && std::from_chars(begin, end, value).ec != std::errc();
+
+  const auto max = static_cast<unsigned long long>(std::numeric_limits<Int>::max());
+  const unsigned long long limit = max + (negative && std::signed_integral<Int> ? 1 : 0);
+  const bool beyond = too_many || value > limit;
+  if (beyond) value = limit;
+  // Negated as unsigned, where the lowest value has a counterpart.
+  if (negative && (std::signed_integral<Int> || !beyond)) value = 0 - value;
+  return {static_cast<Int>(value), beyond ? State::out_of_range : State::ok,
+          static_cast<std::size_t>(end - text.data())};
+}
+
+Scanned<int> ScanInt(std::wstring_view text);
 
 // As wcstod: decimal and hexadecimal forms, "inf", "infinity", "nan" and "nan(...)". Out of range
 // are texts beyond the largest double (value infinite) and those that are not zero but too small
 // for any double (value zero).
+Scanned<double> ScanDouble(std::string_view text);
 Scanned<double> ScanDouble(std::wstring_view text);
 
 // The nearest float; beyond the largest one an infinity.

@@ -68,17 +68,33 @@ std::wstring FromUtf8(std::string_view text) {
   return out;
 }
 
-std::string ToUtf8(std::wstring_view text) {
+std::wstring FromBytes(std::string_view bytes) {
+  std::wstring text(bytes.size(), L'\0');
+  text.resize(static_cast<std::size_t>(Utf::Widen(bytes, text.data()) - text.data()));
+  return text;
+}
+
+namespace {
+
+std::string Encoded(std::wstring_view text, bool keeps_halves) {
   std::string out;
   out.reserve(text.size());
   std::array<char, 4> bytes;
   while (!text.empty()) {
+    const auto first = static_cast<char32_t>(text.front());
+    char32_t character = TakeCharacter(text);
+    if (keeps_halves && character == Utf::replacement && first <= 0xFFFF) character = first;
     char* end = bytes.data();
-    Utf::Write(TakeCharacter(text), end);
+    Utf::Write(character, end);
     out.append(bytes.data(), end);
   }
   return out;
 }
+
+}  // namespace
+
+std::string ToUtf8(std::wstring_view text) { return Encoded(text, false); }
+std::string ToBytes(std::wstring_view text) { return Encoded(text, true); }
 
 std::optional<std::size_t> Nearest(std::wstring_view text, std::span<const std::wstring> known) {
   constexpr std::size_t longest = 200;  // a longer text is no name, and would take its time

@@ -27,6 +27,12 @@ KESTRIN_API std::wstring FromUtf8(std::string_view text);
 // U+FFFD.
 KESTRIN_API std::string ToUtf8(std::wstring_view text);
 
+// The form in which lines lie in a lake and rows are read: UTF-8 that loses nothing, since a
+// surrogate without its partner is a sequence too. An element above 0xFFFF gives U+FFFD. On the way
+// back, a sequence with more bytes than it needs is taken; other bytes as in FromUtf8.
+KESTRIN_API std::string ToBytes(std::wstring_view text);
+KESTRIN_API std::wstring FromBytes(std::string_view bytes);
+
 // Takes the first character off a text that is not empty and gives its code point; U+FFFD as above.
 KESTRIN_API char32_t TakeCharacter(std::wstring_view& text);
 

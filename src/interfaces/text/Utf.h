@@ -4,7 +4,11 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string_view>
+
+#include "interfaces/text/Text.h"
 
 namespace kestrin::Utf {
 
@@ -48,6 +52,36 @@ inline Sequence Read(const char* from, const char* end) {
   if (here < length) return {Sequence::cut, here};
   return {code > 0x10FFFF ? Sequence::invalid : Sequence::whole, length, code};
 }
+
+// The end of the ASCII at the front.
+inline const char* SkipAscii(const char* from, const char* end) {
+  for (std::uint64_t word = 0; end - from >= 8; from += 8) {
+    std::memcpy(&word, from, sizeof word);
+    if ((word & 0x8080808080808080U) != 0) break;
+  }
+  while (from != end && static_cast<unsigned char>(*from) < 0x80) ++from;
+  return from;
+}
+
+constexpr bool IsContinuation(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80;
+}
+
+std::size_t LongSpaceLength(std::string_view text);
+
+// The bytes of the white space character at the front of a text; 0 if there is none.
+inline std::size_t SpaceLength(std::string_view text) {
+  if (text.empty()) return 0;
+  const auto lead = static_cast<unsigned char>(text.front());
+  return lead < 0x80 ? (Text::IsSpace(lead) ? 1 : 0) : LongSpaceLength(text);
+}
+
+// The text without white space at both ends.
+std::string_view Trim(std::string_view text);
+
+// Writes what Text::FromBytes gives, and gives the place behind it: at most as many elements as the
+// text has bytes.
+wchar_t* Widen(std::string_view text, wchar_t* to);
 
 constexpr std::ptrdiff_t LengthOf(char32_t code) {
   return code < 0x80 ? 1 : code < 0x800 ? 2 : code < 0x10000 ? 3 : 4;

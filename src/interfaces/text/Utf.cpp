@@ -1,0 +1,38 @@
+#include "interfaces/text/Utf.h"
+
+namespace kestrin::Utf {
+
+std::size_t LongSpaceLength(std::string_view text) {
+  const Sequence first = Read(text.data(), text.data() + text.size());
+  const bool is_space =
+      first.state == Sequence::whole && Text::IsSpace(static_cast<wchar_t>(first.code));
+  return is_space ? static_cast<std::size_t>(first.length) : 0;
+}
+
+std::string_view Trim(std::string_view text) {
+  while (const std::size_t space = SpaceLength(text)) text.remove_prefix(space);
+  while (!text.empty()) {
+    std::size_t last = text.size() - 1;
+    while (last > 0 && IsContinuation(text[last])) --last;
+    if (SpaceLength(text.substr(last)) == 0) break;
+    text = text.substr(0, last);
+  }
+  return text;
+}
+
+wchar_t* Widen(std::string_view text, wchar_t* to) {
+  const char* from = text.data();
+  const char* const end = from + text.size();
+  for (;;) {
+    const char* const other = SkipAscii(from, end);
+    to = std::copy(from, other, to);
+    if (other == end) return to;
+    const Sequence next = Read(other, end);
+    const char32_t code = next.state == Sequence::whole ? next.code : replacement;
+    if (code >= 0x10000) *to++ = static_cast<wchar_t>(HighOf(code));
+    *to++ = static_cast<wchar_t>(code >= 0x10000 ? LowOf(code) : code);
+    from = other + next.length;
+  }
+}
+
+}  // namespace kestrin::Utf
