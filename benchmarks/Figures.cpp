@@ -35,20 +35,21 @@ std::vector<Goal> Goals() {
   const std::string first = ", first of a process";
   const std::string lake = "lake/read and write";
   std::vector<Goal> goals = {
-      {"Load of 250 thousand lines over the bare limit", at_most, 3, load + ours,
+      {"Load of 250 thousand lines over the bare limit", at_most, 1.8, load + ours,
        load + "/bare limit"},
       {"The same over SQLite", at_most, 0.5, load + ours, load + "/SQLite"},
-      {"First load of a process over the bare limit", at_most, 3, load + first + ours,
+      {"First load of a process over the bare limit", at_most, 2, load + first + ours,
        load + first + "/bare limit"},
       {"Load of shuffled rows over sorted ones", at_most, 1.5, load + ", shuffled" + ours,
        load + ours},
       {"Load of bad lines over good ones", at_most, 2, load + ", bad lines" + ours, load + ours},
-      {"Load of 2.5 million lines over 250 thousand", at_most, 12, "load/2.5 million" + ours,
+      {"Load of 2.5 million lines over 250 thousand", at_most, 11, "load/2.5 million" + ours,
        load + ours},
-      {"Lake read and written over the bytes alone", at_most, 3, lake + ours, lake + "/bare limit"},
+      {"Lake read and written over the bytes alone", at_most, 1.5, lake + ours,
+       lake + "/bare limit"},
   };
   for (const std::string lines : {"250 thousand", "2.5 million"}) {
-    goals.push_back({"Peak memory of a load of " + lines + " lines over the file", at_most, 12,
+    goals.push_back({"Peak memory of a load of " + lines + " lines over the file", at_most, 8.5,
                      "memory/" + lines + "/peak", "memory/" + lines + "/file"});
   }
   for (const std::string how : {"/again", "/any"}) {

@@ -15,7 +15,9 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <istream>
 #include <memory>
 #include <optional>
@@ -23,6 +25,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "interfaces/text/File.h"
@@ -168,7 +171,7 @@ constexpr char surrogate = '\xED';  // with this byte each begins, and few chara
 
 }  // namespace
 
-bool LakeReader::read(CLake& lake, const Source& source) {
+bool LakeReader::read(CLake& lake, const Source& source, std::size_t size) {
   lake.last_refusal_ = {};
   const auto bytes_read = std::make_unique_for_overwrite<char[]>(block_size);
   const std::span<char> block(bytes_read.get(), block_size);
@@ -185,6 +188,7 @@ bool LakeReader::read(CLake& lake, const Source& source) {
   if (is_utf8) bytes.remove_prefix(Utf::mark.size());
 
   const auto text = std::make_shared<std::string>();
+  text->reserve(size);
   bool is_text = true;
   for (;;) {
     is_text = TakeText(bytes, is_utf8, *text);
@@ -223,18 +227,19 @@ bool LakeReader::read(CLake& lake, const Source& source) {
   return sound;
 }
 
-bool LakeReader::read(CLake& lake, const Source& source, const CString& filename) {
+bool LakeReader::read(CLake& lake, std::string_view bytes, const CString& filename) {
   lake.filename_ = filename;
-  return read(lake, source);
-}
-
-bool kestrin::ReadLake(CLake& lake, std::string_view bytes, const CString& filename) {
+  const std::size_t size = bytes.size();
   const auto source = [&bytes](std::span<char> block) -> std::optional<std::size_t> {
     const std::size_t count = bytes.copy(block.data(), block.size());
     bytes.remove_prefix(count);
     return count;
   };
-  return LakeReader::read(lake, source, filename);
+  return read(lake, source, size);
+}
+
+bool kestrin::ReadLake(CLake& lake, std::string_view bytes, const CString& filename) {
+  return LakeReader::read(lake, bytes, filename);
 }
 
 bool CLake::read(const CString& filename) {
@@ -245,11 +250,14 @@ bool CLake::read(const CString& filename) {
     link_root();
     return true;
   }
-  return LakeReader::read(*this, [&](std::span<char> block) -> std::optional<std::size_t> {
+  const auto source = [&](std::span<char> block) -> std::optional<std::size_t> {
     const std::size_t count = std::fread(block.data(), 1, block.size(), file.get());
     if (count == 0 && std::ferror(file.get()) != 0) return std::nullopt;
     return count;
-  });
+  };
+  std::error_code unknown;
+  const std::uintmax_t size = std::filesystem::file_size(Text::ToUtf8(filename_), unknown);
+  return LakeReader::read(*this, source, unknown ? 0 : size);
 }
 
 // ------------------------------------------------------------------------------------- writing

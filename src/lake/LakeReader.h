@@ -30,10 +30,10 @@ struct kestrin::LakeReader {
   // nothing when the medium fails. A block need not be filled.
   using Source = std::function<std::optional<std::size_t>(std::span<char> block)>;
 
-  // Replaces the lake's lines, with the results of `CLake::read`.
-  static bool read(CLake& lake, const Source& source);
-  // The same with the name of what is read.
-  static bool read(CLake& lake, const Source& source, const CString& filename);
+  // Replaces the lake's lines, with the results of `CLake::read`. The size is that of all bytes,
+  // where it is known.
+  static bool read(CLake& lake, const Source& source, std::size_t size = 0);
+  static bool read(CLake& lake, std::string_view bytes, const CString& filename);
 
   // A line by itself.
   static CLake::CNode line(std::wstring_view text) {
