@@ -1,7 +1,5 @@
 // Numbers in text: what is read, how much of the text it takes, and what is refused.
-#include <bit>
 #include <cerrno>
-#include <cstdint>
 
 #include "support.h"
 
@@ -57,30 +55,6 @@ TEST(Numbers, AgreeWithTheCLibraryOnRandomTexts) {
     const unsigned positive = fits ? static_cast<unsigned>(whole) : UINT_MAX;
     EXPECT_EQ(Of(Number::ScanInteger<unsigned>(text)),
               Result<unsigned>(positive, used(), state(fits)));
-  }
-}
-
-// Decimals of about as many digits as a double tells apart, with the point anywhere: short ones
-// take a way of their own, which would go wrong in the last place first. And the digits of any
-// double.
-TEST(Numbers, RoundAsInTheCLibrary) {
-  std::mt19937_64 random(3);  // NOLINT(cert-msc51-cpp): the same numbers in every run
-  for (int round = 0; round < 50000 && !HasFailure(); ++round) {
-    std::string decimal = std::to_string(random()).substr(0, 12 + random() % 7);
-    decimal.insert(random() % (decimal.size() + 1), ".");
-    if (random() % 2 != 0) decimal.insert(0, "-0");
-    const auto value = std::bit_cast<double>(static_cast<std::uint64_t>(random()));
-    char digits[64] = "1";
-    char hexadecimal[64] = "1";
-    if (std::isfinite(value)) {
-      std::snprintf(digits, sizeof digits, "%.17g", value);
-      std::snprintf(hexadecimal, sizeof hexadecimal, "%a", value);
-    }
-    for (const std::string& text : {decimal, std::string(digits), std::string(hexadecimal)}) {
-      const auto got = Number::ScanDouble(std::wstring(text.begin(), text.end()));
-      EXPECT_EQ(got.value, std::strtod(text.c_str(), nullptr)) << text;
-      EXPECT_EQ(got.used, text.size()) << text;
-    }
   }
 }
 
