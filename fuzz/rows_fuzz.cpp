@@ -184,7 +184,8 @@ void Rows(Bytes bytes) {
   const QuietLog log;
   const auto& tables = TableCatalogue::Tables();
   const auto& table = tables[bytes[0] % tables.size()];
-  const std::wstring text = Text::FromBytes(AsText(bytes.subspan(1)));
+  std::string_view any_bytes = AsText(bytes.subspan(1));
+  const std::wstring text = Text::FromBytes(any_bytes);
 
   const auto row = table.new_row();
   const auto plain_row = table.new_row();
@@ -203,6 +204,8 @@ void Rows(Bytes bytes) {
           "both operations read the same");
   Require((log.logged().lines != 0) == !outcome.failure.value_or("").empty(),
           "a failed number is logged");
+
+  static_cast<void>(RowText::ReadFields(AllFields(*table.new_row()), any_bytes));
 
   const std::wstring line = Written(fields);
   if (line.size() > RowText::max_text_rest || !std::ranges::all_of(fields, ComesBack)) return;

@@ -102,6 +102,19 @@ const Operation operations[] = {
        host.lake[L"<TMode>"].push_back(L"a row that is longer than a short text");
        host.lake[L"<TNew>"].push_back(L"3");
      }},
+    {"CopyAndReadLine",
+     [](Host& host) {
+       CLake::CNode line = *host.lake.begin();
+       line = *std::next(host.lake.begin());
+       const std::wstring before = line.value();
+       std::wistringstream in(L"a key that is long: a value that is long");
+       try {
+         in >> line;
+       } catch (const std::bad_alloc&) {
+         EXPECT_EQ(line.value(), before);
+         throw;
+       }
+     }},
     {"WriteLake", [](Host& host) { static_cast<void>(host.lake.write({})); }},
     {"MakeAndLoad",
      [](Host&) { static_cast<void>(CQtParamDistillery().ReadTablesFromCandidateLake()); }},

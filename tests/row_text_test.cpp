@@ -8,10 +8,12 @@
 namespace {
 
 TEST(RowText, ATextFieldIsLimitedByTheRestOfItsLine) {
-  for (const std::size_t length : {197U, 198U}) {  // behind a blank
-    const std::string name(length, 'x');
-    const TestStore data(Section("TMode", "1 " + name + "\n"));
-    EXPECT_EQ(data.params.ModeName(1), Text::FromUtf8(length == 197 ? name : ""));
+  for (const wchar_t letter : {L'x', L'\xE4'}) {
+    for (const std::size_t length : {197U, 198U}) {  // behind a blank
+      const std::wstring name(length, letter);
+      const TestStore data(Section("TMode", "1 " + Text::ToUtf8(name) + "\n"));
+      EXPECT_EQ(data.params.ModeName(1), length == 197 ? name : L"");
+    }
   }
 }
 

@@ -72,6 +72,7 @@ void CLake::link_root(Lines&& more) {
   // before.
   auto nothing = new_lines();
   NodeList& nodes = lines_->nodes;
+  if (empty()) lines_->texts.clear();
   nodes.splice(nodes.end(), more.nodes);
   lines_->texts.merge(more.texts);
   try {
@@ -90,17 +91,13 @@ void CLake::link_root(Lines&& more) {
 CLake::CNode::CNode(NodeList& list, std::wstring_view key, std::wstring_view value,
                     std::wstring_view comment)
     : CNode() {
+  set_texts(std::wstring(key), std::wstring(value), std::wstring(comment));
   collection_ = &list;
-  this->value(std::wstring(value));
-  if (key.empty() && comment.empty()) return;
-  Extra& own = make_extra();
-  own.key = key;
-  own.comment = comment;
 }
 
 // A copy may outlive the lake, so it has a text of its own.
 CLake::CNode::CNode(const CNode& other) : CNode() {
-  value(other.value());
+  value(other.wide() != nullptr ? other.wide()->value : Text::FromBytes(other.bytes_));
   if (const Extra* const extra = other.own_extra()) make_extra() = *extra;
   collection_ = other.collection_;
   depth_ = other.depth_;
@@ -109,7 +106,7 @@ CLake::CNode::CNode(const CNode& other) : CNode() {
 
 CLake::CNode& CLake::CNode::operator=(const CNode& other) {
   CNode copy(other);
-  const std::unique_ptr<Wide> before(wide_.exchange(copy.wide_.exchange(nullptr)));
+  std::swap(own_wide(), copy.own_wide());  // not the pointers: who has the value keeps seeing it
   collection_ = copy.collection_;
   bytes_ = copy.bytes_;
   depth_ = copy.depth_;
@@ -143,6 +140,17 @@ const std::wstring& CLake::CNode::value() const { return own_wide().value; }
 std::string_view CLake::CNode::bytes(std::string& room) const {
   if (bytes_.data() != nullptr) return bytes_;
   return room = Text::ToBytes(value());
+}
+
+void CLake::CNode::set_texts(std::wstring key, std::wstring value, std::wstring comment) {
+  Wide& own = own_wide();
+  if (own.extra || !key.empty() || !comment.empty()) {
+    Extra& extra = make_extra();
+    extra.key = std::move(key);
+    extra.comment = std::move(comment);
+  }
+  own.value = std::move(value);
+  bytes_ = {};
 }
 
 void CLake::CNode::value(const std::wstring& text) {

@@ -81,8 +81,8 @@ class KESTRIN_API CLake {
 
   // Appends copies of the other lake's lines, as if its file had been read behind this one: of a
   // plain key that stands in both this lake's value is kept, a section that stands in both shows
-  // the other lake's children. A lake may be merged with itself. If memory runs out, the lake has
-  // no lines.
+  // the other lake's children. A lake may be merged with itself. If memory runs out, nothing has
+  // changed, or the lake has no lines.
   void merge(const CLake& other);
 
   // The lines in file order, those outside every section too. The root is none of them.
@@ -139,14 +139,15 @@ class KESTRIN_API CLake::CNode {
   CNode& operator=(const CNode& other);
   ~CNode();
 
-  // The texts are those of one line of a file: trimmed, without a line feed. A value that is asked
-  // for stays in memory as wide text, beside the file's; `bytes` gives it without.
+  // The texts are those of one line of a file: trimmed, without a line feed. References are good
+  // until the text is set, and as long as the line stands in its lake. A value that is asked for
+  // stays in memory as wide text beside the file's; `bytes` gives it without.
   const std::wstring& key() const { return extra().key; }
   const std::wstring& value() const;
   const std::wstring& comment() const { return extra().comment; }
 
-  // The value in the form of Text::ToBytes: a part of the file's text, good as long as the value
-  // isn't changed and the lake stands, or made in `room`, where a host has set the value.
+  // The value in the form of Text::ToBytes: a part of the file's text, good as long as a reference
+  // to the value would be, or made in `room` where a host has set the value.
   std::string_view bytes(std::string& room) const;
 
   // Set value or comment. A section's own line is fixed, and "{" can't be assigned (`push_back`
@@ -188,7 +189,7 @@ class KESTRIN_API CLake::CNode {
   unsigned int push_back(const std::wstring& text);
 
   // Takes the direct children out of the list. The section's own line, its closing line, and the
-  // lines inside of child sections stay.
+  // lines inside of child sections stay. What a file had as text stays in memory with the lake.
   void clear_section();
 
   // What the lake is built with. `link` makes this node the section of the lines from `first` on
@@ -245,15 +246,18 @@ class KESTRIN_API CLake::CNode {
   void make_end();
   NodeList::iterator position() const;
 
-  void set_line(std::string_view line);  // the value becomes a part of it
+  // Of a new node; the value becomes a part of the line.
+  void set_line(std::string_view line);
+  // The node keeps no part of the line. If memory runs out, it is as it was.
   void set_own_line(std::wstring_view line);
+  void set_texts(std::wstring key, std::wstring value, std::wstring comment);
   void append_line(std::string& text) const;
 
   NodeList* collection_ = nullptr;  // the list that holds this node; none outside every section
   // The value: "{" for a section; a closing line's begins with "}". Without a place in memory if it
   // stands in the wide text alone.
   std::string_view bytes_ = "";
-  mutable std::atomic<Wide*> wide_ = nullptr;
+  mutable std::atomic<Wide*> wide_ = nullptr;  // owned
   int depth_ = -1;  // 0 for a line of the root; a closing line has that of its section
   bool is_section_ = false;
 };

@@ -70,25 +70,30 @@ std::size_t FindStop(std::string_view line) {
   return std::min(place, line.size());
 }
 
+struct LineParts {
+  std::string_view key;
+  std::string_view value;
+  std::string_view comment;
+};
+
+LineParts Split(std::string_view line) {
+  const std::size_t stop = FindStop(line);  // it decides what the line is
+  const std::string_view value = Utf::Trim(line);
+  if (stop == line.size()) return {{}, value, {}};
+  const bool may_have_comment = value.front() == ';' || value.front() == '}';
+  if (line[stop] == ';' && !may_have_comment) return {{}, value, {}};
+  const std::string_view front = Utf::Trim(line.substr(0, stop));
+  const std::string_view rest = Utf::Trim(line.substr(stop + 1));
+  return line[stop] == ':' ? LineParts{front, rest, {}} : LineParts{{}, front, rest};
+}
+
 }  // namespace
 
 void CLake::CNode::set_line(std::string_view line) {
-  const std::size_t stop = FindStop(line);  // it decides what the line is
-  std::string_view key;
-  std::string_view value = Utf::Trim(line);
-  std::string_view comment;
-  if (stop < line.size() && line[stop] == ':') {
-    key = Utf::Trim(line.substr(0, stop));
-    value = Utf::Trim(line.substr(stop + 1));
-  } else if (stop < line.size() && (value.front() == ';' || value.front() == '}')) {
-    value = Utf::Trim(line.substr(0, stop));
-    comment = Utf::Trim(line.substr(stop + 1));
-  }
-
+  const auto [key, value, comment] = Split(line);
   bytes_ = value;
-  if (wide() != nullptr) own_wide().value = Text::FromBytes(value);
   is_section_ = opens_section();
-  if (wide() == nullptr && key.empty() && comment.empty()) return;
+  if (key.empty() && comment.empty()) return;
   Extra& own = make_extra();
   own.key = Text::FromBytes(key);
   own.comment = Text::FromBytes(comment);
@@ -96,9 +101,9 @@ void CLake::CNode::set_line(std::string_view line) {
 
 void CLake::CNode::set_own_line(std::wstring_view line) {
   const std::string bytes = Text::ToBytes(line);
-  set_line(bytes);
-  own_wide();
-  bytes_ = {};
+  const auto [key, value, comment] = Split(bytes);
+  set_texts(Text::FromBytes(key), Text::FromBytes(value), Text::FromBytes(comment));
+  is_section_ = opens_section();
 }
 
 void CLake::CNode::append_line(std::string& text) const {
@@ -141,67 +146,95 @@ bool FillTo(const LakeReader::Source& source, std::span<char> block, std::size_t
   return true;
 }
 
-// Takes what it can off the front of a file's bytes, into a text in the shortest forms, and leaves
-// there a sequence that they cut. False if the bytes are no text from there on.
+// Appends a character in its shortest form. Two surrogates that stand as two sequences are one.
+void AppendCharacter(std::string& text, char32_t code) {
+  if (Utf::IsLow(code) && text.size() >= 3) {
+    const char* const end = text.data() + text.size();
+    const Utf::Sequence before = Utf::Read(end - 3, end);
+    if (before.state == Utf::Sequence::whole && Utf::IsHigh(before.code)) {
+      code = Utf::Joined(before.code, code);
+      text.resize(text.size() - 3);
+    }
+  }
+  std::array<char, 4> bytes;
+  char* end = bytes.data();
+  Utf::Write(code, end);
+  text.append(bytes.data(), end);
+}
+
+// Takes what it can off the front of a file's bytes, and leaves there a sequence that they cut.
+// False if the bytes are no text from there on.
 bool TakeText(std::string_view& bytes, bool is_utf8, std::string& text) {
-  const char* from = bytes.data();
-  const char* const end = from + bytes.size();
+  const char* taken = bytes.data();
+  const char* const end = taken + bytes.size();
   auto state = Utf::Sequence::whole;
-  while (from != end) {
-    const char* const other = Utf::SkipAscii(from, end);
-    text.append(from, other);
-    from = other;
-    if (from == end) break;
+  const char* from = Utf::SkipAscii(taken, end);
+  for (; from != end; from = Utf::SkipAscii(from, end)) {
     const Utf::Sequence next =
         is_utf8 ? Utf::Read(from, end)
                 : Utf::Sequence{Utf::Sequence::whole, 1, static_cast<unsigned char>(*from)};
     state = next.state;
     if (state != Utf::Sequence::whole) break;
-    std::array<char, 4> shortest;
-    char* to = shortest.data();
-    Utf::Write(next.code, to);
-    text.append(shortest.data(), to);
+    const bool changes = next.length != Utf::LengthOf(next.code) || Utf::IsLow(next.code);
+    if (changes) {
+      text.append(taken, from);
+      AppendCharacter(text, next.code);
+    }
     from += next.length;
+    if (changes) taken = from;
   }
+  text.append(taken, from);
   bytes = {from, end};
   return state != Utf::Sequence::invalid;
 }
 
-constexpr char surrogate = '\xED';  // with this byte each begins, and few characters do
-
-}  // namespace
-
-bool LakeReader::read(CLake& lake, const Source& source, std::size_t size) {
-  lake.last_refusal_ = {};
+// Reads a text, as a lake keeps it, up to what it gives as a reason if that isn't the end.
+Refusal::Reason ReadText(const LakeReader::Source& source, std::string& text) {
   const auto bytes_read = std::make_unique_for_overwrite<char[]>(block_size);
   const std::span<char> block(bytes_read.get(), block_size);
   std::size_t have = 0;
   bool sound = FillTo(source, block, have, Utf::mark.size());
   std::string_view bytes(block.data(), have);
   const bool is_utf8 = bytes.starts_with(Utf::mark);
-  if (!is_utf8 && bytes.starts_with(Utf::mark.front())) {
-    lake.last_refusal_ = Refused(
-        Refusal::broken_mark, lake.filename_,
-        L"begins with a broken UTF-8 mark. Save the file as UTF-8 with a byte order mark.", 1);
-    return false;
-  }
+  if (!is_utf8 && bytes.starts_with(Utf::mark.front())) return Refusal::broken_mark;
   if (is_utf8) bytes.remove_prefix(Utf::mark.size());
-
-  const auto text = std::make_shared<std::string>();
-  text->reserve(size);
-  bool is_text = true;
   for (;;) {
-    is_text = TakeText(bytes, is_utf8, *text);
-    if (!is_text || !sound) break;
+    if (!TakeText(bytes, is_utf8, text)) return Refusal::broken_text;
+    if (!sound) return Refusal::broken_medium;
     std::copy(bytes.begin(), bytes.end(), block.begin());
     have = bytes.size();
     const std::size_t kept = have;
     sound = FillTo(source, block, have, kept + 1);
-    if (have == kept) break;
+    if (sound && have == kept) return kept == 0 ? Refusal::none : Refusal::broken_text;
     bytes = {block.data(), have};
   }
-  // Two surrogates that stand as two sequences are one character.
-  if (is_utf8 && text->find(surrogate) != text->npos) *text = Text::ToBytes(Text::FromBytes(*text));
+}
+
+Refusal CutOff(Refusal::Reason reason, const CString& file, std::string_view text) {
+  if (reason == Refusal::none) return {};
+  if (reason == Refusal::broken_mark) {
+    return Refused(
+        reason, file,
+        L"begins with a broken UTF-8 mark. Save the file as UTF-8 with a byte order mark.", 1);
+  }
+  const auto line = static_cast<int>(std::count(text.begin(), text.end(), '\n')) + 1;
+  return Refused(
+      reason, file,
+      reason == Refusal::broken_text
+          ? L"is not UTF-8 in line " + std::to_wstring(line) + L", and was read up to there."
+          : L"was read in part, up to where the medium failed.",
+      line);
+}
+
+}  // namespace
+
+bool LakeReader::read(CLake& lake, const Source& source, std::size_t size) {
+  lake.last_refusal_ = {};
+  const auto text = std::make_shared<std::string>();
+  text->reserve(size);
+  const Refusal::Reason reason = ReadText(source, *text);
+  lake.last_refusal_ = CutOff(reason, lake.filename_, *text);
+  if (reason == Refusal::broken_mark) return false;
 
   auto lines = CLake::new_lines();
   lines->texts.insert(text);
@@ -214,17 +247,8 @@ bool LakeReader::read(CLake& lake, const Source& source, std::size_t size) {
     in_root = in_root && linker.add(line);
     rest.remove_prefix(std::min(feed + 1, rest.size()));
   }
-  const bool is_cut = !is_text || (sound && !bytes.empty());
-  if (is_cut || !sound) {
-    const auto line = static_cast<int>(std::count(text->begin(), text->end(), '\n')) + 1;
-    const std::wstring what =
-        is_cut ? L"is not UTF-8 in line " + std::to_wstring(line) + L", and was read up to there."
-               : L"was read in part, up to where the medium failed.";
-    lake.last_refusal_ =
-        Refused(is_cut ? Refusal::broken_text : Refusal::broken_medium, lake.filename_, what, line);
-  }
   lake.lines_ = std::move(lines);
-  return sound;
+  return reason != Refusal::broken_medium;
 }
 
 bool LakeReader::read(CLake& lake, std::string_view bytes, const CString& filename) {
@@ -268,8 +292,9 @@ bool CLake::write(const CString& filename) const {
   if (!file) return false;
 
   std::string text(empty() ? "" : Utf::mark);
+  constexpr char surrogate = '\xED';  // with this byte each begins, and few characters do
   const auto put = [&] {
-    // What the text still holds of a high surrogate stands alone.
+    // A high surrogate in the text has no partner.
     for (auto at = text.find(surrogate); at != text.npos; at = text.find(surrogate, at + 1)) {
       if ((text[at + 1] & '\xF0') == '\xA0') text.replace(at, 3, "\xEF\xBF\xBD");
     }

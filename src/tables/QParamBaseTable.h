@@ -28,6 +28,7 @@
 #include "interfaces/sea/LogListener.h"
 #include "interfaces/sea/PrWin.h"
 #include "interfaces/sea/ResourceSea.h"
+#include "interfaces/text/Text.h"
 #include "keys/IndexRecords.h"
 #include "lake/Lake.h"
 #include "tables/MapContainers.h"
@@ -125,7 +126,8 @@ class CQParamSeaTypedTable : public CQParamTypedTable<Map>, public CQParamSeaTab
  private:
   enum class Logged { whole_line, rest_of_line };  // what the log shows of a bad line
 
-  // `next` gives one line after the other, and nothing behind the last.
+  // `next` gives one line after the other, each good until it is called again, and nothing behind
+  // the last.
   template <class Next>
   bool ReadLines(Logged logged, Next next);
 };

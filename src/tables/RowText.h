@@ -9,8 +9,9 @@
 // they had and text fields become empty: a table reads all its lines into one record, so a short
 // line takes over the numbers of the line before.
 //
-// Lines are read as bytes, in the form of Text::ToBytes; limits count the elements of wide text.
-// Reading and writing don't depend on the host's locale. Everything here may run on any thread.
+// Lines are read as bytes, in the form of Text::ToBytes; limits count the elements of wide text,
+// and other bytes in a text become U+FFFD. Reading and writing don't depend on the host's locale.
+// Everything here may run on any thread.
 #pragma once
 
 #include <cstddef>

@@ -60,11 +60,15 @@ std::string Narrow(std::wstring_view text) {
 Scanned<int> ScanInt(std::wstring_view text) { return ScanInteger<int>(Narrow(text)); }
 
 Scanned<double> ScanDouble(std::string_view text) {
-  const char* const text_end = text.data() + text.size();
+  const char* text_end = text.data() + text.size();
   auto [begin, negative] = SkipSign(text);
   if (begin == text_end || *begin == '-') return {};
   const bool is_hexadecimal = StartsHexadecimal({begin, text_end});
   if (is_hexadecimal) begin += 2;
+  // Behind a plus some libraries take a minus, too.
+  for (const std::string_view signs : {"p+-", "P+-"}) {
+    if (is_hexadecimal) text_end = std::search(begin, text_end, signs.begin(), signs.end());
+  }
   const auto form = is_hexadecimal ? std::chars_format::hex : std::chars_format::general;
   double value = 0;
   const auto [end, error] = std::from_chars(begin, text_end, value, form);

@@ -3,8 +3,8 @@
 // The scanners behave as the wcsto... family of the classic locale on the widths that the caller
 // names: leading white space (Text::IsSpace) is skipped, a sign is taken, reading stops at the
 // first character that can't belong to the number. They read bytes as lines lie in a lake
-// (Text::ToBytes); those of wide text count its elements. They never throw for numbers of ordinary
-// length, and may be called from any thread. Inside the library only.
+// (Text::ToBytes); those of wide text count its elements, and make a copy of it, for which memory
+// may run out. They may be called from any thread. Inside the library only.
 #pragma once
 
 #include <array>

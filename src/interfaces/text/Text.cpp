@@ -71,6 +71,7 @@ std::wstring FromUtf8(std::string_view text) {
 std::wstring FromBytes(std::string_view bytes) {
   std::wstring text(bytes.size(), L'\0');
   text.resize(static_cast<std::size_t>(Utf::Widen(bytes, text.data()) - text.data()));
+  text.shrink_to_fit();  // characters beyond ASCII have more bytes than elements
   return text;
 }
 

@@ -4,8 +4,8 @@ namespace kestrin::Utf {
 
 std::size_t LongSpaceLength(std::string_view text) {
   const Sequence first = Read(text.data(), text.data() + text.size());
-  const bool is_space =
-      first.state == Sequence::whole && Text::IsSpace(static_cast<wchar_t>(first.code));
+  const bool is_space = first.state == Sequence::whole && first.code <= 0xFFFF &&
+                        Text::IsSpace(static_cast<wchar_t>(first.code));
   return is_space ? static_cast<std::size_t>(first.length) : 0;
 }
 
@@ -14,7 +14,7 @@ std::string_view Trim(std::string_view text) {
   while (!text.empty()) {
     std::size_t last = text.size() - 1;
     while (last > 0 && IsContinuation(text[last])) --last;
-    if (SpaceLength(text.substr(last)) == 0) break;
+    if (SpaceLength(text.substr(last)) != text.size() - last) break;
     text = text.substr(0, last);
   }
   return text;

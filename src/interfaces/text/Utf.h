@@ -1,5 +1,5 @@
-// UTF-16 pairs and UTF-8 sequences, one at a time: what all conversions of this library are made
-// of. Inside the library only.
+// UTF-16 pairs and UTF-8 sequences: what all conversions of this library are made of, and what is
+// asked of texts in the form of Text::ToBytes. Inside the library only.
 #pragma once
 
 #include <algorithm>
@@ -67,13 +67,14 @@ constexpr bool IsContinuation(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80;
 }
 
+// The bytes of the white space character at the front of a text; 0 if there is none. Beyond ASCII
+// all of them begin with one of three bytes.
 std::size_t LongSpaceLength(std::string_view text);
-
-// The bytes of the white space character at the front of a text; 0 if there is none.
 inline std::size_t SpaceLength(std::string_view text) {
   if (text.empty()) return 0;
   const auto lead = static_cast<unsigned char>(text.front());
-  return lead < 0x80 ? (Text::IsSpace(lead) ? 1 : 0) : LongSpaceLength(text);
+  if (lead < 0x80) return Text::IsSpace(lead) ? 1 : 0;
+  return lead >= 0xE1 && lead <= 0xE3 ? LongSpaceLength(text) : 0;
 }
 
 // The text without white space at both ends.
