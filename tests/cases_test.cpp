@@ -16,6 +16,7 @@
 //
 // Lines that begin with a semicolon are comments.
 #include <cctype>
+#include <future>
 #include <regex>
 
 #include "queries.h"
@@ -184,13 +185,23 @@ TEST(CaseThreads, AnswerWhileAnotherDataBaseIsLoaded) {
   TestStore data;
   ASSERT_TRUE(data.LoadSample());
   CParameterLake::Lake().read(Text::FromUtf8(KESTRIN_SAMPLES "/gearbox.par"));
-  const std::jthread other([] {
+  // A value becomes wide text when somebody asks for it, be it on two threads at once.
+  const auto ask_for_values = [] {
+    std::vector<const std::wstring*> values;
+    for (const auto& line : CParameterLake::Lake()) values.push_back(&line.value());
+    return values;
+  };
+  auto others = std::async(std::launch::async, [&] {
+    const auto values = ask_for_values();
     CQtParamDistillery own;
     for (int load = 0; load < 3; ++load) own.ReadTablesFromCandidateLake();
+    return values;
   });
+  const auto values = ask_for_values();
   for (int round = 0; round < 40; ++round) {
     queries::AskAll(data.params, std::array{130, 7, 2, 405664, 1, 17001, 21}, L"Raw");
   }
+  EXPECT_EQ(others.get(), values);
 }
 
 }  // namespace

@@ -1,6 +1,4 @@
 // What stands in which section: if this breaks, tables load wrong rows or none.
-#include <latch>
-
 #include "support.h"
 
 namespace {
@@ -158,26 +156,6 @@ TEST(LakeTree, FaultsOfTheCallerChangeNothing) {
       [&] { lake[L"s"]->comment(L"x"); }};
   for (const auto& fault : faults) EXPECT_DEBUG_DEATH(fault(), "");
   EXPECT_EQ(ToBytes(lake), before);
-}
-
-// A value becomes wide text when somebody asks for it, be it on several threads at once.
-TEST(LakeThreads, AskForTheSameValues) {
-  std::string file;
-  for (int i = 0; i < 2000; ++i) file += "1 \"a row\" 2\n";
-  const CLake lake = FromBytes(file);
-  std::array<std::set<const std::wstring*>, 4> values;
-  std::latch start(4);
-  {
-    std::vector<std::jthread> threads;
-    for (auto& own : values) {
-      threads.emplace_back([&] {
-        start.arrive_and_wait();
-        for (const auto& line : lake) own.insert(&line.value());
-      });
-    }
-  }
-  for (const auto& own : values) EXPECT_EQ(own, values[0]);
-  for (const auto& line : lake) ASSERT_EQ(line.value(), L"1 \"a row\" 2");
 }
 
 TEST(LakeTree, ManyLevelsNeedNoStackAndManyRowsNoTime) {

@@ -107,9 +107,8 @@ const Operation operations[] = {
        CLake::CNode line = *host.lake.begin();
        line = *std::next(host.lake.begin());
        const std::wstring before = line.value();
-       std::wistringstream in(L"a key that is long: a value that is long");
        try {
-         in >> line;
+         std::wistringstream(L"a key that is long: a value that is long") >> line;
        } catch (const std::bad_alloc&) {
          EXPECT_EQ(line.value(), before);
          throw;

@@ -412,10 +412,6 @@ Map MakeAll() {
     return Join(of(ModuleHandle::lKestrinDb), of(ModuleHandle::none));
   });
   add("Int", [](Name text) { return ShowScanned(Number::ScanInt(text)); });
-  add("LongLong",
-      [](Name text) { return ShowScanned(Number::ScanInteger<long long>(Text::ToBytes(text))); });
-  add("Unsigned",
-      [](Name text) { return ShowScanned(Number::ScanInteger<unsigned>(Text::ToBytes(text))); });
   add("Double", [](Name text) { return ShowScanned(Number::ScanDouble(text)); });
   add("ToText", [](float number) { return TableCatalogue::ToText(number); });
   add("Field", Field);

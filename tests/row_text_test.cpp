@@ -8,12 +8,10 @@
 namespace {
 
 TEST(RowText, ATextFieldIsLimitedByTheRestOfItsLine) {
-  for (const wchar_t letter : {L'x', L'\xE4'}) {
-    for (const std::size_t length : {197U, 198U}) {  // behind a blank
-      const std::wstring name(length, letter);
-      const TestStore data(Section("TMode", "1 " + Text::ToUtf8(name) + "\n"));
-      EXPECT_EQ(data.params.ModeName(1), length == 197 ? name : L"");
-    }
+  for (const std::size_t length : {197U, 198U}) {  // behind a blank
+    const std::wstring name(length, L'\xE4');
+    const TestStore data(Section("TMode", "1 " + Text::ToUtf8(name) + "\n"));
+    EXPECT_EQ(data.params.ModeName(1), length == 197 ? name : L"");
   }
 }
 

@@ -148,7 +148,7 @@ std::optional<std::size_t> ReadText(wchar_t* text, std::string_view line) {
   } else {
     while (size < rest.size() && Utf::SpaceLength(rest.substr(size)) == 0) ++size;
   }
-  *Utf::Widen(rest.substr(0, size), text) = L'\0';
+  *Utf::Widen(rest.substr(0, size), Utf::lax, text) = L'\0';
   if (is_quoted && size < rest.size()) ++size;
   return line.size() - rest.size() + size;
 }

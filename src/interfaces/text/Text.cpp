@@ -53,29 +53,15 @@ void AppendCharacter(std::wstring& text, char32_t character) {
   text += static_cast<wchar_t>(is_pair ? Utf::LowOf(character) : character);
 }
 
-// Damaged text is shown, not refused, and swallows none of the good characters behind it.
-std::wstring FromUtf8(std::string_view text) {
-  std::wstring out;
-  out.reserve(text.size());
-  while (!text.empty()) {
-    const Utf::Sequence next = Utf::Read(text.data(), text.data() + text.size());
-    const bool is_sound = next.state == Utf::Sequence::whole &&
-                          next.length == Utf::LengthOf(next.code) && !Utf::IsHigh(next.code) &&
-                          !Utf::IsLow(next.code);
-    AppendCharacter(out, is_sound ? next.code : Utf::replacement);
-    text.remove_prefix(static_cast<std::size_t>(next.length));
-  }
-  return out;
-}
+namespace {
 
-std::wstring FromBytes(std::string_view bytes) {
+std::wstring Decoded(std::string_view bytes, Utf::Strictness strictness) {
   std::wstring text(bytes.size(), L'\0');
-  text.resize(static_cast<std::size_t>(Utf::Widen(bytes, text.data()) - text.data()));
+  const wchar_t* const end = Utf::Widen(bytes, strictness, text.data());
+  text.resize(static_cast<std::size_t>(end - text.data()));
   text.shrink_to_fit();  // characters beyond ASCII have more bytes than elements
   return text;
 }
-
-namespace {
 
 std::string Encoded(std::wstring_view text, bool keeps_halves) {
   std::string out;
@@ -94,6 +80,9 @@ std::string Encoded(std::wstring_view text, bool keeps_halves) {
 
 }  // namespace
 
+// Damaged text is shown, not refused, and swallows none of the good characters behind it.
+std::wstring FromUtf8(std::string_view text) { return Decoded(text, Utf::strict); }
+std::wstring FromBytes(std::string_view bytes) { return Decoded(bytes, Utf::lax); }
 std::string ToUtf8(std::wstring_view text) { return Encoded(text, false); }
 std::string ToBytes(std::wstring_view text) { return Encoded(text, true); }
 

@@ -20,7 +20,7 @@ std::string_view Trim(std::string_view text) {
   return text;
 }
 
-wchar_t* Widen(std::string_view text, wchar_t* to) {
+wchar_t* Widen(std::string_view text, Strictness strictness, wchar_t* to) {
   const char* from = text.data();
   const char* const end = from + text.size();
   for (;;) {
@@ -28,7 +28,10 @@ wchar_t* Widen(std::string_view text, wchar_t* to) {
     to = std::copy(from, other, to);
     if (other == end) return to;
     const Sequence next = Read(other, end);
-    const char32_t code = next.state == Sequence::whole ? next.code : replacement;
+    const bool is_sound = next.state == Sequence::whole &&
+                          (strictness == lax || (next.length == LengthOf(next.code) &&
+                                                 !IsHigh(next.code) && !IsLow(next.code)));
+    const char32_t code = is_sound ? next.code : replacement;
     if (code >= 0x10000) *to++ = static_cast<wchar_t>(HighOf(code));
     *to++ = static_cast<wchar_t>(code >= 0x10000 ? LowOf(code) : code);
     from = other + next.length;

@@ -80,9 +80,10 @@ inline std::size_t SpaceLength(std::string_view text) {
 // The text without white space at both ends.
 std::string_view Trim(std::string_view text);
 
-// Writes what Text::FromBytes gives, and gives the place behind it: at most as many elements as the
-// text has bytes.
-wchar_t* Widen(std::string_view text, wchar_t* to);
+// Writes what Text::FromUtf8 gives, or else Text::FromBytes, and gives the place behind it: at most
+// as many elements as the text has bytes.
+enum Strictness { strict, lax };
+wchar_t* Widen(std::string_view text, Strictness strictness, wchar_t* to);
 
 constexpr std::ptrdiff_t LengthOf(char32_t code) {
   return code < 0x80 ? 1 : code < 0x800 ? 2 : code < 0x10000 ? 3 : 4;
