@@ -64,10 +64,11 @@ Scanned<double> ScanDouble(std::string_view text) {
   auto [begin, negative] = SkipSign(text);
   if (begin == text_end || *begin == '-') return {};
   const bool is_hexadecimal = StartsHexadecimal({begin, text_end});
-  if (is_hexadecimal) begin += 2;
-  // Behind a plus some libraries take a minus, too.
-  for (const std::string_view signs : {"p+-", "P+-"}) {
-    if (is_hexadecimal) text_end = std::search(begin, text_end, signs.begin(), signs.end());
+  if (is_hexadecimal) {
+    begin += 2;
+    for (const std::string_view signs : {"p+-", "P+-"}) {  // which libstdc++ takes for a minus
+      text_end = std::search(begin, text_end, signs.begin(), signs.end());
+    }
   }
   const auto form = is_hexadecimal ? std::chars_format::hex : std::chars_format::general;
   double value = 0;
