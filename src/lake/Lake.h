@@ -227,7 +227,10 @@ class KESTRIN_API CLake::CNode {
   // Made once, by whichever thread comes first.
   Wide& own_wide() const;
   Extra* own_extra() const { return wide() != nullptr ? wide()->extra.get() : nullptr; }
-  const Extra& extra() const { return own_extra() != nullptr ? *own_extra() : no_extra(); }
+  const Extra& extra() const {
+    const Extra* const own = own_extra();
+    return own != nullptr ? *own : no_extra();
+  }
   static const Extra& no_extra();
   Extra& make_extra();
 
@@ -256,7 +259,7 @@ class KESTRIN_API CLake::CNode {
   NodeList* collection_ = nullptr;  // the list that holds this node; none outside every section
   // The value: "{" for a section; a closing line's begins with "}". Without a place in memory if it
   // stands in the wide text alone.
-  std::string_view bytes_ = "";
+  std::string_view bytes_{"", 0};
   mutable std::atomic<Wide*> wide_ = nullptr;  // owned
   int depth_ = -1;  // 0 for a line of the root; a closing line has that of its section
   bool is_section_ = false;
