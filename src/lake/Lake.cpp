@@ -138,7 +138,7 @@ CLake::CNode::Extra& CLake::CNode::make_extra() {
 const std::wstring& CLake::CNode::value() const { return own_wide().value; }
 
 std::string_view CLake::CNode::bytes(std::string& room) const {
-  if (bytes_.data() != nullptr) return bytes_;
+  if (!has_own_value()) return bytes_;
   return room = Text::ToBytes(value());
 }
 
@@ -275,7 +275,7 @@ bool CLake::CNode::Linker::add(NodeList::iterator line) {
 
 void CLake::CNode::clear() {
   const auto end = extra().end;
-  bytes_ = "";
+  bytes_ = {};
   if (wide() != nullptr) own_wide().value.clear();
   unlink();
   if (Extra* const own = own_extra()) {
@@ -301,7 +301,7 @@ void CLake::CNode::unlink() {
 // text.
 void CLake::CNode::copy_texts(const CNode& other) {
   bytes_ = other.bytes_;
-  if (bytes_.data() == nullptr) own_wide().value = other.value();
+  if (other.has_own_value()) own_wide().value = other.value();
   if (other.is_named() || !other.comment().empty()) {
     Extra& own = make_extra();
     own.key = other.key();

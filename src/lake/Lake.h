@@ -234,10 +234,11 @@ class KESTRIN_API CLake::CNode {
   static const Extra& no_extra();
   Extra& make_extra();
 
-  bool opens_section() const { return bytes_.data() != nullptr ? bytes_ == "{" : value() == L"{"; }
+  bool has_own_value() const { return bytes_.data() == nullptr && wide() != nullptr; }
+
+  bool opens_section() const { return has_own_value() ? value() == L"{" : bytes_ == "{"; }
   bool is_closing() const {
-    return (bytes_.data() != nullptr ? bytes_.starts_with('}') : value().starts_with(L'}')) &&
-           !is_named();
+    return (has_own_value() ? value().starts_with(L'}') : bytes_.starts_with('}')) && !is_named();
   }
 
   CNodeProxy look_up(const std::wstring& key, CNode* owner) const;
@@ -259,7 +260,7 @@ class KESTRIN_API CLake::CNode {
   NodeList* collection_ = nullptr;  // the list that holds this node; none outside every section
   // The value: "{" for a section; a closing line's begins with "}". Without a place in memory if it
   // stands in the wide text alone.
-  std::string_view bytes_{"", 0};
+  std::string_view bytes_;
   mutable std::atomic<Wide*> wide_ = nullptr;  // owned
   int depth_ = -1;  // 0 for a line of the root; a closing line has that of its section
   bool is_section_ = false;
