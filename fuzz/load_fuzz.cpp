@@ -132,7 +132,9 @@ void AskIntervals(const CQtParamInstance& params, int mode, int id) {
 
 // From a channel to its parents, until there is none or one comes again.
 void AskChannel(const CQtParamInstance& params, int mode, int channel) {
-  if (!params.IsValidMode(mode) || !params.IsValidChannel(channel)) return;
+  // An id beyond the test steps is asked as its base, which need not be there.
+  const int base = CQtParamInstance::VirtMode2BaseMode(mode);
+  if (!params.IsValidMode(base) || !params.IsValidChannel(channel)) return;
   std::set<int> met;
   unsigned flags = 0;
   int last = -1;
