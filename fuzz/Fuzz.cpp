@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <functional>
+#include <string>
 #include <system_error>
 
 #include "interfaces/sea/PrWin.h"
@@ -32,7 +34,14 @@ QuietLog::QuietLog() {
 QuietLog::~QuietLog() { PrWin::SetSink(std::exchange(Before(), nullptr)); }
 
 WideLocale::WideLocale() {
-  static const locale_t utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  static const locale_t utf8 = [] {
+    const char* const path = std::getenv("LOCPATH");
+    const std::string before = path != nullptr ? path : "";
+    unsetenv("LOCPATH");  // newlocale loses memory with it
+    const locale_t made = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    if (!before.empty()) setenv("LOCPATH", before.c_str(), 1);
+    return made;
+  }();
   Require(utf8 != nullptr, "the system knows C.UTF-8");
   before_ = uselocale(utf8);
 }
