@@ -66,7 +66,8 @@ inline double CpuSeconds() {
 
 // Long work, done once a repetition, and once before its time begins. Its result is destroyed
 // outside of the time. The first work of a process has to get its memory from the system: for that
-// the heap is given back. Later work finds it in the heap, as far as the C library keeps it.
+// the heap is given back. Later work finds it in the heap: all of it, so that what is measured
+// doesn't hang on which sizes the C library would have kept.
 enum class Heap { kept, given_back };
 
 template <class Work>

@@ -3,9 +3,12 @@
 // Runs all benchmarks and prints the medians and the goals as a table; also into files, if asked.
 // With a filter of Google Benchmark's no memory is measured.
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <fstream>
 #include <iostream>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,6 +54,8 @@ int main(int argc, char** argv) {
   static std::string interleaved = "--benchmark_enable_random_interleaving=true";
   arguments.insert(arguments.begin() + 1, interleaved.data());
   int count = static_cast<int>(arguments.size());
+  mallopt(M_MMAP_MAX, 0);
+  mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
   benchmark::Initialize(&count, arguments.data());
   if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
 

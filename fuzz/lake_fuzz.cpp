@@ -250,15 +250,35 @@ void RequireSame(const Node& node, const Line& line, const std::vector<const Nod
           "the second reader finds the same rows");
 }
 
+// What is there without the nodes.
+void RequireText(const CLake& lake, const std::vector<Line>& lines) {
+  Require(Written(lake) == FileOf(lines), "the second reader writes the same");
+  for (const auto& [key, place] : lines[0].named) {
+    const kestrin::RootLine top = lake.root_line(key);
+    const Line& line = lines[place];
+    Require(top.exists && top.value == line.value && top.is_section == line.is_section,
+            "the second reader finds the same line at the top");
+    for (const std::size_t child : line.unnamed) {
+      const auto row = top.next_row();
+      Require(row && kestrin::Text::FromBytes(*row) == lines[child].value,
+              "the second reader finds the same row of a section at the top");
+    }
+    Require(!top.next_row() && line.unnamed.size() <= top.most_rows, "a section ends");
+  }
+  Require(!lake.root_line(L"a: key").exists, "a key that no line can have is missed");
+}
+
 void RequireRead(const CLake& lake, bool result, Bytes bytes) {
   const auto lines = LinesOf(bytes);
   Require(result == lines.has_value(), "what has no broken mark is read");
   if (!lines) return Require(lake.empty(), "what can't be read leaves the lines");
+  RequireText(lake, *lines);
+  RequireText(CLake(lake), *lines);
   std::vector<const Node*> nodes = {&lake.root()};
   for (const Node& node : lake) nodes.push_back(&node);
   Require(nodes.size() == lines->size(), "the second reader reads as many lines");
   for (std::size_t i = 0; i < nodes.size(); ++i) RequireSame(*nodes[i], (*lines)[i], nodes);
-  Require(Written(lake) == FileOf(*lines), "the second reader writes the same");
+  RequireText(lake, *lines);
 }
 
 void RequireIndexes(const CLake& lake) {

@@ -85,7 +85,12 @@ struct Operation {
 const Operation operations[] = {
     {"ReadLake", [](Host& host) { host.lake.read({}); }},
     {"ReadNoFile", [](Host& host) { host.lake.read(L"/nowhere"); }},
-    {"CopyLake", [](Host& host) { host.lake = CLake(host.lake); }},
+    {"MakeNodes", [](Host& host) { static_cast<void>(host.lake.begin()); }},
+    {"CopyLake",
+     [](Host& host) {
+       static_cast<void>(host.lake.begin());
+       host.lake = CLake(host.lake);
+     }},
     {"MergeLakes",
      [](Host& host) {
        const auto lines = std::distance(host.lake.begin(), host.lake.end());

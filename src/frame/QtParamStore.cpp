@@ -20,7 +20,9 @@ CString CutName(std::wstring_view value) {
   return {value.begin(), std::find_if(word, value.end(), Text::IsSpace)};
 }
 
-CString ReadName(const CLake& lake, const wchar_t* key) { return CutName(std::wstring(lake[key])); }
+CString ReadName(const CLake& lake, const wchar_t* key) {
+  return CutName(lake.root_line(key).value);
+}
 
 }  // namespace
 

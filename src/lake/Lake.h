@@ -12,8 +12,10 @@
 // There are no paths: `<QType><FBaseName>` is one flat key of one line of the root.
 //
 // A file has hundreds of thousands of lines, and nearly all of them are rows: a value and nothing
-// else, which a table reads once. So the text of a file stays whole, as UTF-8, and the node of a
-// row knows its part of it. Wide texts, and the indexes of a section, are kept aside: for lines
+// else, which a table reads once. So a lake that was read is the text of its file, whole, as UTF-8:
+// tables read their rows from it (`root_line`), and it is copied and written as it is. Nodes are
+// made when somebody asks for one, all at once, and are the lake from then on. The node of a row
+// knows its part of the text. Wide texts, and the indexes of a section, are kept aside: for lines
 // that have a key, a comment or children, or a value that somebody has set or asked for.
 //
 // Threads: a lake has no lock. Constant operations but `write`, which stores a name that it is
@@ -23,10 +25,12 @@
 #include <atomic>
 #include <concepts>
 #include <cstddef>
+#include <functional>
 #include <iosfwd>
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -37,8 +41,51 @@
 #include "lake/Refusal.h"
 
 namespace kestrin {
+
 struct LakeReader;
-}
+struct LineParts;
+
+// What is made when somebody asks for it, once, by whichever thread comes first.
+template <class T>
+class OnDemand {
+ public:
+  OnDemand() = default;
+  OnDemand(const OnDemand&) = delete;
+  OnDemand& operator=(const OnDemand&) = delete;
+  ~OnDemand() { Set(nullptr); }
+
+  // Null until it has been made.
+  T* Get() const { return made_.load(std::memory_order_acquire); }
+
+  // `make` gives a std::unique_ptr<T>.
+  T& GetOr(auto make) const {
+    if (T* const there = Get()) return *there;
+    std::unique_ptr<T> made = make();
+    T* first = nullptr;
+    return made_.compare_exchange_strong(first, made.get()) ? *made.release() : *first;
+  }
+
+  // Beside no other operation.
+  void Set(std::unique_ptr<T> made) { delete made_.exchange(made.release()); }
+
+ private:
+  mutable std::atomic<T*> made_ = nullptr;  // owned
+};
+
+// A line of a lake's root, as `CLake::root_line` gives it.
+struct RootLine {
+  bool exists = false;
+  bool is_section = false;
+  std::wstring value;
+  std::size_t most_rows = 0;  // the section's unnamed lines are no more
+
+  // Gives the values of the section's unnamed lines one after the other, in the form of
+  // CNode::bytes, each good until the next is asked for, and then nothing. Good as long as the lake
+  // isn't changed.
+  std::function<std::optional<std::string_view>()> next_row;
+};
+
+}  // namespace kestrin
 
 class KESTRIN_API CLake {
  public:
@@ -90,32 +137,38 @@ class KESTRIN_API CLake {
   const_iterator end() const;
 
   // The section that holds the lines of the top level.
-  CNode& root() { return lines_->nodes.front(); }
-  const CNode& root() const { return lines_->nodes.front(); }
+  CNode& root();
+  const CNode& root() const;
 
   // Looks a key up in the root.
   CNodeProxy operator[](const std::wstring& key);
   const CNodeProxy operator[](const std::wstring& key) const;
 
+  // What stands in the line that operator[] finds, for those who only read it. Makes no nodes, as
+  // all that gives or takes a node, an iterator or a proxy does; they cost some 64 bytes a line.
+  kestrin::RootLine root_line(const std::wstring& key) const;
+
  private:
   friend struct kestrin::LakeReader;
 
-  // Lines, and the texts that they are parts of. A copy of the lines shares them.
+  struct FileText;
+
+  // The root and the lines behind it, and the texts that they are parts of, which copies of the
+  // lines share. Nodes know their list by its place.
   struct Lines {
     NodeList nodes;
-    std::set<std::shared_ptr<const std::string>> texts;
+    std::set<std::shared_ptr<const FileText>> texts;
   };
 
-  // A root without lines, which are linked to it as they come.
-  static std::unique_ptr<Lines> new_lines();
-  Lines copied_lines() const;
-  void replace_lines(Lines&& lines);
+  Lines& lines() const;
+  std::unique_ptr<Lines> copied_lines() const;
   // Links all lines anew, with more lines behind them. If memory runs out, there are no lines.
-  void link_root(Lines&& more = {});
+  void link_root(Lines&& more);
 
   mutable CString filename_;
   kestrin::Refusal last_refusal_;
-  std::unique_ptr<Lines> lines_;  // the root in front; nodes know their list by its place
+  std::shared_ptr<const FileText> text_;  // what the lake is as long as it has no nodes
+  kestrin::OnDemand<Lines> lines_;
 };
 
 namespace kestrin {
@@ -223,8 +276,7 @@ class KESTRIN_API CLake::CNode {
     std::unique_ptr<Extra> extra;
   };
 
-  Wide* wide() const { return wide_.load(std::memory_order_acquire); }
-  // Made once, by whichever thread comes first.
+  Wide* wide() const { return wide_.Get(); }
   Wide& own_wide() const;
   Extra* own_extra() const { return wide() != nullptr ? wide()->extra.get() : nullptr; }
   const Extra& extra() const {
@@ -250,8 +302,8 @@ class KESTRIN_API CLake::CNode {
   void make_end();
   NodeList::iterator position() const;
 
-  // Of a new node; the value becomes a part of the line.
-  void set_line(std::string_view line);
+  // Of a new node; the value stays a part of the line.
+  void set_line(const kestrin::LineParts& line);
   // The node keeps no part of the line. If memory runs out, it is as it was.
   void set_own_line(std::wstring_view line);
   void set_texts(std::wstring key, std::wstring value, std::wstring comment);
@@ -261,7 +313,7 @@ class KESTRIN_API CLake::CNode {
   // The value: "{" for a section; a closing line's begins with "}". Without a place in memory if it
   // stands in the wide text alone.
   std::string_view bytes_;
-  mutable std::atomic<Wide*> wide_ = nullptr;  // owned
+  kestrin::OnDemand<Wide> wide_;
   int depth_ = -1;  // 0 for a line of the root; a closing line has that of its section
   bool is_section_ = false;
 };

@@ -60,8 +60,6 @@ namespace {
 
 // The place of the first colon or semicolon outside of quotes, or else the line's size.
 std::size_t FindStop(std::string_view line) {
-  // Most lines have neither.
-  if (line.find(':') == line.npos && line.find(';') == line.npos) return line.size();
   std::size_t place = line.find_first_of(":;\"");
   while (place < line.size() && line[place] == '"') {
     place = line.find('"', place + 1);
@@ -69,12 +67,6 @@ std::size_t FindStop(std::string_view line) {
   }
   return std::min(place, line.size());
 }
-
-struct LineParts {
-  std::string_view key;
-  std::string_view value;
-  std::string_view comment;
-};
 
 LineParts Split(std::string_view line) {
   const std::size_t stop = FindStop(line);  // it decides what the line is
@@ -87,16 +79,77 @@ LineParts Split(std::string_view line) {
   return line[stop] == ':' ? LineParts{front, rest, {}} : LineParts{{}, front, rest};
 }
 
+void AppendLine(std::string& text, int depth, const LineParts& line) {
+  if (depth > 0) text.append(static_cast<std::size_t>(depth), '\t');
+  if (!line.key.empty()) text.append(line.key).append(": ");
+  text += line.value;
+  if (!line.comment.empty()) text.append("\t; ").append(line.comment);
+  text += '\n';
+}
+
 }  // namespace
 
-void CLake::CNode::set_line(std::string_view line) {
-  const auto [key, value, comment] = Split(line);
-  bytes_ = value;
+std::size_t LineWalk::NextOf(char c, std::size_t& place) const {
+  if (place < end_) place = text_.find(c, end_);
+  return place;
+}
+
+bool LineWalk::Next() {
+  if (end_ >= text_.size()) return false;
+  const std::size_t feed = std::min(text_.find('\n', end_), text_.size());
+  const std::string_view line = text_.substr(end_, feed - end_);
+  const bool is_row = NextOf(':', colon_) >= feed && NextOf(';', semicolon_) >= feed;
+  line_ = is_row ? LineParts{{}, Utf::Trim(line), {}} : Split(line);
+  begin_ = end_;
+  end_ = feed + 1;
+  depth_ = open_;
+  if (open_ < 0) return true;
+  if (line_.opens_section()) {
+    ++open_;
+  } else if (line_.closes_section()) {
+    depth_ = --open_;
+  }
+  return true;
+}
+
+void LineWalk::SkipToBracket() {
+  const std::size_t bracket = std::min(NextOf('{', opening_), NextOf('}', closing_));
+  const std::size_t feed = text_.substr(0, bracket).rfind('\n');
+  if (feed != text_.npos) end_ = std::max(end_, feed + 1);
+}
+
+void CLake::FileText::FindTops() {
+  Top* open = nullptr;
+  std::size_t first = 0;
+  const auto close = [&](std::size_t end) {
+    if (open != nullptr) open->lines = lines.substr(first, end - first);
+    open = nullptr;
+  };
+  for (LineWalk walk(lines); walk.Next() && walk.Depth() >= 0;) {
+    const LineParts& line = walk.Line();
+    if (walk.Depth() == 0) {
+      close(walk.Begin());
+      if (!line.key.empty()) {
+        Top& top = tops.try_emplace(Text::FromBytes(line.key), Top{line.value}).first->second;
+        if (line.opens_section()) {
+          top.is_section = true;
+          open = &top;
+          first = walk.End();
+        }
+      }
+    }
+    if (walk.Depth() > 0 || line.opens_section()) walk.SkipToBracket();
+  }
+  close(lines.size());
+}
+
+void CLake::CNode::set_line(const LineParts& line) {
+  bytes_ = line.value;
   is_section_ = opens_section();
-  if (key.empty() && comment.empty()) return;
+  if (line.key.empty() && line.comment.empty()) return;
   Extra& own = make_extra();
-  own.key = Text::FromBytes(key);
-  own.comment = Text::FromBytes(comment);
+  own.key = Text::FromBytes(line.key);
+  own.comment = Text::FromBytes(line.comment);
 }
 
 void CLake::CNode::set_own_line(std::wstring_view line) {
@@ -107,12 +160,10 @@ void CLake::CNode::set_own_line(std::wstring_view line) {
 }
 
 void CLake::CNode::append_line(std::string& text) const {
-  if (depth_ > 0) text.append(static_cast<std::size_t>(depth_), '\t');
-  if (is_named()) text.append(Text::ToBytes(key())).append(": ");
+  const std::string key_bytes = Text::ToBytes(key());
+  const std::string comment_bytes = Text::ToBytes(comment());
   std::string room;
-  text += bytes(room);
-  if (!comment().empty()) text.append("\t; ").append(Text::ToBytes(comment()));
-  text += '\n';
+  AppendLine(text, depth_, {key_bytes, bytes(room), comment_bytes});
 }
 
 std::wistream& operator>>(std::wistream& in, CLake::CNode& node) {
@@ -134,16 +185,16 @@ std::wostream& operator<<(std::wostream& out, const CLake::CNode& node) {
 
 namespace {
 
-// Fills the block from `have` on until it holds `want` bytes or the source ends.
-bool FillTo(const LakeReader::Source& source, std::span<char> block, std::size_t& have,
-            std::size_t want) {
-  while (have < want) {
-    const auto count = source(block.subspan(have));
-    if (!count) return false;
-    if (*count == 0) break;
-    have += *count;
+// All bytes that the source has; false if the medium failed behind them.
+bool ReadBytes(const LakeReader::Source& source, std::size_t size, std::string& bytes) {
+  bytes.reserve(size + block_size);
+  for (;;) {
+    const std::size_t have = bytes.size();
+    bytes.resize(have + block_size);
+    const auto count = source(std::span(bytes).subspan(have));
+    bytes.resize(have + count.value_or(0));
+    if (!count || *count == 0) return count.has_value();
   }
-  return true;
 }
 
 // Appends a character in its shortest form. Two surrogates that stand as two sequences are one.
@@ -162,9 +213,10 @@ void AppendCharacter(std::string& text, char32_t code) {
   text.append(bytes.data(), end);
 }
 
-// Takes what it can off the front of a file's bytes, and leaves there a sequence that they cut.
-// False if the bytes are no text from there on.
-bool TakeText(std::string_view& bytes, bool is_utf8, std::string& text) {
+// Takes what is text off the front of a file's bytes, in the form of a lake: nearly always those
+// very bytes, else what is made of them in `room`.
+Utf::Sequence::State TakeText(std::string_view bytes, bool is_utf8, std::string& room,
+                              std::string_view& text) {
   const char* taken = bytes.data();
   const char* const end = taken + bytes.size();
   auto state = Utf::Sequence::whole;
@@ -177,37 +229,27 @@ bool TakeText(std::string_view& bytes, bool is_utf8, std::string& text) {
     if (state != Utf::Sequence::whole) break;
     const bool changes = next.length != Utf::LengthOf(next.code) || Utf::IsLow(next.code);
     if (changes) {
-      text.append(taken, from);
-      AppendCharacter(text, next.code);
+      room.append(taken, from);
+      AppendCharacter(room, next.code);
     }
     from += next.length;
     if (changes) taken = from;
   }
-  text.append(taken, from);
-  bytes = {from, end};
-  return state != Utf::Sequence::invalid;
+  text = taken == bytes.data() ? std::string_view(taken, from) : room.append(taken, from);
+  return state;
 }
 
-// Reads a text, as a lake keeps it, up to what it gives as a reason if that isn't the end.
-Refusal::Reason ReadText(const LakeReader::Source& source, std::string& text) {
-  const auto bytes_read = std::make_unique_for_overwrite<char[]>(block_size);
-  const std::span<char> block(bytes_read.get(), block_size);
-  std::size_t have = 0;
-  bool sound = FillTo(source, block, have, Utf::mark.size());
-  std::string_view bytes(block.data(), have);
+// Makes a file's bytes the text of a lake, up to what it gives as a reason if that isn't the end.
+Refusal::Reason Decode(std::string& bytes, bool is_sound, std::string_view& text) {
   const bool is_utf8 = bytes.starts_with(Utf::mark);
   if (!is_utf8 && bytes.starts_with(Utf::mark.front())) return Refusal::broken_mark;
-  if (is_utf8) bytes.remove_prefix(Utf::mark.size());
-  for (;;) {
-    if (!TakeText(bytes, is_utf8, text)) return Refusal::broken_text;
-    if (!sound) return Refusal::broken_medium;
-    std::copy(bytes.begin(), bytes.end(), block.begin());
-    have = bytes.size();
-    const std::size_t kept = have;
-    sound = FillTo(source, block, have, kept + 1);
-    if (sound && have == kept) return kept == 0 ? Refusal::none : Refusal::broken_text;
-    bytes = {block.data(), have};
-  }
+  const auto front = is_utf8 ? Utf::mark.size() : 0;
+  std::string room;
+  const auto state = TakeText(std::string_view(bytes).substr(front), is_utf8, room, text);
+  if (!room.empty()) text = bytes = std::move(room);
+  if (state == Utf::Sequence::invalid) return Refusal::broken_text;
+  if (!is_sound) return Refusal::broken_medium;
+  return state == Utf::Sequence::cut ? Refusal::broken_text : Refusal::none;
 }
 
 Refusal CutOff(Refusal::Reason reason, const CString& file, std::string_view text) {
@@ -230,24 +272,14 @@ Refusal CutOff(Refusal::Reason reason, const CString& file, std::string_view tex
 
 bool LakeReader::read(CLake& lake, const Source& source, std::size_t size) {
   lake.last_refusal_ = {};
-  const auto text = std::make_shared<std::string>();
-  text->reserve(size);
-  const Refusal::Reason reason = ReadText(source, *text);
-  lake.last_refusal_ = CutOff(reason, lake.filename_, *text);
+  const auto text = std::make_shared<CLake::FileText>();
+  const bool is_sound = ReadBytes(source, size, text->bytes);
+  const Refusal::Reason reason = Decode(text->bytes, is_sound, text->lines);
+  lake.last_refusal_ = CutOff(reason, lake.filename_, text->lines);
   if (reason == Refusal::broken_mark) return false;
-
-  auto lines = CLake::new_lines();
-  lines->texts.insert(text);
-  CLake::CNode::Linker linker(lines->nodes.front());
-  bool in_root = true;  // behind a closing line too many no line belongs to the root
-  for (std::string_view rest = *text; !rest.empty();) {
-    const std::size_t feed = std::min(rest.find('\n'), rest.size());
-    const auto line = lines->nodes.emplace(lines->nodes.end());
-    line->set_line(rest.substr(0, feed));
-    in_root = in_root && linker.add(line);
-    rest.remove_prefix(std::min(feed + 1, rest.size()));
-  }
-  lake.lines_ = std::move(lines);
+  text->FindTops();
+  lake.text_ = text;
+  lake.lines_.Set(nullptr);
   return reason != Refusal::broken_medium;
 }
 
@@ -271,7 +303,7 @@ bool CLake::read(const CString& filename) {
   const FilePointer file = OpenFile(filename_, "rbe");
   if (!file) {
     last_refusal_ = Unopened(filename_, errno);
-    link_root();
+    if (lines_.Get() != nullptr) link_root({});
     return true;
   }
   const auto source = [&](std::span<char> block) -> std::optional<std::size_t> {
@@ -302,9 +334,16 @@ bool CLake::write(const CString& filename) const {
     text.clear();
     return is_whole;
   };
-  for (const CNode& line : *this) {
-    line.append_line(text);
-    if (text.size() >= block_size && !put()) return true;
+  if (lines_.Get() != nullptr) {
+    for (const CNode& line : *this) {
+      line.append_line(text);
+      if (text.size() >= block_size && !put()) return true;
+    }
+  } else if (text_ != nullptr) {
+    for (LineWalk walk(text_->lines); walk.Next();) {
+      AppendLine(text, walk.Depth(), walk.Line());
+      if (text.size() >= block_size && !put()) return true;
+    }
   }
   put();
   return true;

@@ -2,13 +2,82 @@
 // them. Inside the library only.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <optional>
 #include <span>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "lake/Lake.h"
+
+// The parts of one line.
+struct kestrin::LineParts {
+  std::string_view key;
+  std::string_view value;
+  std::string_view comment;
+
+  bool opens_section() const { return value == "{"; }
+  bool closes_section() const { return key.empty() && value.starts_with('}'); }
+};
+
+namespace kestrin {
+
+// Goes through the lines of a text: of a lake, or of a section without its first and last line.
+class LineWalk {
+ public:
+  explicit LineWalk(std::string_view text) : text_(text) {}
+
+  // False behind the last line.
+  bool Next();
+  // Leaves out the lines up to the next one that has a bracket.
+  void SkipToBracket();
+
+  const LineParts& Line() const { return line_; }
+  // As that of a node.
+  int Depth() const { return depth_; }
+  // Of the text, and none of a section inside of it.
+  bool IsRow() const { return depth_ == 0 && line_.key.empty() && !line_.closes_section(); }
+  // The places in the text where the line begins and where the next one does.
+  std::size_t Begin() const { return begin_; }
+  std::size_t End() const { return std::min(end_, text_.size()); }
+
+ private:
+  std::size_t NextOf(char c, std::size_t& place) const;
+
+  std::string_view text_;
+  // The next of each, or one that lies behind: most lines have none, and a text is searched once.
+  std::size_t colon_ = 0;
+  std::size_t semicolon_ = 0;
+  std::size_t opening_ = 0;
+  std::size_t closing_ = 0;
+  std::size_t begin_ = 0;
+  std::size_t end_ = 0;
+  LineParts line_;
+  int depth_ = 0;
+  int open_ = 0;  // sections; -1 behind a bracket that closes none of them
+};
+
+}  // namespace kestrin
+
+// The text of a file.
+struct CLake::FileText {
+  // The first line of a key at the top, with the section that it or a later one of that key opens.
+  struct Top {
+    std::string_view value;
+    bool is_section = false;
+    std::string_view lines = {};  // between the brackets
+  };
+
+  void FindTops();
+
+  std::string bytes;
+  std::string_view lines;  // the bytes without the mark
+  std::map<std::wstring, Top> tops;
+};
 
 // Makes the tree under a section of lines that come one by one, in file order. A line is linked as
 // soon as it is made: a second walk over a large file's nodes would wait for memory at each.

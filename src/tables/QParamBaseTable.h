@@ -137,17 +137,15 @@ template <class Next>
 bool CQParamSeaTypedTable<Map>::ReadLines(Logged logged, Next next) {
   typename Map::key_type key;
   typename Map::mapped_type value;
-  const auto key_fields = TableType::Refs(key);
-  const auto value_fields = TableType::Refs(value);
+  const auto fields = TableType::Refs(key, value);
   kestrin::RowCollector<Map> rows(*this);
   bool all_well = true;
   kestrin::LogSubject subject(this->name);
   while ((subject.line = next()).has_value()) {
     std::string_view rest = *subject.line;
-    if (!kestrin::RowText::Read(key_fields, rest) || !kestrin::RowText::Read(value_fields, rest)) {
+    if (!kestrin::RowText::Read(fields, rest)) {
       if (logged == Logged::whole_line) rest = *subject.line;
-      DynTables::log_error(L"CQParamSeaTypedTable< T >::ReadTable()", this->name,
-                           kestrin::Text::FromBytes(rest));
+      kestrin::RowText::LogBadLine(L"CQParamSeaTypedTable< T >::ReadTable()", this->name, rest);
       all_well = false;
     }
     rows.Add(key, value);
@@ -179,17 +177,11 @@ bool CQParamSeaTypedTable<Map>::ReadTable(const CResourceSea* source) {
 template <class Map>
 bool CQParamSeaTypedTable<Map>::ReadTable(CLake& lake) {
   this->clear();
-  const auto found = lake[this->name];
-  if (!found.exists()) return this->ReadTable(static_cast<const CResourceSea*>(nullptr));
-  const CLake::CNode& section = *found;
-  if (!section.is_section()) return false;
-  if constexpr (requires(Map & map) { map.reserve(1); }) this->reserve(section.unnamed_size());
-  auto line = section.begin_unnamed();
-  std::string room;
-  return ReadLines(Logged::whole_line, [&]() -> std::optional<std::string_view> {
-    if (line == section.end_unnamed()) return std::nullopt;
-    return (*line++)->bytes(room);
-  });
+  const kestrin::RootLine line = lake.root_line(this->name);
+  if (!line.exists) return this->ReadTable(static_cast<const CResourceSea*>(nullptr));
+  if (!line.is_section) return false;
+  if constexpr (requires(Map & map) { map.reserve(1); }) this->reserve(line.most_rows);
+  return ReadLines(Logged::whole_line, line.next_row);
 }
 
 template <class Map>

@@ -1,6 +1,7 @@
 #include "tables/QTableManager.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 #include "interfaces/sea/PrWin.h"
@@ -19,6 +20,13 @@ void AppendVersion(std::wstring& text, int major, int minor) {
   Number::Append(text, major);
   text.push_back(L'.');
   Number::Append(text, minor);
+}
+
+// The number at the start of a line's value, 0 if there is none; nothing without the line.
+std::optional<int> VersionNumber(const CLake& lake, const wchar_t* key) {
+  const RootLine line = lake.root_line(key);
+  if (!line.exists) return std::nullopt;
+  return Number::ScanInt(line.value).value;
 }
 
 void LogRefusal(int major, int minor) {
@@ -45,15 +53,14 @@ void LogRefusal(int major, int minor) {
 kestrin::Refusal CQTableManager::WhyRefused(const CLake& lake) {
   using kestrin::Refusal;
   if (lake.empty()) return {Refusal::empty_lake, L"There are no lines to load."};
-  const auto major = lake[major_key];
-  const auto minor = lake[minor_key];
+  const auto major = VersionNumber(lake, major_key);
+  const auto minor = VersionNumber(lake, minor_key);
   if (major == supported_major && minor >= least_minor) return {};
-  const bool is_told = major.exists() && minor.exists();
-  const bool too_high = int{major} > supported_major;
+  const bool too_high = major > supported_major;
   std::wstring text = L"A version line is missing";
-  if (is_told) {
+  if (major && minor) {
     text = L"Version ";
-    AppendVersion(text, major, minor);
+    AppendVersion(text, *major, *minor);
     text.append(too_high ? L" is too high" : L" is too low");
   }
   text.append(L": the file must say ").append(major_key).append(L": ");
@@ -61,7 +68,7 @@ kestrin::Refusal CQTableManager::WhyRefused(const CLake& lake) {
   text.append(L" and ").append(minor_key).append(L": ");
   Number::Append(text, least_minor);
   text.append(L" or more.");
-  if (!is_told) return {Refusal::no_version, text};
+  if (!major || !minor) return {Refusal::no_version, text};
   return {too_high ? Refusal::version_too_high : Refusal::version_too_low, text};
 }
 
@@ -88,7 +95,8 @@ bool CQTableManager::ReadTablesFromCandidateLake() {
   const CLake& lake = CParameterLake::Lake();
   if (const kestrin::Refusal refusal = WhyRefused(lake)) {
     if (refusal.reason != kestrin::Refusal::empty_lake) {
-      LogRefusal(lake[major_key], lake[minor_key]);
+      LogRefusal(VersionNumber(lake, major_key).value_or(0),
+                 VersionNumber(lake, minor_key).value_or(0));
     }
     return false;
   }

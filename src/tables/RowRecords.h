@@ -104,6 +104,13 @@ auto Refs(Record& record) {
   }
 }
 
+// Those of a row's key and then those of its value.
+template <class Key, class Value>
+auto Refs(Key& key, Value& value) {
+  return std::apply([](auto... field) { return std::array{field...}; },
+                    std::tuple_cat(Refs(key), Refs(value)));
+}
+
 // Gives a record its tuple() from its fields().
 template <class Record>
 class Fields {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cwchar>
 #include <optional>
+#include <string_view>
 
 #include "interfaces/sea/PrWin.h"
 #include "interfaces/text/Number.h"
@@ -10,6 +11,7 @@
 #include "interfaces/text/Utf.h"
 
 using namespace kestrin;
+using namespace std::string_view_literals;
 
 namespace TableType {
 
@@ -36,28 +38,39 @@ bool strcopy(wchar_t* dst, std::wstring_view src, unsigned int dst_size) {
 
 namespace {
 
-// Room for what a message about a line says besides the line. A file of nothing but bad lines must
-// not cost much more than one of good ones, so a message takes one block of memory.
-constexpr std::size_t words_of_a_message = 150;
+// A message about a line, made in one block of memory: a file of nothing but bad lines must not
+// cost much more than one of good ones.
+class Message {
+ public:
+  explicit Message(std::size_t line_size) { text_.reserve(line_size + words); }
 
-// A zero would end the log's text in the middle of a line.
-void AppendWithoutZeros(std::wstring& text, std::wstring_view line) {
-  const std::size_t start = text.size();
-  text.append(line);
-  std::replace(text.begin() + static_cast<std::ptrdiff_t>(start), text.end(), L'\0', L'\xFFFD');
-}
+  Message& Add(std::wstring_view text) {
+    text_ += text;
+    return *this;
+  }
+  // A zero would end the log's text in the middle of a line.
+  Message& Add(std::string_view bytes) {
+    const std::size_t start = text_.size();
+    text_.resize(start + bytes.size());
+    const wchar_t* const end = Utf::Widen(bytes, Utf::lax, text_.data() + start);
+    text_.resize(static_cast<std::size_t>(end - text_.data()));
+    if (bytes.find('\0') != bytes.npos) std::replace(text_.begin(), text_.end(), L'\0', L'\xFFFD');
+    return *this;
+  }
+  void Output(PrWin::Style style) const { PrWin::Output(text_, PrWin::category_data_base, style); }
+
+ private:
+  static constexpr std::size_t words = 150;  // of a message, besides the line
+
+  std::wstring text_;
+};
 
 }  // namespace
 
 namespace DynTables {
 
 void log_error(const wchar_t* where, const wchar_t* table, const std::wstring& line) {
-  std::wstring text;
-  text.reserve(line.size() + words_of_a_message);
-  text.append(where).append(L": Error reading line '");
-  AppendWithoutZeros(text, line);
-  text.append(L"' of table '").append(table).append(L"'\n");
-  PrWin::Output(text.c_str(), PrWin::category_data_base, PrWin::style_bad_line);
+  RowText::LogBadLine(where, table, Text::ToBytes(line));
 }
 
 }  // namespace DynTables
@@ -70,69 +83,54 @@ using TableType::FieldRef;
 using TableType::FieldView;
 
 // What the conversion of each number kind says when it fails.
-struct FailureTexts {
-  const char* no_digits;
-  const char* out_of_range;
-};
-constexpr FailureTexts stoi_texts{"invalid stoi argument", "stoi argument out of range"};
-constexpr FailureTexts stoul_texts{"invalid stoul argument", "stoul argument out of range"};
-constexpr FailureTexts stol_texts{"invalid stol argument", "stol argument out of range"};
-constexpr FailureTexts stoll_texts{"invalid stoll argument", "stoll argument out of range"};
-constexpr FailureTexts stof_texts{"invalid stof argument", "stof argument out of range"};
+const char* FailureText(FieldKind kind, Number::State state) {
+  static constexpr const char* texts[][2] = {
+      {"invalid stoi argument", "stoi argument out of range"},
+      {"invalid stoul argument", "stoul argument out of range"},
+      {"invalid stol argument", "stol argument out of range"},
+      {"invalid stoll argument", "stoll argument out of range"},
+      {"invalid stof argument", "stof argument out of range"},
+  };
+  return texts[static_cast<std::size_t>(kind)][state == Number::State::out_of_range ? 1 : 0];
+}
 
-// How much of a line a field has taken, and why not what it takes.
+// The place behind a number that was read, or else in front of it.
 struct Step {
-  std::size_t used;
-  const char* failure;
+  const char* place;
+  Number::State state;
 };
 
-template <class T, class Scanned>
-Step Take(T& field, const Scanned& number, const FailureTexts& texts) {
-  if (number.state == Number::State::no_digits) return {0, texts.no_digits};
-  if (number.state == Number::State::out_of_range) return {0, texts.out_of_range};
-  field = static_cast<T>(number.value);
-  return {number.used, nullptr};
+template <class T>
+Step ReadInteger(void* field, const char* place, const char* end) {
+  const auto number = Number::ScanInteger<T>({place, end});
+  if (number.state != Number::State::ok) return {place, number.state};
+  *static_cast<T*>(field) = number.value;
+  return {place + number.used, Number::State::ok};
 }
 
-Step ReadReal(float& field, std::string_view line) {
-  const auto number = Number::ScanDouble(line);
-  const Number::Scanned<float> rounded{Number::ToFloat(number.value), number.state, number.used};
-  return Take(field, rounded, stof_texts);
+Step ReadReal(float& field, const char* place, const char* end) {
+  const auto number = Number::ScanDouble(std::string_view(place, end));
+  if (number.state != Number::State::ok) return {place, number.state};
+  field = Number::ToFloat(number.value);
+  return {place + number.used, Number::State::ok};
 }
 
-Step ReadKey(QClavis& key, std::string_view line);
-
-Step ReadNumber(const FieldRef& field, std::string_view line) {
+Step ReadNumber(const FieldRef& field, const char* place, const char* end) {
   switch (field.kind) {
     case FieldKind::integer:
     case FieldKind::long_int:
-      return Take(*static_cast<int*>(field.place), Number::ScanInteger<int>(line),
-                  field.kind == FieldKind::integer ? stoi_texts : stol_texts);
+      return ReadInteger<int>(field.place, place, end);
     case FieldKind::unsigned_int:
-      return Take(*static_cast<unsigned*>(field.place), Number::ScanInteger<unsigned>(line),
-                  stoul_texts);
+      return ReadInteger<unsigned>(field.place, place, end);
     case FieldKind::long_long:
-      return Take(*static_cast<long long*>(field.place), Number::ScanInteger<long long>(line),
-                  stoll_texts);
+      return ReadInteger<long long>(field.place, place, end);
     case FieldKind::real:
-      return ReadReal(*static_cast<float*>(field.place), line);
+      return ReadReal(*static_cast<float*>(field.place), place, end);
     case FieldKind::key:
-      return ReadKey(*static_cast<QClavis*>(field.place), line);
     case FieldKind::text:
       break;
   }
-  return {0, nullptr};
-}
-
-Step ReadKey(QClavis& key, std::string_view line) {
-  const std::size_t size = line.size();
-  Step step{0, nullptr};
-  for (int& element : key.id) {
-    if (line.empty() || step.failure != nullptr) break;
-    step = ReadNumber({FieldKind::integer, &element}, line);
-    line.remove_prefix(step.used);
-  }
-  return {size - line.size(), step.failure};
+  return {place, Number::State::ok};
 }
 
 // How much of the line a text takes; nothing if the rest of the line is too long.
@@ -174,41 +172,58 @@ void AppendField(std::wstring& text, const FieldView& field) {
   }
 }
 
-void LogFailure(std::string_view reason, std::string_view line) {
-  const std::wstring rest = Text::FromBytes(line);
-  std::wstring text;
-  text.reserve(rest.size() + words_of_a_message);
-  text.append(L"Error converting parameter sea to parameter tables: '");
-  text.append(reason.begin(), reason.end()).append(L"' for substring '");
-  AppendWithoutZeros(text, rest);
-  text.append(L"'\n");
-  PrWin::Output(text.c_str(), PrWin::category_data_base, PrWin::style_none);
-}
-
 }  // namespace
 
 Result ReadFields(std::span<const FieldRef> fields, std::string_view& line) {
-  std::string_view rest = line;
+  const char* place = line.data();
+  const char* const end = place + line.size();
   Result result{true, fields.size(), nullptr};
   for (std::size_t i = 0; i < fields.size() && result.ok; ++i) {
-    if (fields[i].kind == FieldKind::text) {
-      const auto used = ReadText(static_cast<wchar_t*>(fields[i].place), rest);
-      rest.remove_prefix(used.value_or(0));
+    const FieldRef& field = fields[i];
+    if (field.kind == FieldKind::text) {
+      const auto used = ReadText(static_cast<wchar_t*>(field.place), {place, end});
+      place += used.value_or(0);
       if (!used) result = {false, i, nullptr};
-    } else if (!rest.empty()) {
-      const Step step = ReadNumber(fields[i], rest);
-      rest.remove_prefix(step.used);
-      if (step.failure != nullptr) result = {false, i, step.failure};
+    } else if (field.kind == FieldKind::key) {
+      std::string_view rest(place, end);
+      const Result ids = ReadFields(TableType::Refs(*static_cast<QClavis*>(field.place)), rest);
+      place = rest.data();
+      if (!ids.ok) result = {false, i, ids.reason};
+    } else if (place != end) {
+      const Step step = ReadNumber(field, place, end);
+      place = step.place;
+      if (step.state != Number::State::ok) {
+        result = {false, i, FailureText(field.kind, step.state)};
+      }
     }
   }
-  line = rest;
+  line = {place, end};
   return result;
 }
 
 bool Read(std::span<const FieldRef> fields, std::string_view& line) {
   const Result result = ReadFields(fields, line);
-  if (result.reason != nullptr) LogFailure(result.reason, line);
+  if (result.reason != nullptr) {
+    Message(line.size())
+        .Add(L"Error converting parameter sea to parameter tables: '"sv)
+        .Add(std::string_view(result.reason))
+        .Add(L"' for substring '"sv)
+        .Add(line)
+        .Add(L"'\n"sv)
+        .Output(PrWin::style_none);
+  }
   return result.ok;
+}
+
+void LogBadLine(std::wstring_view where, std::wstring_view table, std::string_view line) {
+  Message(line.size())
+      .Add(where)
+      .Add(L": Error reading line '"sv)
+      .Add(line)
+      .Add(L"' of table '"sv)
+      .Add(table)
+      .Add(L"'\n"sv)
+      .Output(PrWin::style_bad_line);
 }
 
 void Append(std::wstring& text, std::span<const FieldView> fields) {

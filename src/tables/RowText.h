@@ -60,6 +60,10 @@ KESTRIN_API Result ReadFields(std::span<const TableType::FieldRef> fields, std::
 // The same with a log line for a number that failed.
 KESTRIN_API bool Read(std::span<const TableType::FieldRef> fields, std::string_view& line);
 
+// DynTables::log_error with a line in the form of Text::ToBytes.
+KESTRIN_API void LogBadLine(std::wstring_view where, std::wstring_view table,
+                            std::string_view line);
+
 // Appends the fields with one blank between each two. Texts go out without quotes.
 KESTRIN_API void Append(std::wstring& text, std::span<const TableType::FieldView> fields);
 

@@ -144,6 +144,10 @@ void Output(const wchar_t* text, Category category, Style style) {
   OutputText(text ? text : L"", category, style);
 }
 
+void Output(std::wstring_view text, Category category, Style style) {
+  OutputText(text, category, style);
+}
+
 void Output(Category category, const wchar_t* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);

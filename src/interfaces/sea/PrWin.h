@@ -35,6 +35,7 @@ KESTRIN_API Sink SetSink(Sink sink);
 
 // A finished text; null is an empty text.
 KESTRIN_API void Output(const wchar_t* text, Category category, Style style);
+KESTRIN_API void Output(std::wstring_view text, Category category, Style style);
 
 // Format forms with the conventions of printf on wide text, independent of the locale: widths,
 // flags and every conversion of the platform. %s, as %ls, is a wide text (null gives "(null)") and

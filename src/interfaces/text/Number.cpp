@@ -59,7 +59,7 @@ std::string Narrow(std::wstring_view text) {
 
 Scanned<int> ScanInt(std::wstring_view text) { return ScanInteger<int>(Narrow(text)); }
 
-Scanned<double> ScanDouble(std::string_view text) {
+Scanned<double> ScanAnyDouble(std::string_view text) {
   const char* text_end = text.data() + text.size();
   auto [begin, negative] = SkipSign(text);
   if (begin == text_end || *begin == '-') return {};
@@ -85,17 +85,14 @@ Scanned<double> ScanDouble(std::string_view text) {
 
 Scanned<double> ScanDouble(std::wstring_view text) { return ScanDouble(Narrow(text)); }
 
-float ToFloat(double value) {
-  // The conversion of a double beyond the floats is undefined, so the rounding at the upper end is
-  // done by hand: up to half a unit of the last place beyond the largest float it is the nearest.
-  constexpr float largest = std::numeric_limits<float>::max();
+// The conversion of a double beyond the floats is undefined, so the rounding is done by hand: up to
+// half a unit of the last place beyond the largest float it is the nearest.
+float ToFloatBeyond(double value) {
+  if (std::isnan(value)) return static_cast<float>(value);
   constexpr double rounds_to_infinity = 0x1.ffffffp127;
-  const double size = std::fabs(value);
-  const float sign = std::signbit(value) ? -1.0F : 1.0F;
-  if (size >= rounds_to_infinity)
-    return std::copysign(std::numeric_limits<float>::infinity(), sign);
-  if (size > static_cast<double>(largest)) return std::copysign(largest, sign);
-  return static_cast<float>(value);
+  const float size = std::fabs(value) >= rounds_to_infinity ? std::numeric_limits<float>::infinity()
+                                                            : std::numeric_limits<float>::max();
+  return std::signbit(value) ? -size : size;
 }
 
 void Append(std::wstring& text, float value) {

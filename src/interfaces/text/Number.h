@@ -9,6 +9,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <concepts>
 #include <cstddef>
 #include <limits>
@@ -35,6 +36,7 @@ struct Start {
 };
 
 inline Start SkipSign(std::string_view text) {
+  while (text.starts_with(' ')) text.remove_prefix(1);
   while (const std::size_t space = Utf::SpaceLength(text)) text.remove_prefix(space);
   const bool negative = text.starts_with('-');
   return {text.data() + (negative || text.starts_with('+') ? 1 : 0), negative};
@@ -54,17 +56,20 @@ inline Scanned<Int> ScanInteger(std::string_view text) {
     value = value * 10 + digit;
   }
   if (end == begin) return {};
-  constexpr std::ptrdiff_t always_fit = std::numeric_limits<unsigned long long>::digits10;
-  const bool too_many =
-      end - begin > always_fit && std::from_chars(begin, end, value).ec != std::errc();
-
-  const auto max = static_cast<unsigned long long>(std::numeric_limits<Int>::max());
-  const unsigned long long limit = max + (negative && std::signed_integral<Int> ? 1 : 0);
-  const bool beyond = too_many || value > limit;
-  if (beyond) value = limit;
+  State state = State::ok;
+  if (end - begin > std::numeric_limits<Int>::digits10) {  // else any is in range
+    constexpr std::ptrdiff_t always_fit = std::numeric_limits<unsigned long long>::digits10;
+    const bool too_many =
+        end - begin > always_fit && std::from_chars(begin, end, value).ec != std::errc();
+    const auto max = static_cast<unsigned long long>(std::numeric_limits<Int>::max());
+    const unsigned long long limit = max + (negative && std::signed_integral<Int> ? 1 : 0);
+    if (too_many || value > limit) {
+      state = State::out_of_range;
+      value = std::signed_integral<Int> || !negative ? limit : 0 - limit;
+    }
+  }
   // Negated as unsigned, where the lowest value has a counterpart.
-  if (negative && (std::signed_integral<Int> || !beyond)) value = 0 - value;
-  return {static_cast<Int>(value), beyond ? State::out_of_range : State::ok,
+  return {static_cast<Int>(negative ? 0 - value : value), state,
           static_cast<std::size_t>(end - text.data())};
 }
 
@@ -73,11 +78,28 @@ Scanned<int> ScanInt(std::wstring_view text);
 // As wcstod: decimal and hexadecimal forms, "inf", "infinity", "nan" and "nan(...)". Out of range
 // are texts beyond the largest double (value infinite) and those that are not zero but too small
 // for any double (value zero).
-Scanned<double> ScanDouble(std::string_view text);
 Scanned<double> ScanDouble(std::wstring_view text);
+Scanned<double> ScanAnyDouble(std::string_view text);
+inline Scanned<double> ScanDouble(std::string_view text) {
+  const auto [begin, negative] = SkipSign(text);
+  const char* const text_end = text.data() + text.size();
+  const bool may_be_hexadecimal = text_end - begin > 1 && Text::Lower(begin[1]) == 'x';
+  double value = 0;
+  if (begin != text_end && *begin != '-' && !may_be_hexadecimal) {
+    const auto [end, error] = std::from_chars(begin, text_end, value);
+    if (error == std::errc()) {
+      return {negative ? -value : value, State::ok, static_cast<std::size_t>(end - text.data())};
+    }
+  }
+  return ScanAnyDouble(text);
+}
 
 // The nearest float; beyond the largest one an infinity.
-float ToFloat(double value);
+float ToFloatBeyond(double value);
+inline float ToFloat(double value) {
+  constexpr double largest = std::numeric_limits<float>::max();
+  return std::fabs(value) <= largest ? static_cast<float>(value) : ToFloatBeyond(value);
+}
 
 // The default form of a stream: 6 significant digits, an exponent where that form takes one.
 void Append(std::wstring& text, float value);

@@ -9,17 +9,6 @@ std::size_t LongSpaceLength(std::string_view text) {
   return is_space ? static_cast<std::size_t>(first.length) : 0;
 }
 
-std::string_view Trim(std::string_view text) {
-  while (const std::size_t space = SpaceLength(text)) text.remove_prefix(space);
-  while (!text.empty()) {
-    std::size_t last = text.size() - 1;
-    while (last > 0 && IsContinuation(text[last])) --last;
-    if (SpaceLength(text.substr(last)) != text.size() - last) break;
-    text = text.substr(0, last);
-  }
-  return text;
-}
-
 wchar_t* Widen(std::string_view text, Strictness strictness, wchar_t* to) {
   const char* from = text.data();
   const char* const end = from + text.size();

@@ -78,7 +78,16 @@ inline std::size_t SpaceLength(std::string_view text) {
 }
 
 // The text without white space at both ends.
-std::string_view Trim(std::string_view text);
+inline std::string_view Trim(std::string_view text) {
+  while (const std::size_t space = SpaceLength(text)) text.remove_prefix(space);
+  while (!text.empty()) {
+    std::size_t last = text.size() - 1;
+    while (last > 0 && IsContinuation(text[last])) --last;
+    if (SpaceLength(text.substr(last)) != text.size() - last) break;
+    text = text.substr(0, last);
+  }
+  return text;
+}
 
 // Writes what Text::FromUtf8 gives, or else Text::FromBytes, and gives the place behind it: at most
 // as many elements as the text has bytes.
