@@ -185,12 +185,14 @@ std::wostream& operator<<(std::wostream& out, const CLake::CNode& node) {
 
 namespace {
 
-// All bytes that the source has; false if the medium failed behind them.
+// All bytes that the source has; false if the medium failed behind them. Where the size is known,
+// no more memory is taken than they need.
 bool ReadBytes(const LakeReader::Source& source, std::size_t size, std::string& bytes) {
-  bytes.reserve(size + block_size);
+  bytes.reserve(size + 1);  // one more, to find that there is nothing behind them
   for (;;) {
     const std::size_t have = bytes.size();
-    bytes.resize(have + block_size);
+    const std::size_t room = bytes.capacity() - have;
+    bytes.resize(have + (room > 0 ? std::min(room, block_size) : block_size));
     const auto count = source(std::span(bytes).subspan(have));
     bytes.resize(have + count.value_or(0));
     if (!count || *count == 0) return count.has_value();
@@ -246,7 +248,10 @@ Refusal::Reason Decode(std::string& bytes, bool is_sound, std::string_view& text
   const auto front = is_utf8 ? Utf::mark.size() : 0;
   std::string room;
   const auto state = TakeText(std::string_view(bytes).substr(front), is_utf8, room, text);
-  if (!room.empty()) text = bytes = std::move(room);
+  if (!room.empty()) {
+    room.shrink_to_fit();
+    text = bytes = std::move(room);
+  }
   if (state == Utf::Sequence::invalid) return Refusal::broken_text;
   if (!is_sound) return Refusal::broken_medium;
   return state == Utf::Sequence::cut ? Refusal::broken_text : Refusal::none;

@@ -82,7 +82,7 @@ using TableType::FieldKind;
 using TableType::FieldRef;
 using TableType::FieldView;
 
-// What the conversion of each number kind says when it fails.
+// What the conversion of a number says when it fails; the kinds in their order.
 const char* FailureText(FieldKind kind, Number::State state) {
   static constexpr const char* texts[][2] = {
       {"invalid stoi argument", "stoi argument out of range"},
