@@ -263,7 +263,7 @@ void RequireText(const CLake& lake, const std::vector<Line>& lines) {
       Require(row && kestrin::Text::FromBytes(*row) == lines[child].value,
               "the second reader finds the same row of a section at the top");
     }
-    Require(!top.next_row() && line.unnamed.size() <= top.most_rows, "a section ends");
+    Require(!top.next_row() && line.unnamed.size() == top.rows, "a section ends");
   }
   Require(!lake.root_line(L"a: key").exists, "a key that no line can have is missed");
 }

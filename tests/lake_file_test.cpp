@@ -108,14 +108,17 @@ TEST(LakeFile, WhatCannotBeOpenedOrReadLosesNothing) {
 TEST(LakeFile, WrittenAndReadBackIsTheSame) {
   const std::pair<std::string, std::string> cases[] = {
       {"", ""},
-      {"   a: 1\r\n  <T>: {\n{\n1\n}\n\n; c\n} ;d\n}\nout\n",
-       mark + "a: 1\n<T>: {\n\t{\n\t\t1\n\t}\n\t\n\t\t; c\n}\t; d\n}\nout\n"},
+      {"   a: 1\r\n  <T>: {\n{\n1\n}\n\n; c\n} ;d\n}\nout\n{\n{\nx\n",
+       mark + "a: 1\n<T>: {\n\t{\n\t\t1\n\t}\n\t\n\t\t; c\n}\t; d\n}\nout\n{\n{\nx\n"},
       {mark + "\xF0\x9F\x98\x80" + mark, mark + "\xF0\x9F\x98\x80" + mark + "\n"},
       {mark + "\xED\xA0\xBD\xED\xB8\x80 \xED\xA0\xBDx\n\xED\xA0\xBD\nz",  // a pair, then lone ones
        mark + "\xF0\x9F\x98\x80 \xEF\xBF\xBDx\n\xEF\xBF\xBD\nz\n"},
   };
   for (const auto& [read, written] : cases) {
-    EXPECT_EQ(ToBytes(FromBytes(read)), written);
+    CLake lake = FromBytes(read);
+    EXPECT_EQ(ToBytes(lake), written);
+    lake.root();
+    EXPECT_EQ(ToBytes(lake), written) << "by its nodes";
     EXPECT_EQ(ToBytes(FromBytes(written)), written);
   }
   CLake beyond;

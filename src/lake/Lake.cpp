@@ -1,7 +1,7 @@
 // The tree over the lines: how it is built, asked, copied and changed.
 //
-// There is one place where indexes are made, `CNode::Linker`. Whatever brings lines in (reading,
-// copying, merging) brings pure lines, texts without indexes, and links them to the root.
+// There is one place where the indexes of nodes are made, `CNode::Linker`. Whatever brings nodes in
+// (a text, copying, merging) brings pure lines, texts without indexes, and links them to the root.
 
 #include "lake/Lake.h"
 
@@ -24,13 +24,28 @@ namespace {
 // Counted in bytes, block by block: compilers make that six times as fast as a count of all.
 std::size_t CountLines(std::string_view text) {
   constexpr std::size_t block = 255;
-  std::size_t count = 1;
+  std::size_t count = text.empty() || text.ends_with('\n') ? 0 : 1;
   for (; !text.empty(); text.remove_prefix(std::min(block, text.size()))) {
     const std::string_view part = text.substr(0, block);
     count += std::accumulate(part.begin(), part.end(), std::uint8_t{}, [](std::uint8_t n, char c) {
       return static_cast<std::uint8_t>(n + (c == '\n' ? 1 : 0));
     });
   }
+  return count;
+}
+
+std::optional<std::string_view> NextRow(LineWalk& walk) {
+  while (walk.Next()) {
+    if (walk.IsRow()) return walk.Line().value;
+  }
+  return std::nullopt;
+}
+
+// Of a section; without a colon or a bracket all its lines are rows.
+std::size_t CountRows(std::string_view lines) {
+  if (lines.find(':') == lines.npos && lines.find('{') == lines.npos) return CountLines(lines);
+  std::size_t count = 0;
+  for (LineWalk walk(lines); NextRow(walk);) ++count;
   return count;
 }
 
@@ -44,7 +59,7 @@ CLake::CLake(const CLake& other) { *this = other; }
 
 CLake& CLake::operator=(const CLake& other) {
   if (this == &other) return *this;
-  lines_.Set(other.lines_.Get() == nullptr ? nullptr : other.copied_lines());
+  lines_.Set(other.lines_.Get() == nullptr ? nullptr : other.make_lines());
   text_ = other.text_;
   return *this;
 }
@@ -62,8 +77,12 @@ void CLake::clear() {
 }
 
 void CLake::merge(const CLake& other) {
+  if (empty() && lines_.Get() == nullptr) {
+    *this = other;
+    return;
+  }
   lines();
-  const auto more = other.copied_lines();
+  const auto more = other.make_lines();
   more->nodes.pop_front();
   link_root(std::move(*more));
 }
@@ -81,10 +100,10 @@ CLake::CNodeProxy CLake::operator[](const std::wstring& key) { return root()[key
 const CLake::CNodeProxy CLake::operator[](const std::wstring& key) const { return root()[key]; }
 
 CLake::Lines& CLake::lines() const {
-  return lines_.GetOr([this] { return copied_lines(); });
+  return lines_.GetOr([this] { return make_lines(); });
 }
 
-std::unique_ptr<CLake::Lines> CLake::copied_lines() const {
+std::unique_ptr<CLake::Lines> CLake::make_lines() const {
   auto copy = std::make_unique<Lines>();
   NodeList& nodes = copy->nodes;
   CNode& root = nodes.emplace_back();
@@ -140,13 +159,8 @@ RootLine CLake::root_line(const std::wstring& key) const {
   const auto found = text_->tops.find(key);
   if (found == text_->tops.end()) return {};
   const auto& [value, is_section, lines] = found->second;
-  const auto rows = [walk = LineWalk(lines)]() mutable -> std::optional<std::string_view> {
-    while (walk.Next()) {
-      if (walk.IsRow()) return walk.Line().value;
-    }
-    return std::nullopt;
-  };
-  return {true, is_section, Text::FromBytes(value), CountLines(lines), rows};
+  return {true, is_section, Text::FromBytes(value), CountRows(lines),
+          [walk = LineWalk(lines)]() mutable { return NextRow(walk); }};
 }
 
 // ------------------------------------------------------------------------------- CLake::CNode

@@ -45,7 +45,8 @@ namespace kestrin {
 struct LakeReader;
 struct LineParts;
 
-// What is made when somebody asks for it, once, by whichever thread comes first.
+// What is made when somebody asks for it. Of threads that come at the same time each makes one, and
+// the first stays.
 template <class T>
 class OnDemand {
  public:
@@ -77,12 +78,11 @@ struct RootLine {
   bool exists = false;
   bool is_section = false;
   std::wstring value;
-  std::size_t most_rows = 0;  // the section's unnamed lines are no more
+  std::size_t rows = 0;  // the section's unnamed lines
 
-  // Gives the values of the section's unnamed lines one after the other, in the form of
-  // CNode::bytes, each good until the next is asked for, and then nothing. Good as long as the lake
-  // isn't changed.
-  std::function<std::optional<std::string_view>()> next_row;
+  // Gives the values of these lines one after the other, in the form of CNode::bytes, each good
+  // until the next is asked for, and then nothing. Good as long as the lake isn't changed.
+  std::function<std::optional<std::string_view>()> next_row = [] { return std::nullopt; };
 };
 
 }  // namespace kestrin
@@ -145,7 +145,8 @@ class KESTRIN_API CLake {
   const CNodeProxy operator[](const std::wstring& key) const;
 
   // What stands in the line that operator[] finds, for those who only read it: makes no nodes. All
-  // that gives an iterator, a node or a proxy does, which takes some 70 bytes a line.
+  // that gives an iterator, a node or a proxy does, also of a constant lake. They take some 70
+  // bytes a line, for which memory may run out.
   kestrin::RootLine root_line(const std::wstring& key) const;
 
  private:
@@ -161,7 +162,7 @@ class KESTRIN_API CLake {
   };
 
   Lines& lines() const;
-  std::unique_ptr<Lines> copied_lines() const;
+  std::unique_ptr<Lines> make_lines() const;  // of which `lines` keeps one
   // Links all lines anew, with more lines behind them. If memory runs out, there are no lines.
   void link_root(Lines&& more);
 

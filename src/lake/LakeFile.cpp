@@ -89,7 +89,7 @@ void AppendLine(std::string& text, int depth, const LineParts& line) {
 
 }  // namespace
 
-std::size_t LineWalk::NextOf(char c, std::size_t& place) const {
+std::size_t LineWalk::NextOf(char c, std::size_t& place) {
   if (place < end_) place = text_.find(c, end_);
   return place;
 }

@@ -1,5 +1,5 @@
-// How a lake takes its lines from any source of bytes, of which a file is one, and how it links
-// them. Inside the library only.
+// How a lake takes its text from any source of bytes, of which a file is one, how it goes through
+// the lines of a text, and how it links lines. Inside the library only.
 #pragma once
 
 #include <algorithm>
@@ -46,7 +46,7 @@ class LineWalk {
   std::size_t End() const { return std::min(end_, text_.size()); }
 
  private:
-  std::size_t NextOf(char c, std::size_t& place) const;
+  std::size_t NextOf(char c, std::size_t& place);
 
   std::string_view text_;
   // The next of each, or one that lies behind: most lines have none, and a text is searched once.

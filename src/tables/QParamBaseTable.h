@@ -180,7 +180,7 @@ bool CQParamSeaTypedTable<Map>::ReadTable(CLake& lake) {
   const kestrin::RootLine line = lake.root_line(this->name);
   if (!line.exists) return this->ReadTable(static_cast<const CResourceSea*>(nullptr));
   if (!line.is_section) return false;
-  if constexpr (requires(Map & map) { map.reserve(1); }) this->reserve(line.most_rows);
+  if constexpr (requires(Map & map) { map.reserve(1); }) this->reserve(line.rows);
   return ReadLines(Logged::whole_line, line.next_row);
 }
 

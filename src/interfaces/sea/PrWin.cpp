@@ -144,10 +144,6 @@ void Output(const wchar_t* text, Category category, Style style) {
   OutputText(text ? text : L"", category, style);
 }
 
-void Output(std::wstring_view text, Category category, Style style) {
-  OutputText(text, category, style);
-}
-
 void Output(Category category, const wchar_t* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
@@ -160,6 +156,10 @@ void Output(Category category, Style style, const wchar_t* format, ...) {
   va_start(arguments, format);
   OutputFormat(category, style, format, arguments);
   va_end(arguments);
+}
+
+void Output(std::wstring_view text, Category category, Style style) {
+  OutputText(text, category, style);
 }
 
 TraceSink SetTraceSink(TraceSink sink) { return OutletFor<TraceSink>().Set(std::move(sink)); }
