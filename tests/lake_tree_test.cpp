@@ -116,6 +116,7 @@ TEST(LakeTree, MergeReadsAsOneFileBehindTheOther) {
 TEST(LakeTree, WhatIsMadeInMemoryIsReadBackTheSame) {
   CLake lake = FromBytes("old: {\n1\n}\nplain: 1\nrow\n");
   EXPECT_EQ(lake[L"old"].push_back(L"2"), 1U);
+  EXPECT_EQ(lake.root_line(L"old").rows, 2U);
   lake[L"new"] = L"5";
   lake[L"plain"] = L"6";
   auto made = lake[L"made"];

@@ -67,6 +67,9 @@ TEST(Tables, ALocalSeaStandsInForAMissingSection) {
   EXPECT_EQ(log.lines.back().text,
             L"CQParamSeaTypedTable< T >::ReadTable(): Error reading line ' x' of table "
             L"'<TTest>'\n");
+  CLake zero = FromBytes("<TTest>: {\n1 a x" + std::string(1, '\0') + "\n}");
+  EXPECT_FALSE(table.ReadTable(zero));
+  EXPECT_NE(log.lines.back().text.find(L"'1 a x\xFFFD'"), CString::npos);
 }
 
 TEST(Tables, ATableIsWrittenOverItsListInTheSea) {
