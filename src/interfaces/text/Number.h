@@ -36,7 +36,7 @@ struct Start {
 };
 
 inline Start SkipSign(std::string_view text) {
-  while (text.starts_with(' ')) text.remove_prefix(1);
+  while (text.starts_with(' ')) text.remove_prefix(1);  // nearly always all there is
   while (const std::size_t space = Utf::SpaceLength(text)) text.remove_prefix(space);
   const bool negative = text.starts_with('-');
   return {text.data() + (negative || text.starts_with('+') ? 1 : 0), negative};
@@ -80,6 +80,7 @@ Scanned<int> ScanInt(std::wstring_view text);
 // for any double (value zero).
 Scanned<double> ScanDouble(std::wstring_view text);
 Scanned<double> ScanAnyDouble(std::string_view text);
+// What most numbers are is compiled into the reader of rows too, the rest is left to ScanAnyDouble.
 inline Scanned<double> ScanDouble(std::string_view text) {
   const auto [begin, negative] = SkipSign(text);
   const char* const text_end = text.data() + text.size();
@@ -95,7 +96,7 @@ inline Scanned<double> ScanDouble(std::string_view text) {
 }
 
 // The nearest float; beyond the largest one an infinity.
-float ToFloatBeyond(double value);
+float ToFloatBeyond(double value);  // the same, for what isn't within the floats
 inline float ToFloat(double value) {
   constexpr double largest = std::numeric_limits<float>::max();
   return std::fabs(value) <= largest ? static_cast<float>(value) : ToFloatBeyond(value);
